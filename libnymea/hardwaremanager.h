@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef HARDWAREMANAGER_H
+#define HARDWAREMANAGER_H
+
+#include "libnymea.h"
+
+#include <QObject>
+
+class PluginTimerManager;
+
+/*! The daemon's shared resources, as far as plugins here use them. */
+class LIBNYMEA_EXPORT HardwareManager : public QObject {
+    Q_OBJECT
+public:
+    explicit HardwareManager(QObject *parent = nullptr);
+
+    /*! Owned by this object. */
+    PluginTimerManager *pluginTimerManager() const;
+
+private:
+    PluginTimerManager *m_pluginTimerManager; // our child
+};
+
+#endif // HARDWAREMANAGER_H

@@ -1,0 +1,264 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "integrations/thing.h"
+
+#include "loggingcategories.h"
+
+#include <QDebug>
+
+#include <algorithm>
+
+namespace {
+
+/*! \a value as \a type; invalid when it cannot be converted. */
+QVariant converted(QVariant value, QMetaType::Type type)
+{
+    return value.convert(type) ? value : QVariant();
+}
+
+template <typename Predicate> Things filtered(const Things &things, Predicate predicate)
+{
+    Things result;
+    std::copy_if(things.cbegin(), things.cend(), std::back_inserter(result), predicate);
+    return result;
+}
+
+} // namespace
+
+Thing::Thing(const ThingClass &thingClass, const ThingId &id, QObject *parent)
+    : QObject(parent)
+    , m_thingClass(thingClass)
+    , m_id(id.isNull() ? ThingId::createThingId() : id)
+    , m_name(thingClass.displayName)
+{
+    for (const ParamType &paramType : m_thingClass.paramTypes)
+        m_params.append(Param(paramType.id, paramType.defaultValue));
+    for (const StateType &stateType : m_thingClass.stateTypes) {
+        State state(stateType.id, stateType.defaultValue);
+        state.setMinValue(stateType.minValue);
+        state.setMaxValue(stateType.maxValue);
+        m_states.append(state);
+    }
+}
+
+ThingId Thing::id() const
+{
+    return m_id;
+}
+
+ThingClass Thing::thingClass() const
+{
+    return m_thingClass;
+}
+
+ThingClassId Thing::thingClassId() const
+{
+    return m_thingClass.id;
+}
+
+QString Thing::name() const
+{
+    return m_name;
+}
+
+void Thing::setName(const QString &name)
+{
+    m_name = name;
+}
+
+ThingId Thing::parentId() const
+{
+    return m_parentId;
+}
+
+void Thing::setParentId(const ThingId &parentId)
+{
+    m_parentId = parentId;
+}
+
+ParamList Thing::params() const
+{
+    return m_params;
+}
+
+QVariant Thing::paramValue(const ParamTypeId &paramTypeId) const
+{
+    return m_params.paramValue(paramTypeId);
+}
+
+QVariant Thing::paramValue(const QString &paramName) const
+{
+    return m_params.paramValue(m_thingClass.paramTypes.findByName(paramName).id);
+}
+
+void Thing::setParamValue(const ParamTypeId &paramTypeId, const QVariant &value)
+{
+    const QVariant newValue = converted(value, m_thingClass.paramTypes.findById(paramTypeId).type);
+    if (!newValue.isValid() || !m_params.setParamValue(paramTypeId, newValue))
+        qCWarning(dcThing) << this << "has no parameter" << paramTypeId << "that could hold" << value;
+}
+
+States Thing::states() const
+{
+    return m_states;
+}
+
+State Thing::state(const StateTypeId &stateTypeId) const
+{
+    return m_states.value(stateIndex(stateTypeId));
+}
+
+State Thing::state(const QString &stateName) const
+{
+    return m_states.value(stateIndex(stateName));
+}
+
+QVariant Thing::stateValue(const StateTypeId &stateTypeId) const
+{
+    return state(stateTypeId).value();
+}
+
+QVariant Thing::stateValue(const QString &stateName) const
+{
+    return state(stateName).value();
+}
+
+void Thing::setStateValue(const StateTypeId &stateTypeId, const QVariant &value)
+{
+    const int index = stateIndex(stateTypeId);
+    if (index < 0)
+        qCWarning(dcThing) << this << "has no state" << stateTypeId;
+    else
+        setValueAt(index, value);
+}
+
+void Thing::setStateValue(const QString &stateName, const QVariant &value)
+{
+    const int index = stateIndex(stateName);
+    if (index < 0)
+        qCWarning(dcThing) << this << "has no state" << stateName;
+    else
+        setValueAt(index, value);
+}
+
+void Thing::setStateMaxValue(const StateTypeId &stateTypeId, const QVariant &maxValue)
+{
+    const int index = stateIndex(stateTypeId);
+    if (index < 0)
+        qCWarning(dcThing) << this << "has no state" << stateTypeId;
+    else
+        setMaxValueAt(index, maxValue);
+}
+
+void Thing::setStateMaxValue(const QString &stateName, const QVariant &maxValue)
+{
+    const int index = stateIndex(stateName);
+    if (index < 0)
+        qCWarning(dcThing) << this << "has no state" << stateName;
+    else
+        setMaxValueAt(index, maxValue);
+}
+
+Thing::ThingSetupStatus Thing::setupStatus() const
+{
+    return m_setupStatus;
+}
+
+Thing::ThingError Thing::setupError() const
+{
+    return m_setupError;
+}
+
+QString Thing::setupDisplayMessage() const
+{
+    return m_setupDisplayMessage;
+}
+
+void Thing::setSetupStatus(ThingSetupStatus status, ThingError error, const QString &displayMessage)
+{
+    m_setupStatus = status;
+    m_setupError = error;
+    m_setupDisplayMessage = displayMessage;
+    emit setupStatusChanged();
+}
+
+int Thing::stateIndex(const StateTypeId &stateTypeId) const
+{
+    for (int i = 0; i < m_states.size(); ++i) {
+        if (m_states.at(i).stateTypeId() == stateTypeId)
+            return i;
+    }
+    return -1;
+}
+
+int Thing::stateIndex(const QString &stateName) const
+{
+    for (int i = 0; i < m_thingClass.stateTypes.size(); ++i) {
+        if (m_thingClass.stateTypes.at(i).name == stateName)
+            return i;
+    }
+    return -1;
+}
+
+void Thing::setValueAt(int index, const QVariant &value)
+{
+    const StateType &type = m_thingClass.stateTypes.at(index);
+    const QVariant newValue = converted(value, type.type);
+    if (!newValue.isValid()) {
+        qCWarning(dcThing) << this << "cannot hold" << value << "in its state" << type.name;
+        return;
+    }
+    if (m_states.at(index).value() == newValue)
+        return;
+    m_states[index].setValue(newValue);
+    notify(index);
+}
+
+void Thing::setMaxValueAt(int index, const QVariant &maxValue)
+{
+    const QVariant newMaxValue = converted(maxValue, m_thingClass.stateTypes.at(index).type);
+    if (m_states.at(index).maxValue() == newMaxValue)
+        return;
+    m_states[index].setMaxValue(newMaxValue);
+    notify(index);
+}
+
+void Thing::notify(int index)
+{
+    // A copy: a listener may change the state again.
+    const State state = m_states.at(index);
+    emit stateValueChanged(state.stateTypeId(), state.value(), state.minValue(), state.maxValue());
+}
+
+QDebug operator<<(QDebug debug, const Thing *thing)
+{
+    const QDebugStateSaver saver(debug);
+    if (!thing)
+        return debug.nospace() << "Thing(null)";
+    return debug.nospace().noquote() << "Thing(" << thing->name() << ", class " << thing->thingClass().name
+                                     << ", id " << thing->id().toString() << ")";
+}
+
+Things::Things(const QList<Thing *> &other)
+    : QList<Thing *>(other)
+{
+}
+
+Thing *Things::findById(const ThingId &id) const
+{
+    const auto it = std::find_if(cbegin(), cend(), [&id](const Thing *thing) { return thing->id() == id; });
+    return it == cend() ? nullptr : *it;
+}
+
+Things Things::filterByParam(const ParamTypeId &paramTypeId, const QVariant &value) const
+{
+    return filtered(*this, [&](const Thing *thing) {
+        return thing->params().hasParam(paramTypeId) && thing->paramValue(paramTypeId) == value;
+    });
+}
+
+Things Things::filterByParentId(const ThingId &parentId) const
+{
+    return filtered(*this, [&parentId](const Thing *thing) { return thing->parentId() == parentId; });
+}

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef LIBNYMEA_H
+#define LIBNYMEA_H
+
+#include <QtGlobal>
+
+#if defined(LIBNYMEA_LIBRARY)
+#define LIBNYMEA_EXPORT Q_DECL_EXPORT
+#else
+#define LIBNYMEA_EXPORT Q_DECL_IMPORT
+#endif
+
+/*! Version of the plugin interface: a plugin's libnymea_api_version() must return the same text. */
+#define LIBNYMEA_API_VERSION "7.4.0"
+
+#endif // LIBNYMEA_H

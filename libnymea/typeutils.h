@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TYPEUTILS_H
+#define TYPEUTILS_H
+
+#include "libnymea.h"
+
+#include <QMetaType>
+#include <QObject>
+#include <QUuid>
+
+/*! Declares an identifier type of its own, so that ids of different kinds are not mixed up. A UUID;
+    default constructed it is null. Hashes and compares as QUuid does. */
+#define DECLARE_TYPE_ID(type)                                                                                \
+    class type##Id : public QUuid {                                                                          \
+    public:                                                                                                  \
+        type##Id() = default;                                                                                \
+        type##Id(const QUuid &uuid)                                                                          \
+            : QUuid(uuid)                                                                                    \
+        {                                                                                                    \
+        }                                                                                                    \
+        explicit type##Id(const QString &text)                                                               \
+            : QUuid(text)                                                                                    \
+        {                                                                                                    \
+        }                                                                                                    \
+        static type##Id create##type##Id() { return type##Id(QUuid::createUuid()); }                         \
+    };                                                                                                       \
+    Q_DECLARE_METATYPE(type##Id)
+
+DECLARE_TYPE_ID(Plugin)
+DECLARE_TYPE_ID(Vendor)
+DECLARE_TYPE_ID(ThingClass)
+DECLARE_TYPE_ID(Thing)
+DECLARE_TYPE_ID(ThingDescriptor)
+DECLARE_TYPE_ID(ParamType)
+DECLARE_TYPE_ID(StateType)
+DECLARE_TYPE_ID(ActionType)
+
+class LIBNYMEA_EXPORT Types {
+    Q_GADGET
+public:
+    /*! Units of parameter and state values; the metadata writes the name without "Unit". */
+    enum Unit {
+        UnitNone,
+        UnitWatt,
+        UnitKiloWattHour,
+        UnitAmpere,
+        UnitUnixTime //!< seconds since 1970-01-01 00:00:00 UTC
+    };
+    Q_ENUM(Unit)
+};
+
+#endif // TYPEUTILS_H
