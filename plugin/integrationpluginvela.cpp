@@ -1,0 +1,436 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "integrationpluginvela.h"
+
+#include "chargelimits.h"
+#include "livevalues.h"
+#include "loggingcategory.h"
+#include "networkhandler.h"
+#include "plugininfo.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+#include <QSettings>
+#include <QTimer>
+
+#include <hardwaremanager.h>
+#include <plugintimer.h>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int pollPeriod = 2;           // s
+constexpr auto chargeLimitPeriod = 20s; // within the 30 s after which the energy manager counts as silent
+
+// What a wallbox class is at the moment, in m_availableClassIds.
+const QLatin1String availableMark("available");
+const QLatin1String usedMark("used");
+
+// Keys of the credentials in the plugin storage, in a group named by the gateway class.
+const QLatin1String urlKey("url");
+const QLatin1String groupIdKey("groupId");
+const QLatin1String groupSecretKey("groupSecret");
+
+bool isGateway(const Thing *thing)
+{
+    return thing->thingClassId() == velaThingClassId;
+}
+
+QString infraIdOf(const Thing *thing)
+{
+    return thing->paramValue(QStringLiteral("infraID")).toString();
+}
+
+void writeTimestamp(Thing *thing, const LiveValues &values)
+{
+    if (values.timestampText.isEmpty())
+        return;
+    qCDebug(dcVela) << "Time STR" << values.timestampText;
+    if (!values.timestamp)
+        return; // unreadable: the last readable time is worth more than none
+    qCDebug(dcVela) << "Time STR" << *values.timestamp;
+    thing->setStateValue(QStringLiteral("timestamp"), *values.timestamp);
+}
+
+void writeEnergy(Thing *thing, double sessionEnergy)
+{
+    const double previous = thing->stateValue(QStringLiteral("sessionEnergy")).toDouble();
+    thing->setStateValue(QStringLiteral("sessionEnergy"), sessionEnergy);
+    const double drawn = energyDrawn(previous, sessionEnergy);
+    if (drawn > 0.0) {
+        const double total = thing->stateValue(QStringLiteral("totalEnergyConsumed")).toDouble();
+        thing->setStateValue(QStringLiteral("totalEnergyConsumed"), drawn + total);
+    }
+}
+
+void writeStates(Thing *thing, const LiveValues &values)
+{
+    thing->setStateValue(QStringLiteral("connected"), true);
+    writeTimestamp(thing, values);
+    writeEnergy(thing, values.sessionEnergy);
+    thing->setStateValue(QStringLiteral("state"), values.state);
+    // The backend does not tell a free wallbox from one with an idle car: all count as plugged in.
+    thing->setStateValue(QStringLiteral("pluggedIn"), true);
+    thing->setStateValue(QStringLiteral("charging"), values.charging);
+    thing->setStateValue(QStringLiteral("currentPower"), values.currentPower);
+    thing->setStateValue(QStringLiteral("currentPhaseA"), values.currentPhaseA);
+    thing->setStateValue(QStringLiteral("currentPhaseB"), values.currentPhaseB);
+    thing->setStateValue(QStringLiteral("currentPhaseC"), values.currentPhaseC);
+    thing->setStateValue(QStringLiteral("phaseCount"), values.phaseCount);
+}
+
+} // namespace
+
+IntegrationPluginVela::IntegrationPluginVela() = default;
+
+// The backend client and the plugin timer go with the last thing, not here: the daemon ends with its process.
+IntegrationPluginVela::~IntegrationPluginVela() = default;
+
+void IntegrationPluginVela::init()
+{
+    qCDebug(dcVela) << "Initialize VELA Plugin.";
+    prepareParamList();
+    initAvailableClassIds();
+}
+
+void IntegrationPluginVela::prepareParamList()
+{
+    for (const WallboxClass &wallbox : wallboxClasses)
+        m_infraIdParamTypeIds.insert(wallbox.thingClassId, wallbox.infraIdParamTypeId);
+    for (const WallboxClass &wallbox : wallboxClasses)
+        m_maxAllowedCurrentParamTypeIds.insert(wallbox.thingClassId, wallbox.maxAllowedCurrentParamTypeId);
+}
+
+void IntegrationPluginVela::initAvailableClassIds()
+{
+    for (const WallboxClass &wallbox : wallboxClasses)
+        m_availableClassIds.insert(wallbox.thingClassId, availableMark);
+}
+
+void IntegrationPluginVela::discoverThings(ThingDiscoveryInfo *info)
+{
+    qCDebug(dcVela) << "Starting discovery.";
+    if (!m_networkHandler)
+        m_networkHandler = new NetworkHandler();
+
+    QString url = info->params().paramValue(velaDiscoveryBackendUrlParamTypeId).toString();
+    QString groupId = info->params().paramValue(velaDiscoveryGroupIdParamTypeId).toString();
+    QString groupSecret = info->params().paramValue(velaDiscoveryGroupSecretParamTypeId).toString();
+
+    // At most one empty field is filled in, the first that the storage knows.
+    QSettings *storage = pluginStorage();
+    storage->beginGroup(info->thingClassId().toString());
+    if (url.isEmpty() && storage->contains(urlKey)) {
+        url = storage->value(urlKey).toString();
+    } else if (groupId.isEmpty() && storage->contains(groupIdKey)) {
+        groupId = storage->value(groupIdKey).toString();
+    } else if (groupSecret.isEmpty() && storage->contains(groupSecretKey)) {
+        groupSecret = storage->value(groupSecretKey).toString();
+    } else if (url.isEmpty() || groupId.isEmpty() || groupSecret.isEmpty()) {
+        qCWarning(dcVela) << "discoverThings() - Discovery params not entered.";
+        info->finish(Thing::ThingErrorSetupFailed,
+                     QStringLiteral("Not all parameters are known. Please enter the discovery parameters."));
+        storage->endGroup();
+        return;
+    }
+    storage->endGroup();
+
+    m_networkHandler->setServerInfo(url, groupId, groupSecret);
+    // The job is the context: once the platform has disposed of it, a late answer finds nobody.
+    connect(
+        m_networkHandler, &NetworkHandler::infraInfoReceived, info,
+        [this, info, url, groupId, groupSecret](const QJsonObject &evseIds) {
+            if (info->isFinished())
+                return; // the client is shared, so that answers to others arrive here too
+            if (evseIds.isEmpty()) {
+                qCWarning(dcVela) << "discoverThings() - OCPP Backend could not be reached.";
+                info->finish(
+                    Thing::ThingErrorSetupFailed,
+                    QStringLiteral("The OCPP Backend could not be reached!\nPlease check the entered URL."));
+                return;
+            }
+            offerGateway(info, url, groupId, groupSecret);
+        });
+    m_networkHandler->getConnectedInfra();
+}
+
+/*! Keeps the credentials, which the backend has accepted, and offers the gateway that they lead to. */
+void IntegrationPluginVela::offerGateway(ThingDiscoveryInfo *info, const QString &url, const QString &groupId,
+                                         const QString &groupSecret)
+{
+    qCDebug(dcVela) << "discoverThings() - OCPP reached successfully.";
+    QSettings *storage = pluginStorage();
+    storage->beginGroup(info->thingClassId().toString());
+    storage->setValue(urlKey, url);
+    storage->setValue(groupIdKey, groupId);
+    storage->setValue(groupSecretKey, groupSecret);
+    storage->endGroup();
+
+    ThingDescriptor descriptor(velaThingClassId, QStringLiteral("Tavensolis VELA"), url);
+    const Things existing = myThings().filterByParam(velaThingBackendUrlParamTypeId, url);
+    if (existing.size() == 1) {
+        qCWarning(dcVela) << "This OCPP backend already exists";
+        descriptor.setThingId(existing.first()->id());
+    }
+    ParamList params;
+    params.append(Param(velaThingBackendUrlParamTypeId, url));
+    descriptor.setParams(params);
+    info->addThingDescriptor(descriptor);
+    info->finish(Thing::ThingErrorNoError, QString());
+}
+
+void IntegrationPluginVela::setupThing(ThingSetupInfo *info)
+{
+    qCDebug(dcVela) << "Setup OCPP Plugin:" << info->thing();
+    if (isGateway(info->thing()))
+        setupGateway(info);
+    else
+        setupWallbox(info);
+}
+
+void IntegrationPluginVela::setupGateway(ThingSetupInfo *info)
+{
+    Thing *thing = info->thing();
+    if (!m_networkHandler)
+        m_networkHandler = new NetworkHandler();
+
+    QSettings *storage = pluginStorage();
+    storage->beginGroup(thing->thingClassId().toString());
+    const QString url = storage->value(urlKey).toString();
+    const QString groupId = storage->value(groupIdKey).toString();
+    const QString groupSecret = storage->value(groupSecretKey).toString();
+    storage->endGroup();
+
+    m_networkHandler->setServerInfo(url, groupId, groupSecret);
+    thing->setStateValue(QStringLiteral("connected"), true);
+    // The job is the context: it ends with the set-up, and later answers are none of its business.
+    connect(m_networkHandler, &NetworkHandler::infraInfoReceived, info,
+            [this, info, thing](const QJsonObject &evseIds) {
+                if (info->isFinished())
+                    return; // not disposed of yet, but done
+                qCDebug(dcVela) << evseIds;
+                info->finish(Thing::ThingErrorNoError, QString());
+                checkAutoCreate(thing->id(), evseIds);
+                setupConnects(thing);
+            });
+    m_networkHandler->getConnectedInfra();
+}
+
+void IntegrationPluginVela::setupWallbox(ThingSetupInfo *info)
+{
+    qCDebug(dcVela) << "Should setup wallbox";
+    Thing *thing = info->thing();
+    thing->setStateValue(QStringLiteral("connected"), true);
+    // The maximum first, so that the value is within it at every moment.
+    const uint maxAllowedCurrent = thing->paramValue(QStringLiteral("maxAllowedCurrent")).toUInt();
+    thing->setStateMaxValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
+    thing->setStateValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
+    m_infraThings.insert(infraIdOf(thing), thing);
+    info->finish(Thing::ThingErrorNoError, QString());
+}
+
+/*! Brings the wallbox things in line with \a infraInfo, the group's wallboxes by infrastructure id. */
+void IntegrationPluginVela::checkAutoCreate(const ThingId &parentId, const QJsonObject &infraInfo)
+{
+    removeVanishedWallboxes(infraInfo);
+    qCDebug(dcVela) << "checkAutoCreate() called";
+    for (auto it = infraInfo.constBegin(); it != infraInfo.constEnd(); ++it) {
+        const int maxCurrent = it.value().toObject().value(QLatin1String("max_charging_current")).toInt();
+        if (m_infraThings.contains(it.key()))
+            continue;
+        const ThingClassId freeClassId = m_availableClassIds.key(availableMark);
+        if (freeClassId.isNull()) {
+            qCWarning(dcVela) << "checkAutoCreate() - No thing for wallbox" << it.key() << "since all"
+                              << wallboxClasses.size() << "wallbox classes are in use.";
+            continue;
+        }
+        m_availableClassIds.insert(freeClassId, usedMark);
+        autoCreateMeterThing(it.key(), freeClassId, parentId, maxCurrent);
+    }
+    emit checkAutoCreateFinished();
+}
+
+void IntegrationPluginVela::removeVanishedWallboxes(const QJsonObject &infraInfo)
+{
+    // A copy: the platform may remove a thing, and with it the entry, before the emission returns.
+    const QStringList infraIds = m_infraThings.keys();
+    for (const QString &infraId : infraIds) {
+        if (infraInfo.contains(infraId))
+            continue;
+        const Thing *thing = m_infraThings.value(infraId);
+        qCDebug(dcVela) << "Wallbox" << infraId << "is not connected anymore";
+        qCDebug(dcVela) << "Freeing thing with classId" << thing->thingClassId();
+        m_availableClassIds.insert(thing->thingClassId(), availableMark);
+        emit autoThingDisappeared(thing->id());
+    }
+}
+
+void IntegrationPluginVela::autoCreateMeterThing(const QString &infraId, const ThingClassId &thingClassId,
+                                                 const ThingId &parentId, int maxCurrent)
+{
+    qCDebug(dcVela) << "Setup thing for" << infraId;
+    ThingDescriptor descriptor(thingClassId);
+    descriptor.setParentId(parentId);
+    descriptor.setTitle(infraId);
+    ParamList params;
+    params.append(Param(m_infraIdParamTypeIds.value(thingClassId), infraId));
+    params.append(Param(m_maxAllowedCurrentParamTypeIds.value(thingClassId), maxCurrent));
+    descriptor.setParams(params);
+    emit autoThingsAppeared(ThingDescriptors{ descriptor });
+}
+
+void IntegrationPluginVela::setupConnects(Thing *thing)
+{
+    qCDebug(dcVela) << "OCPP: Setup nymea connections.";
+    // The gateway is the context: without it nobody wants the values.
+    connect(m_networkHandler, &NetworkHandler::valuesReceived, thing,
+            [this](const QJsonObject &receivedValues) { applyValues(receivedValues); });
+}
+
+void IntegrationPluginVela::applyValues(const QJsonObject &receivedValues)
+{
+    qCDebug(dcVela) << "setupConnects() - valuesReceived";
+    // Absent wallboxes first, so that no one listening sees new values beside a wallbox that has gone.
+    for (auto it = m_infraThings.constBegin(); it != m_infraThings.constEnd(); ++it) {
+        if (!receivedValues.contains(it.key()))
+            it.value()->setStateValue(QStringLiteral("connected"), false);
+    }
+    for (auto it = receivedValues.constBegin(); it != receivedValues.constEnd(); ++it) {
+        const QJsonObject record = it.value().toObject();
+        qCDebug(dcVela) << "Values for device" << it.key();
+        qCDebug(dcVela) << "Received values" << record;
+        if (Thing *thing = m_infraThings.value(it.key()))
+            writeStates(thing, mapLiveValues(record));
+    }
+}
+
+void IntegrationPluginVela::postSetupThing(Thing *thing)
+{
+    qCDebug(dcVela) << "Post Setup OCPP Plugin.";
+    if (!isGateway(thing))
+        return;
+    if (!m_pluginTimer) {
+        m_pluginTimer = hardwareManager()->pluginTimerManager()->registerTimer(pollPeriod);
+        connect(m_pluginTimer, &PluginTimer::timeout, this, [this] { updateCurrentValues(); });
+        m_pluginTimer->start();
+    }
+    if (!m_chargeLimitTimer) {
+        m_chargeLimitTimer = new QTimer(this);
+        connect(m_chargeLimitTimer, &QTimer::timeout, this, [this] { renewChargeLimits(); });
+    }
+    m_chargeLimitTimer->setInterval(chargeLimitPeriod);
+    m_chargeLimitTimer->start();
+}
+
+/*! One poll: sends the limits that wait, then asks for everybody's values. */
+void IntegrationPluginVela::updateCurrentValues()
+{
+    if (!m_chargeLimits.isEmpty()) {
+        qCDebug(dcVela) << "Sending charge limits" << m_chargeLimits;
+        m_networkHandler->setProfileChargePowerLimit(m_chargeLimits);
+        m_chargeLimits = QJsonObject();
+    }
+    qCDebug(dcVela) << "Update the values for all connected wallboxes.";
+    QJsonArray infraIds;
+    for (auto it = m_infraThings.constBegin(); it != m_infraThings.constEnd(); ++it)
+        infraIds.append(it.key());
+    m_networkHandler->getEvseValues(infraIds);
+}
+
+/*! Queues every wallbox's limit again, so that the backend keeps to it, unless the energy manager is silent.
+ */
+void IntegrationPluginVela::renewChargeLimits()
+{
+    qCDebug(dcVela) << "postSetupThing() - m_chargeLimitTimer timeout.";
+    if (isSilent(m_lastActionTime, QDateTime::currentSecsSinceEpoch())) {
+        qCDebug(dcVela) << "Have not heard from Holvex for more than 30s; do not send any signals";
+        return;
+    }
+    for (auto it = m_infraThings.constBegin(); it != m_infraThings.constEnd(); ++it) {
+        qCDebug(dcVela) << "postSetupThing() - Set charge power limit again." << it.key();
+        const bool enabled = it.value()->stateValue(QStringLiteral("power")).toBool();
+        queueChargeLimit(it.key(),
+                         enabled ? it.value()->stateValue(QStringLiteral("maxChargingCurrent")).toDouble()
+                                 : 0.0);
+    }
+}
+
+void IntegrationPluginVela::executeAction(ThingActionInfo *info)
+{
+    qCDebug(dcVela) << "Executing action for" << info->thing();
+    // A writable state's action has the state's own id.
+    const QUuid maxChargingCurrentId =
+        info->thing()->state(QStringLiteral("maxChargingCurrent")).stateTypeId();
+    const QUuid powerId = info->thing()->state(QStringLiteral("power")).stateTypeId();
+    // Every action is a sign of life of the energy manager, whatever becomes of it.
+    m_lastActionTime = QDateTime::currentSecsSinceEpoch();
+
+    if (info->action().actionTypeId() == maxChargingCurrentId)
+        setMaxChargingCurrent(info);
+    else if (info->action().actionTypeId() == powerId)
+        setChargingEnabled(info);
+}
+
+void IntegrationPluginVela::setMaxChargingCurrent(ThingActionInfo *info)
+{
+    qCDebug(dcVela) << "executeAction() - Set max chargeCurrent";
+    Thing *thing = info->thing();
+    const double previous = thing->stateValue(QStringLiteral("maxChargingCurrent")).toDouble();
+    const double wanted = info->action().params().value(0).value().toDouble();
+    if (wanted != previous) {
+        thing->setStateValue(QStringLiteral("maxChargingCurrent"), wanted);
+        thing->setStateValue(QStringLiteral("power"), true);
+        queueChargeLimit(infraIdOf(thing), wanted);
+    }
+    info->finish(Thing::ThingErrorNoError, QString());
+}
+
+void IntegrationPluginVela::setChargingEnabled(ThingActionInfo *info)
+{
+    qCDebug(dcVela) << "executeAction() - Charging enabled action";
+    Thing *thing = info->thing();
+    const bool wanted = info->action().params().value(0).value().toBool();
+    const bool previous = thing->stateValue(QStringLiteral("power")).toBool();
+    if (wanted && !previous) {
+        // The next renewal of the limits allows the current; this action has just made sure that it comes.
+        thing->setStateValue(QStringLiteral("power"), true);
+    } else if (!wanted && previous) {
+        qCDebug(dcVela) << "executeAction() - "
+                        << "Disable charging by setting charge current to 0";
+        queueChargeLimit(infraIdOf(thing), 0);
+        thing->setStateValue(QStringLiteral("power"), false);
+    }
+    info->finish(Thing::ThingErrorNoError, QString());
+}
+
+void IntegrationPluginVela::queueChargeLimit(const QString &infraId, double ampere)
+{
+    m_chargeLimits.insert(infraId, chargeLimit(ampere));
+}
+
+void IntegrationPluginVela::thingRemoved(Thing *thing)
+{
+    qCDebug(dcVela) << "Vela Plugin removed";
+    if (!m_infraThings.isEmpty())
+        m_infraThings.remove(infraIdOf(thing));
+    if (myThings().isEmpty() && m_chargeLimitTimer) {
+        qCDebug(dcVela) << "thingRemoved() - Stopping chargeLimit Timer.";
+        m_chargeLimitTimer->stop();
+        delete m_chargeLimitTimer;
+        m_chargeLimitTimer = nullptr;
+    }
+    if (myThings().isEmpty() && m_pluginTimer) {
+        qCDebug(dcVela) << "thingRemoved() - Stopping update timer.";
+        hardwareManager()->pluginTimerManager()->unregisterTimer(m_pluginTimer);
+        m_pluginTimer = nullptr;
+    }
+    if (myThings().isEmpty() && m_networkHandler) {
+        qCDebug(dcVela) << "thingRemoved() - Deleting networkHandler.";
+        delete m_networkHandler; // with all outstanding requests; their answers find nobody
+        m_networkHandler = nullptr;
+    }
+}
