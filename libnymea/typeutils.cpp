@@ -2,5 +2,3 @@
 // SPDX-License-Identifier: MIT
 
 #include "typeutils.h"
-
-#include "moc_typeutils.cpp"

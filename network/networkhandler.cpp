@@ -10,6 +10,8 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include <utility>
+
 namespace {
 
 // Admits the platform to the backend; the same for every group. What protects a group is its secret.
@@ -74,7 +76,8 @@ void NetworkHandler::sendRequestPost(const QString &path, QJsonObject &body,
     QNetworkReply *reply = m_networkManager->post(request, QJsonDocument(body).toJson());
     // In this order: the reply is already due for deletion when the callback runs, whatever that does.
     connect(reply, &QNetworkReply::finished, reply, &QNetworkReply::deleteLater);
-    connect(reply, &QNetworkReply::finished, reply, [reply, callback] { callback(reply); });
+    connect(reply, &QNetworkReply::finished, reply,
+            [reply, callback = std::move(callback)] { callback(reply); });
 }
 
 void NetworkHandler::getConnectedInfra()

@@ -32,7 +32,7 @@ constexpr struct {
 
 void mapStatus(const QString &status, LiveValues &values)
 {
-    const auto row =
+    const auto *const row =
         std::find_if(std::begin(statusTable), std::end(statusTable),
                      [&status](const auto &entry) { return status == QLatin1String(entry.status); });
     const bool known = row != std::end(statusTable);

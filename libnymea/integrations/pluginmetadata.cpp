@@ -48,7 +48,7 @@ QUuid Reader::id(const QJsonObject &object, const QString &where)
 
 QString Reader::text(const QJsonObject &object, const char *key, const QString &where)
 {
-    const QString text = object.value(QLatin1String(key)).toString();
+    QString text = object.value(QLatin1String(key)).toString();
     if (text.isEmpty())
         addError(where, QStringLiteral("\"%1\" is not a text").arg(QLatin1String(key)));
     return text;
