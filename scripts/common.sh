@@ -1,0 +1,57 @@
+# shellcheck shell=bash
+# SPDX-FileCopyrightText: 2026 The Vela authors
+# SPDX-License-Identifier: MIT
+
+# Shared by demo, test and .ci/run: installing what is missing and building. Sourced, never run.
+
+build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev)
+
+say() { printf '\n== %s\n' "$*"; }
+
+die() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+    exit 1
+}
+
+# The packages among the arguments that are not installed.
+missing_packages() {
+    local package
+    for package in "$@"; do
+        [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) == installed ]] || printf '%s\n' "$package"
+    done
+}
+
+as_root() {
+    if [[ $(id -u) == 0 ]]; then
+        "$@"
+    else
+        command -v sudo >/dev/null || die "needs root or sudo for: $*"
+        sudo "$@"
+    fi
+}
+
+# Installs those of the packages that are missing; silent and quick when none is.
+install_packages() {
+    local missing
+    mapfile -t missing < <(missing_packages "$@")
+    [[ ${#missing[@]} == 0 ]] && return
+    say "Installing ${missing[*]}"
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq --no-install-recommends "${missing[@]}" \
+        >/dev/null || die "the packages cannot be installed"
+}
+
+# build PRESET [TARGET...]: configures once, then builds; quiet unless something fails.
+build() {
+    local preset=$1 log
+    shift
+    say "Building ($preset)"
+    log=$(mktemp)
+    if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+        tail -n 60 "$log"
+        rm -f "$log"
+        die "the build of preset $preset has failed"
+    fi
+    tail -n 1 "$log"
+    rm -f "$log"
+}
