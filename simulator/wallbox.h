@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+#ifndef WALLBOX_H
+#define WALLBOX_H
+
+#include <QString>
+
+#include <array>
+#include <chrono>
+#include <optional>
+
+/*! Model time: what has passed in the yard, which may run faster than the clock on the wall. */
+using Seconds = std::chrono::duration<double>;
+
+//! Below this current a car may not draw anything (IEC 61851-1), so that a lower limit means none.
+constexpr double minimumCurrent = 6; // A
+//! What the largest plug of IEC 62196 type 2 carries on each of three phases.
+constexpr double maximumCurrent = 63; // A
+constexpr double phaseVoltage = 230;  // V
+
+/*! The car at the plug, as far as a wallbox can tell. */
+struct Car {
+    int phases = 3;         //!< 1 to 3
+    double maxCurrent = 16; //!< ampere on each phase, minimumCurrent to maximumCurrent
+};
+
+/*! One wallbox with the car at its plug. Knows no clock and no threads: time passes by advance().
+ *
+ *  The operations of a hand return an empty text when done, otherwise the reason why they cannot be done in
+ *  the state the wallbox is in; then nothing has changed. */
+class Wallbox {
+public:
+    /*! \a maxChargingCurrent: the installation's limit in whole ampere on each phase. */
+    explicit Wallbox(int maxChargingCurrent = 32);
+
+    /*! Opens a new session, whose meter starts at 0. The car takes a moment ("Preparing") before it charges.
+     */
+    QString plugIn(const Car &car);
+    /*! Ends the session; its energy stays on display until the next one. */
+    QString unplug();
+    /*! The car stops drawing current ("SuspendedEV"), as a full one does, until resume(). */
+    QString pause();
+    QString resume();
+    /*! Ends the session with the car still at the plug ("Finishing"); only unplugging leads on from there. */
+    QString finish();
+    /*! "Faulted" until mend(): no current; car and session stay. */
+    QString breakDown();
+    QString mend();
+
+    /*! Ampere on each phase. A limit holds until the next one, also from one car to the next. */
+    void setLimit(double ampere);
+    void setMaxChargingCurrent(int ampere);
+
+    /*! Lets \a elapsed pass: the car gets ready, the session's meter counts. */
+    void advance(Seconds elapsed);
+
+    /*! Connector status in the words of OCPP 1.6 (ChargePointStatus). */
+    QString status() const;
+    const std::optional<Car> &car() const { return m_car; }
+    const std::optional<double> &limit() const { return m_limit; } //!< none received: nothing but the maximum
+    int maxChargingCurrent() const { return m_maxChargingCurrent; }
+    bool isPaused() const { return m_paused; }
+    bool isBroken() const { return m_broken; }
+
+    std::array<double, 3> currents() const;                  //!< ampere, phase 1 first
+    double power() const;                                    //!< W
+    double sessionEnergy() const { return m_sessionEnergy; } //!< Wh of this session, or of the last one
+
+private:
+    double offeredCurrent() const;
+    double chargingCurrent() const;
+
+    int m_maxChargingCurrent;
+    std::optional<double> m_limit;
+    std::optional<Car> m_car;
+    Seconds m_untilReady{ 0 };
+    bool m_paused = false;
+    bool m_finished = false;
+    bool m_broken = false;
+    double m_sessionEnergy = 0;
+};
+
+#endif // WALLBOX_H
