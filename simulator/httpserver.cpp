@@ -1,0 +1,163 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+#include "httpserver.h"
+
+#include "socketstream.h"
+
+#include <atomic>
+#include <list>
+#include <thread>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+constexpr time_t keepAliveSeconds = 60; // far more than the two seconds between polls
+constexpr size_t keepAliveRequests = 1000000000;
+constexpr size_t largestBody = 1 << 20;
+
+/*! A thread for each connection. Those that are done are collected when the next one comes. */
+class ConnectionThreads : public httplib::TaskQueue {
+public:
+    void enqueue(std::function<void()> task) override
+    {
+        collect(false);
+        Connection &connection = m_connections.emplace_back();
+        connection.thread = std::thread([task = std::move(task), &connection] {
+            task();
+            connection.isDone = true;
+        });
+    }
+    void shutdown() override { collect(true); }
+
+private:
+    struct Connection {
+        std::thread thread;
+        std::atomic_bool isDone = false;
+    };
+
+    void collect(bool all)
+    {
+        m_connections.remove_if([all](Connection &connection) {
+            const bool isOver = all || connection.isDone;
+            if (isOver)
+                connection.thread.join();
+            return isOver;
+        });
+    }
+
+    std::list<Connection> m_connections; // the accepting thread's alone
+};
+
+void allowQuickRestart(socket_t socket)
+{
+    // The library would share the port with whoever else listens there (SO_REUSEPORT).
+    const int on = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+}
+
+bool announcesBody(const httplib::Request &request)
+{
+    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+}
+
+void setBody(httplib::Response &response, const Reply &reply)
+{
+    response.status = reply.status;
+    if (reply.status == 204 || reply.status == 304)
+        return; // may have no body, which would pass for the start of the next reply
+    response.set_content(reply.body.constData(), size_t(reply.body.size()), "application/json");
+}
+
+void explainRefusal(const httplib::Request & /*request*/, httplib::Response &response)
+{
+    if (response.body.empty()) // the library's own: a request that it could not read
+        setBody(response, refusal(response.status, QStringLiteral("this is no request that can be read")));
+}
+} // namespace
+
+HttpServer::HttpServer(Answer answer)
+    : m_answer(std::move(answer))
+{
+    set_tcp_nodelay(true);
+    set_socket_options(&allowQuickRestart);
+    set_keep_alive_max_count(keepAliveRequests);
+    set_keep_alive_timeout(keepAliveSeconds);
+    set_payload_max_length(largestBody);
+    set_error_handler(Handler(&explainRefusal));
+    // A request that announces no body has none; the library would wait for one.
+    set_pre_routing_handler([this](const httplib::Request &request, httplib::Response &response) {
+        if (announcesBody(request))
+            return HandlerResponse::Unhandled;
+        respond(request, response);
+        return HandlerResponse::Handled;
+    });
+    const Handler handler = [this](const httplib::Request &request, httplib::Response &response) {
+        respond(request, response);
+    };
+    const char anyPath[] = R"([\s\S]*)";
+    Get(anyPath, handler).Post(anyPath, handler).Put(anyPath, handler);
+    Patch(anyPath, handler).Delete(anyPath, handler).Options(anyPath, handler);
+}
+
+int HttpServer::bind(const std::string &address, int port)
+{
+    errno = 0;
+    if (port == 0)
+        return bind_to_any_port(address);
+    return bind_to_port(address, port) ? port : -1;
+}
+
+bool HttpServer::serve(std::function<void()> ready)
+{
+    // The library asks for its task queue once it can be stopped; stopped earlier, it would not notice.
+    new_task_queue = [ready = std::move(ready)] {
+        ready();
+        return new ConnectionThreads; // the library's
+    };
+    // The library lets five clients queue up; the sixth of a burst would try again after a second.
+    ::listen(svr_sock_, SOMAXCONN);
+    return listen_after_bind();
+}
+
+void HttpServer::end()
+{
+    stop();
+    const std::lock_guard lock(m_mutex);
+    m_isEnding = true;
+    for (const socket_t socket : m_connections)
+        ::shutdown(socket, SHUT_RDWR); // its thread wakes up and closes it
+}
+
+void HttpServer::respond(const httplib::Request &request, httplib::Response &response) const
+{
+    setBody(response, m_answer(request));
+}
+
+// The library's seam for other kinds of connections; its own would be out of our reach when the end comes.
+bool HttpServer::process_and_close_socket(socket_t socket)
+{
+    bool isAlive = enter(socket);
+    SocketStream stream(socket);
+    while (isAlive && stream.waitForRequest(std::chrono::seconds(keep_alive_timeout_sec_))) {
+        bool isClosed = false;
+        isAlive = process_request(stream, false, isClosed, nullptr) && !isClosed;
+    }
+    leave(socket);
+    return isAlive;
+}
+
+bool HttpServer::enter(socket_t socket)
+{
+    const std::lock_guard lock(m_mutex);
+    m_connections.insert(socket);
+    return !m_isEnding;
+}
+
+void HttpServer::leave(socket_t socket)
+{
+    const std::lock_guard lock(m_mutex); // until it is closed, else end() could hit its number's next owner
+    m_connections.erase(socket);
+    ::shutdown(socket, SHUT_RDWR);
+    ::close(socket);
+}

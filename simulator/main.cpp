@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+#include "backendapi.h"
+#include "controlapi.h"
+#include "fault.h"
+#include "httpserver.h"
+#include "options.h"
+#include "requestlog.h"
+#include "yard.h"
+
+#include <QCoreApplication>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <thread>
+
+#include <unistd.h>
+
+namespace {
+// Blocked in every thread and waited for in one, so that the end needs no signal handler.
+sigset_t blockEndSignals()
+{
+    sigset_t endSignals;
+    sigemptyset(&endSignals);
+    sigaddset(&endSignals, SIGINT);
+    sigaddset(&endSignals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
+    return endSignals;
+}
+
+void printUrl(const QString &address, int port)
+{
+    const QString host = address.contains(QLatin1Char(':')) ? QStringLiteral("[%1]").arg(address) : address;
+    std::printf("http://%s:%d\n", qUtf8Printable(host), port);
+    std::fflush(stdout);
+}
+
+int failToListen(const Options &options, int error)
+{
+    std::fprintf(stderr, "vela-simulator: cannot listen on %s, port %d: %s\n",
+                 qUtf8Printable(options.listenAddress), options.port,
+                 error != 0 ? std::strerror(error) : "no such address");
+    return 1;
+}
+
+// Returns once one of the signals has arrived and all connections have ended, or the listening has failed.
+bool serveUntil(const sigset_t &endSignals, HttpServer &server, FaultGate &gate, const QString &address,
+                int port)
+{
+    std::thread watch;
+    const bool served = server.serve([&endSignals, &server, &gate, &watch, &address, port] {
+        watch = std::thread([&endSignals, &server, &gate] {
+            int signal = 0;
+            sigwait(&endSignals, &signal);
+            server.end();
+            gate.open();
+        });
+        printUrl(address, port);
+    });
+    if (!watch.joinable())
+        return false;
+    if (!served)
+        ::kill(::getpid(), SIGTERM);
+    watch.join();
+    return served;
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const sigset_t endSignals = blockEndSignals();
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("vela-simulator"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));
+    const Options options = readOptions(QCoreApplication::arguments());
+
+    Yard yard(options.yard);
+    FaultGate gate;
+    RequestLog log;
+    const BackendApi backend(yard, gate, log);
+    const ControlApi control(yard, gate, log, options.listenAddress);
+    HttpServer server([&backend, &control](const httplib::Request &request) {
+        return ControlApi::isControlPath(request.path) ? control.answer(request) : backend.answer(request);
+    });
+    const int port = server.bind(options.listenAddress.toStdString(), options.port);
+    if (port < 0)
+        return failToListen(options, errno);
+    return serveUntil(endSignals, server, gate, options.listenAddress, port) ? 0 : 1;
+}
