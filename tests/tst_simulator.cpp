@@ -1,0 +1,791 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+#include <wallbox.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QtTest>
+
+#include <memory>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace {
+constexpr Seconds readyTime{ 3 }; // how long a car takes from the plug to its first ampere
+
+using Prepare = void (*)(Wallbox &);
+
+QByteArray accessToken()
+{
+    return QByteArrayLiteral("3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f");
+}
+
+Wallbox chargingWallbox(const Car &car)
+{
+    Wallbox wallbox;
+    wallbox.plugIn(car);
+    wallbox.advance(readyTime);
+    return wallbox;
+}
+
+QJsonObject json(const char *text)
+{
+    return QJsonDocument::fromJson(text).object();
+}
+
+struct Answer {
+    int status = 0; //!< 0: none
+    QByteArray body;
+    QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
+    QString error() const { return json().value(QLatin1String("error")).toString(); }
+};
+
+/*! The running program, and a client for it. Time stands still in its yard unless \a arguments say otherwise.
+ */
+class Simulator {
+public:
+    explicit Simulator(QStringList arguments = { QStringLiteral("--speed"), QStringLiteral("0") })
+    {
+        arguments << QStringLiteral("--port") << QStringLiteral("0");
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QStringLiteral(VELA_SIMULATOR), arguments);
+        while (!m_process.canReadLine() && m_process.waitForReadyRead())
+            continue;
+        m_url = QUrl(QString::fromUtf8(m_process.readLine().trimmed()));
+    }
+    ~Simulator()
+    {
+        m_process.terminate();
+        if (!m_process.waitForFinished(5000) && m_process.state() != QProcess::NotRunning)
+            m_process.kill();
+        if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
+            QTest::qFail("the simulator did not end well", __FILE__, __LINE__); // sanitizers speak last
+    }
+
+    QUrl url() const { return m_url; }
+    QProcess &process() { return m_process; }
+
+    /*! \a path as it goes over the wire; the reply is the manager's. */
+    QNetworkReply *start(const QByteArray &method, const char *path, const QByteArray &body = {},
+                         const QList<QNetworkReply::RawHeaderPair> &headers = {})
+    {
+        QNetworkRequest request(m_url.resolved(QUrl(QString::fromUtf8(path))));
+        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        for (const auto &[name, value] : headers)
+            request.setRawHeader(name, value);
+        return m_manager.sendCustomRequest(request, method, body);
+    }
+
+    static Answer finish(QNetworkReply *reply)
+    {
+        if (!reply->isFinished() && !QSignalSpy(reply, &QNetworkReply::finished).wait(10000))
+            return {};
+        return { reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll() };
+    }
+
+    QNetworkReply *startBackend(const char *path, QJsonObject body = {})
+    {
+        if (!body.contains(QLatin1String("secret")))
+            body.insert(QStringLiteral("secret"), QStringLiteral("s3cret"));
+        return start("POST", path, QJsonDocument(body).toJson(),
+                     {
+                         {"Authorization", accessToken()}
+        });
+    }
+    Answer backend(const char *path, const QJsonObject &body = {})
+    {
+        return finish(startBackend(path, body));
+    }
+    Answer get(const char *path) { return finish(start("GET", path)); }
+    Answer control(const char *path, const QByteArray &body = {})
+    {
+        return finish(start("POST", path, body));
+    }
+
+    /*! The whole yard without what changes by itself. */
+    QJsonObject state()
+    {
+        QJsonObject state = get("/control/state").json();
+        state.remove(QStringLiteral("time"));
+        return state;
+    }
+    QJsonObject wallbox(int index)
+    {
+        return state().value(QLatin1String("wallboxes")).toArray().at(index).toObject();
+    }
+    QJsonObject values(const QString &id)
+    {
+        const QJsonObject body{
+            {QStringLiteral("evse_ids"), QJsonArray{ id }}
+        };
+        const QJsonObject reply = backend("/vela/get_values/yard", body).json();
+        return reply.value(QLatin1String("values")).toObject().value(id).toObject();
+    }
+    QJsonArray requests()
+    {
+        return get("/control/requests").json().value(QLatin1String("requests")).toArray();
+    }
+
+private:
+    QProcess m_process;
+    QUrl m_url;
+    QNetworkAccessManager m_manager;
+};
+
+/*! Writes \a text on a connection of its own and returns what comes back until \a end is in it. */
+QByteArray exchange(QTcpSocket &socket, const QByteArray &text, const QByteArray &end)
+{
+    socket.write(text);
+    QByteArray received = socket.readAll();
+    while (!received.contains(end) && socket.waitForReadyRead(5000))
+        received += socket.readAll();
+    return received;
+}
+} // namespace
+Q_DECLARE_METATYPE(Prepare)
+
+class TestSimulator : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { m_unchanged = std::make_unique<Simulator>(); }
+    void cleanupTestCase() { m_unchanged.reset(); }
+
+    void status_data();
+    void status();
+    void currents_data();
+    void currents();
+    void refusedOperations_data();
+    void refusedOperations();
+    void meterCountsTheSession();
+
+    void strictness_data();
+    void strictness();
+    void answersAsThePluginReads();
+    void limitSteersTheCar();
+    void badLimitVoidsTheRequest();
+    void groupIdIsDecoded();
+    void timePassesAtSpeed();
+
+    void handsMoveCars();
+    void wallboxesComeAndGo();
+    void badControlsChangeNothing_data();
+    void badControlsChangeNothing();
+    void foreignPagesAreRefused_data();
+    void foreignPagesAreRefused();
+
+    void faults_data();
+    void faults();
+    void silenceHoldsUpNobodyElse();
+    void delayedRequestsGoOnOnceItIsLifted();
+    void requestsAreRecordedAndMasked();
+
+    void connectionStaysOpen();
+    void endsAtOnce();
+    void takenPort();
+    void badOptions_data();
+    void badOptions();
+
+private:
+    std::unique_ptr<Simulator> m_unchanged; // for rows that must not change anything
+};
+
+void TestSimulator::status_data()
+{
+    QTest::addColumn<Prepare>("prepare");
+    QTest::addColumn<QString>("status");
+    const auto row = [](const char *name, const char *status, Prepare prepare) {
+        QTest::newRow(name) << prepare << QString::fromLatin1(status);
+    };
+    row("nothing changed", "Charging", [](Wallbox &) {});
+    row("unplugged", "Available", [](Wallbox &wallbox) { wallbox.unplug(); });
+    row("plugged in again", "Preparing", [](Wallbox &wallbox) { wallbox.unplug(), wallbox.plugIn({}); });
+    row("limit of 6 A", "Charging", [](Wallbox &wallbox) { wallbox.setLimit(6); });
+    row("limit below 6 A", "SuspendedEVSE", [](Wallbox &wallbox) { wallbox.setLimit(5.9); });
+    row("limit raised again", "Charging", [](Wallbox &wallbox) { wallbox.setLimit(0), wallbox.setLimit(8); });
+    row("limit waits for the next car", "SuspendedEVSE", [](Wallbox &wallbox) {
+        wallbox.setLimit(0), wallbox.unplug(), wallbox.plugIn({}), wallbox.advance(readyTime);
+    });
+    row("paused", "SuspendedEV", [](Wallbox &wallbox) { wallbox.pause(); });
+    row("paused and nothing offered", "SuspendedEVSE",
+        [](Wallbox &wallbox) { wallbox.pause(), wallbox.setLimit(0); });
+    row("resumed", "Charging", [](Wallbox &wallbox) { wallbox.pause(), wallbox.resume(); });
+    row("finished", "Finishing", [](Wallbox &wallbox) { wallbox.finish(); });
+    row("car after a paused one", "Charging", [](Wallbox &wallbox) {
+        wallbox.pause(), wallbox.unplug(), wallbox.plugIn({}), wallbox.advance(readyTime);
+    });
+    row("broken", "Faulted", [](Wallbox &wallbox) { wallbox.breakDown(); });
+    row("broken without a car", "Faulted", [](Wallbox &wallbox) { wallbox.unplug(), wallbox.breakDown(); });
+    row("mended", "Charging", [](Wallbox &wallbox) { wallbox.breakDown(), wallbox.mend(); });
+    row("a car does not get ready at a broken wallbox", "Preparing", [](Wallbox &wallbox) {
+        wallbox.unplug(), wallbox.plugIn({}), wallbox.breakDown(), wallbox.advance(1h), wallbox.mend();
+    });
+}
+
+void TestSimulator::status()
+{
+    QFETCH(Prepare, prepare);
+    Wallbox wallbox = chargingWallbox({});
+    prepare(wallbox);
+    QTEST(wallbox.status(), "status");
+    QCOMPARE(wallbox.power() > 0, wallbox.status() == QLatin1String("Charging"));
+}
+
+void TestSimulator::currents_data()
+{
+    using Currents = QVector<double>;
+    QTest::addColumn<int>("phases");
+    QTest::addColumn<double>("carMaximum");
+    QTest::addColumn<int>("wallboxMaximum");
+    QTest::addColumn<double>("limit");
+    QTest::addColumn<Currents>("currents");
+    QTest::newRow("the car's own maximum") << 3 << 16.0 << 32 << 20.0 << Currents{ 16, 16, 16 };
+    QTest::newRow("the limit") << 3 << 16.0 << 32 << 7.5 << Currents{ 7.5, 7.5, 7.5 };
+    QTest::newRow("the wallbox's maximum") << 3 << 32.0 << 16 << 20.0 << Currents{ 16, 16, 16 };
+    QTest::newRow("one phase") << 1 << 32.0 << 32 << 20.0 << Currents{ 20, 0, 0 };
+    QTest::newRow("two phases") << 2 << 32.0 << 32 << 20.0 << Currents{ 20, 20, 0 };
+    QTest::newRow("too little") << 3 << 16.0 << 32 << 5.0 << Currents{ 0, 0, 0 };
+    QTest::newRow("no limit received") << 3 << 63.0 << 20 << -1.0 << Currents{ 20, 20, 20 };
+}
+
+void TestSimulator::currents()
+{
+    QFETCH(int, phases);
+    QFETCH(double, carMaximum);
+    QFETCH(int, wallboxMaximum);
+    QFETCH(double, limit);
+    Wallbox wallbox = chargingWallbox({ phases, carMaximum });
+    wallbox.setMaxChargingCurrent(wallboxMaximum);
+    if (limit >= 0)
+        wallbox.setLimit(limit);
+    const auto currents = wallbox.currents();
+    QTEST((QVector<double>{ currents[0], currents[1], currents[2] }), "currents");
+    QCOMPARE(wallbox.power(), (currents[0] + currents[1] + currents[2]) * 230);
+}
+
+void TestSimulator::refusedOperations_data()
+{
+    QTest::addColumn<Prepare>("prepare");
+    QTest::addColumn<QStringList>("allowed");
+    const auto row = [](const char *name, const char *allowed, Prepare prepare) {
+        QTest::newRow(name) << prepare << QString::fromLatin1(allowed).split(QLatin1Char(' '));
+    };
+    row("no car", "plug", [](Wallbox &wallbox) { wallbox.unplug(); });
+    row("charging", "unplug pause resume finish", [](Wallbox &) {});
+    row("finished", "unplug finish", [](Wallbox &wallbox) { wallbox.finish(); });
+}
+
+void TestSimulator::refusedOperations()
+{
+    QFETCH(Prepare, prepare);
+    Wallbox wallbox = chargingWallbox({});
+    prepare(wallbox);
+    QStringList allowed;
+    const auto attempt = [&allowed, &wallbox](const char *name, QString (*operation)(Wallbox &)) {
+        Wallbox tried = wallbox;
+        if (operation(tried).isEmpty())
+            allowed << QString::fromLatin1(name);
+        else
+            QCOMPARE(tried.status(), wallbox.status());
+    };
+    attempt("plug", [](Wallbox &tried) { return tried.plugIn({ 1, 10 }); });
+    attempt("unplug", [](Wallbox &tried) { return tried.unplug(); });
+    attempt("pause", [](Wallbox &tried) { return tried.pause(); });
+    attempt("resume", [](Wallbox &tried) { return tried.resume(); });
+    attempt("finish", [](Wallbox &tried) { return tried.finish(); });
+    QTEST(allowed, "allowed");
+}
+
+void TestSimulator::meterCountsTheSession()
+{
+    Wallbox wallbox;
+    wallbox.plugIn({ 3, 16 });
+    wallbox.advance(readyTime + 30min); // getting ready takes no energy, however far one step reaches
+    QCOMPARE(wallbox.sessionEnergy(), 5520.0);
+    wallbox.setLimit(8);
+    wallbox.advance(15min);
+    QCOMPARE(wallbox.sessionEnergy(), 6900.0);
+    wallbox.pause();
+    wallbox.advance(1h);
+    wallbox.breakDown();
+    wallbox.resume();
+    wallbox.advance(1h);
+    QCOMPARE(wallbox.sessionEnergy(), 6900.0);
+    wallbox.unplug(); // the display keeps it
+    wallbox.advance(1h);
+    QCOMPARE(wallbox.sessionEnergy(), 6900.0);
+    wallbox.plugIn({});
+    QCOMPARE(wallbox.sessionEnergy(), 0.0);
+}
+
+void TestSimulator::strictness_data()
+{
+    QTest::addColumn<QByteArray>("method");
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("token");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("status");
+    const auto row = [](const char *name, const char *path, const QByteArray &body, int status,
+                        const QByteArray &token = accessToken(), const char *method = "POST") {
+        QTest::newRow(name) << QByteArray(method) << QByteArray(path) << token << body << status;
+    };
+    const QByteArray good = R"({"secret": "s3cret", "evse_ids": [], "limits": {}})";
+    row("online", "/is_online", good, 200);
+    row("group", "/vela/get_group_info/yard", good, 200);
+    row("no ids", "/vela/get_values/yard", good, 200);
+    row("no limits", "/vela/set_limits/yard", good, 200);
+    row("no token", "/is_online", good, 401, {});
+    row("wrong token", "/is_online", good, 401, "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6e");
+    row("token with a scheme", "/is_online", good, 401, "Bearer " + accessToken());
+    row("wrong token comes before a wrong secret", "/is_online", R"({"secret": "x"})", 401, "x");
+    row("wrong secret", "/is_online", R"({"secret": "S3cret"})", 403);
+    row("wrong secret comes before a wrong group", "/vela/get_values/x", R"({"secret": "x"})", 403);
+    row("wrong group", "/vela/get_group_info/Yard", good, 404);
+    row("no group", "/vela/set_limits/", good, 404);
+    row("no such operation", "/vela/get_valuess/yard", good, 404);
+    row("more than the path", "/is_online/", good, 404);
+    row("GET", "/is_online", {}, 405, accessToken(), "GET");
+    row("PUT", "/vela/set_limits/yard", good, 405, accessToken(), "PUT");
+    row("no body", "/is_online", {}, 400);
+    row("not JSON", "/is_online", R"({"secret": "s3cret")", 400);
+    row("not an object", "/is_online", R"(["s3cret"])", 400);
+    row("no secret", "/is_online", "{}", 400);
+    row("secret is no text", "/is_online", R"({"secret": 1})", 400);
+    row("ids missing", "/vela/get_values/yard", R"({"secret": "s3cret"})", 400);
+    row("ids are no array", "/vela/get_values/yard", R"({"secret": "s3cret", "evse_ids": {}})", 400);
+    row("id is no text", "/vela/get_values/yard", R"({"secret": "s3cret", "evse_ids": ["EVSE-01", 2]})", 400);
+    row("limits missing", "/vela/set_limits/yard", R"({"secret": "s3cret"})", 400);
+    row("limits are no object", "/vela/set_limits/yard", R"({"secret": "s3cret", "limits": []})", 400);
+}
+
+void TestSimulator::strictness()
+{
+    QFETCH(QByteArray, method);
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, token);
+    QFETCH(QByteArray, body);
+    QFETCH(int, status);
+    const Answer answer =
+        Simulator::finish(m_unchanged->start(method, path, body,
+                                             {
+                                                 {QByteArrayLiteral("Authorization"), token}
+    }));
+    QCOMPARE(answer.status, status);
+    QCOMPARE(answer.error().isEmpty(), status == 200);
+}
+
+void TestSimulator::answersAsThePluginReads()
+{
+    Simulator simulator({ QStringLiteral("--wallboxes"), QStringLiteral("2"), QStringLiteral("--speed"),
+                          QStringLiteral("0") });
+    QCOMPARE(
+        simulator.backend("/vela/get_group_info/yard").json().value(QLatin1String("evse_ids")).toObject(),
+        json(R"({"EVSE-01": {"max_charging_current": 32}, "EVSE-02": {"max_charging_current": 32}})"));
+
+    QJsonObject reply =
+        simulator.backend("/vela/get_values/yard", json(R"({"evse_ids": ["EVSE-02", "?"]})")).json();
+    QCOMPARE(reply.value(QLatin1String("success")), QJsonValue(true));
+    QJsonObject values = reply.value(QLatin1String("values")).toObject();
+    QCOMPARE(values.keys(), QStringList{ QStringLiteral("EVSE-02") }); // an unknown id is left out
+    QJsonObject record = values.value(QLatin1String("EVSE-02")).toObject();
+    const QString time = record.take(QStringLiteral("timestamp")).toString();
+    static const QRegularExpression utcWithMs(QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$)"));
+    QVERIFY2(utcWithMs.match(time).hasMatch(), qPrintable(time));
+    QVERIFY(qAbs(QDateTime::fromString(time, Qt::ISODateWithMs).secsTo(QDateTime::currentDateTimeUtc()))
+            < 60);
+    QCOMPARE(record,
+             json(R"({"status": "Charging", "phase_1": 32, "phase_2": 0, "phase_3": 0, "meter_value": 0})"));
+}
+
+void TestSimulator::limitSteersTheCar()
+{
+    Simulator simulator;
+    const auto limit = [&simulator](const char *limits) {
+        return simulator
+            .backend("/vela/set_limits/yard",
+                     {
+                         {QStringLiteral("limits"), json(limits)}
+        })
+            .status;
+    };
+    QCOMPARE(limit(R"({"EVSE-01": {"value": 10, "unit": "A"}, "gone": {"value": 8, "unit": "A"}})"), 200);
+    const QString id = QStringLiteral("EVSE-01");
+    QCOMPARE(simulator.values(id).value(QLatin1String("phase_3")), QJsonValue(10));
+    QCOMPARE(limit(R"({"EVSE-01": {"value": 0, "unit": "A"}})"), 200);
+    QCOMPARE(simulator.values(id).value(QLatin1String("status")), QJsonValue(QLatin1String("SuspendedEVSE")));
+    QCOMPARE(simulator.values(id).value(QLatin1String("phase_1")), QJsonValue(0));
+
+    QStringList received;
+    const QJsonArray limits =
+        simulator.get("/control/limits").json().value(QLatin1String("limits")).toArray();
+    for (const QJsonValue &limit : limits) {
+        QVERIFY(QDateTime::fromString(limit[QLatin1String("time")].toString(), Qt::ISODateWithMs).isValid());
+        received << QStringLiteral("%1 %2 %3")
+                        .arg(limit[QLatin1String("id")].toString())
+                        .arg(limit[QLatin1String("value")].toDouble())
+                        .arg(limit[QLatin1String("applied")].toBool() ? QStringLiteral("applied")
+                                                                      : QString());
+    }
+    QCOMPARE(received,
+             (QStringList{ QStringLiteral("EVSE-01 10 applied"), QStringLiteral("gone 8 "),
+                           QStringLiteral("EVSE-01 0 applied") }));
+}
+
+void TestSimulator::badLimitVoidsTheRequest()
+{
+    Simulator simulator;
+    const char *badLimits[] = { R"({"value": -1, "unit": "A"})", R"({"value": "9", "unit": "A"})",
+                                R"({"value": 9, "unit": "W"})", R"({"value": 9})", R"({"unit": "A"})" };
+    for (const char *bad : badLimits) {
+        const QJsonObject limits{
+            {QStringLiteral("EVSE-01"),  json(R"({"value": 9, "unit": "A"})")},
+            { QStringLiteral("EVSE-02"), json(bad)                           }
+        };
+        QCOMPARE(simulator
+                     .backend("/vela/set_limits/yard",
+                              {
+                                  {QStringLiteral("limits"), limits}
+        })
+                     .status,
+                 400);
+    }
+    QVERIFY(simulator.wallbox(0).value(QLatin1String("limit")).isNull());
+    QCOMPARE(simulator.get("/control/limits").json(), json(R"({"limits": []})"));
+}
+
+void TestSimulator::groupIdIsDecoded()
+{
+    Simulator simulator(
+        { QStringLiteral("--group"), QStringLiteral("süd %41/b?#"), QStringLiteral("--secret"), {} });
+    const QJsonObject emptySecret{
+        {QStringLiteral("secret"), QString()}
+    };
+    QCOMPARE(simulator.backend("/vela/get_group_info/s%C3%BCd%20%2541/b%3F%23", emptySecret).status, 200);
+    QCOMPARE(simulator.backend("/vela/get_group_info/s%C3%BCd%20%41/b%3F%23", emptySecret).status, 404);
+    QCOMPARE(simulator.control("/control/group", R"({"group": ""})").status, 200);
+    QCOMPARE(simulator.backend("/vela/get_group_info/", emptySecret).status, 200);
+}
+
+void TestSimulator::timePassesAtSpeed()
+{
+    Simulator simulator({ QStringLiteral("--speed"), QStringLiteral("36000") }); // ten hours a second
+    const auto energy = [&simulator] {
+        return simulator.values(QStringLiteral("EVSE-01")).value(QLatin1String("meter_value")).toDouble();
+    };
+    QTRY_VERIFY(energy() > 5000);
+    QCOMPARE(simulator.control("/control/speed", R"({"factor": 0})").status, 200);
+    const double stopped = energy();
+    QVERIFY(stopped > 5000); // what had passed before stays
+    QCOMPARE(energy(), stopped);
+}
+
+void TestSimulator::handsMoveCars()
+{
+    Simulator simulator;
+    const struct {
+        const char *path;
+        const char *body;
+        const char *status;
+    } story[] = {
+        {"/control/wallboxes/EVSE-01/break",      "",                                     "Faulted"    },
+        { "/control/wallboxes/EVSE-01/mend",      "",                                     "Charging"   },
+        { "/control/wallboxes/EVSE-01/pause",     "",                                     "SuspendedEV"},
+        { "/control/wallboxes/EVSE-01/resume",    "{}",                                   "Charging"   },
+        { "/control/wallboxes/EVSE-01/finish",    "",                                     "Finishing"  },
+        { "/control/wallboxes/EVSE-01/unplug",    "",                                     "Available"  },
+        { "/control/wallboxes/EVSE-01/plug",      R"({"phases": 1, "maxCurrent": 20.5})", "Preparing"  },
+        { "/control/speed",                       R"({"factor": 1000})",                  "Charging"   },
+        { "/control/wallboxes/EVSE-01/configure", R"({"maxChargingCurrent": 13})",        "Charging"   },
+    };
+    for (const auto &step : story) {
+        QCOMPARE(simulator.control(step.path, step.body).status, 200);
+        QTRY_COMPARE(simulator.wallbox(0).value(QLatin1String("status")).toString(),
+                     QLatin1String(step.status));
+    }
+    QCOMPARE(simulator.wallbox(0).value(QLatin1String("car")).toObject(),
+             json(R"({"phases": 1, "maxCurrent": 20.5, "paused": false})"));
+    QCOMPARE(simulator.wallbox(0).value(QLatin1String("currents")).toArray(), (QJsonArray{ 13, 0, 0 }));
+    QCOMPARE(simulator.control("/control/wallboxes/EVSE-01/plug").status, 409);
+}
+
+void TestSimulator::wallboxesComeAndGo()
+{
+    Simulator simulator({ QStringLiteral("--wallboxes"), QStringLiteral("2") });
+    QCOMPARE(simulator.control("/control/wallboxes/EVSE-01/remove").status, 200);
+    QCOMPARE(simulator.control("/control/wallboxes").status, 200); // takes the number that is free
+    QCOMPARE(simulator.control("/control/wallboxes", R"({"id": "a/b %", "maxChargingCurrent": 16})").status,
+             200);
+    QCOMPARE(simulator.control("/control/wallboxes", R"({"id": "EVSE-02"})").status, 409);
+    QCOMPARE(simulator.control("/control/wallboxes/a/b%20%25/plug").status, 200);
+    QCOMPARE(simulator.control("/control/wallboxes/EVSE-02/remove").status, 200);
+    QCOMPARE(simulator.values(QStringLiteral("EVSE-02")), QJsonObject());
+    QCOMPARE(
+        simulator.backend("/vela/get_group_info/yard").json().value(QLatin1String("evse_ids")).toObject(),
+        json(R"({"EVSE-01": {"max_charging_current": 32}, "a/b %": {"max_charging_current": 16}})"));
+    QCOMPARE(simulator.wallbox(0).value(QLatin1String("status")), QJsonValue(QLatin1String("Available")));
+}
+
+void TestSimulator::badControlsChangeNothing_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("says"); // what a person needs to put it right
+    const auto row = [](const char *path, const char *body, int status, const char *says) {
+        QTest::addRow("%s %s", path, body)
+            << QByteArray(path) << QByteArray(body) << status << QString::fromLatin1(says);
+    };
+    const char plug[] = "/control/wallboxes/EVSE-04/plug";
+    row(plug, "{", 400, "JSON");
+    row(plug, "[]", 400, "object");
+    row(plug, R"({"phases": 0})", 400, "1 to 3");
+    row(plug, R"({"phases": 1.5})", 400, "whole");
+    row(plug, R"({"phases": "3"})", 400, "number");
+    row(plug, R"({"maxCurrent": 5})", 400, "6 to 63");
+    row(plug, R"({"phases": 3, "maxcurrent": 16})", 400, "phases, maxCurrent");
+    row("/control/wallboxes/EVSE-99/plug", "", 404, "EVSE-99");
+    row("/control/wallboxes/EVSE-04/plugg", "", 404, "unplug");
+    row("/control/wallboxes/EVSE-04/unplug", "", 409, "no car");
+    row("/control/wallboxes/EVSE-04/remove", R"({"a": 1})", 400, "\"a\"");
+    row("/control/wallboxes/EVSE-04/configure", "", 400, "maxChargingCurrent");
+    row("/control/wallboxes", R"({"id": 5})", 400, "text");
+    row("/control/wallboxes", R"({"id": "new", "maxChargingCurrent": 64})", 400, "63");
+    row("/control/fault", R"({"status": 99})", 400, "200 to 599");
+    row("/control/fault", R"({"silent": 1})", 400, "true or false");
+    row("/control/fault", R"({"delayMs": -1})", 400, "0 to 600000");
+    row("/control/speed", "{}", 400, "factor");
+    row("/control/speed", R"({"factor": -1})", 400, "0 to");
+    row("/control/group", "{}", 400, "group");
+    row("/control/group", R"({"group": "x", "secret": 5})", 400, "text");
+    row("/control/nothing", "", 404, "path");
+    row("/control/state", "", 405, "GET");
+}
+
+void TestSimulator::badControlsChangeNothing()
+{
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, says);
+    const QJsonObject before = m_unchanged->state();
+    const Answer answer = m_unchanged->control(path, body);
+    QTEST(answer.status, "status");
+    QVERIFY2(answer.error().contains(says), answer.body);
+    QCOMPARE(m_unchanged->state(), before);
+    QCOMPARE(m_unchanged->backend("/is_online").status, 200); // nor has the secret changed
+}
+
+void TestSimulator::foreignPagesAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("host"); // with %PORT%
+    QTest::addColumn<QByteArray>("origin");
+    QTest::addColumn<int>("status");
+    const auto row = [](const char *name, const char *host, const char *origin, int status) {
+        QTest::newRow(name) << QByteArray(host) << QByteArray(origin) << status;
+    };
+    row("no page", "127.0.0.1:%PORT%", "", 200);
+    row("own page", "127.0.0.1:%PORT%", "http://127.0.0.1:%PORT%", 200);
+    row("own page by name", "localhost:%PORT%", "http://localhost:%PORT%", 200);
+    row("own page, IPv6", "[::1]:%PORT%", "http://[::1]:%PORT%", 200);
+    row("foreign page", "127.0.0.1:%PORT%", "http://evil.example", 403);
+    row("another port", "127.0.0.1:%PORT%", "http://127.0.0.1:1", 403);
+    row("another scheme", "127.0.0.1:%PORT%", "https://127.0.0.1:%PORT%", 403);
+    row("sandboxed page", "127.0.0.1:%PORT%", "null", 403);
+    row("rebound name", "evil.example:%PORT%", "http://evil.example:%PORT%", 403);
+    row("rebound name, no origin", "evil.example:%PORT%", "", 403);
+    row("name that looks like ours", "127.0.0.1.evil.example", "", 403);
+    row("no name", "", "", 403);
+}
+
+void TestSimulator::foreignPagesAreRefused()
+{
+    QFETCH(QByteArray, host);
+    QFETCH(QByteArray, origin);
+    QFETCH(int, status);
+    Simulator simulator;
+    const QByteArray port = QByteArray::number(simulator.url().port());
+    QTcpSocket socket;
+    socket.connectToHost(simulator.url().host(), quint16(simulator.url().port()));
+    QVERIFY(socket.waitForConnected());
+    QByteArray head = "POST /control/wallboxes/EVSE-04/plug HTTP/1.1\r\nHost: " + host + "\r\n";
+    if (!origin.isEmpty())
+        head += "Origin: " + origin + "\r\n";
+    const QByteArray answer = exchange(socket, head.replace("%PORT%", port) + "\r\n", "}");
+    QCOMPARE(answer.left(12), "HTTP/1.1 " + QByteArray::number(status));
+    QVERIFY(!answer.contains("Access-Control-Allow-Origin"));
+    const bool isPluggedIn = simulator.wallbox(3).value(QLatin1String("car")).isObject();
+    QCOMPARE(isPluggedIn, status == 200);
+}
+
+void TestSimulator::faults_data()
+{
+    QTest::addColumn<QByteArray>("fault");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<bool>("isJson");
+    QTest::newRow("status") << QByteArray(R"({"status": 503})") << 503 << true;
+    QTest::newRow("teapot") << QByteArray(R"({"status": 418, "delayMs": 1})") << 418 << true;
+    QTest::newRow("no content") << QByteArray(R"({"status": 204})") << 204 << false;
+    QTest::newRow("garbage") << QByteArray(R"({"garbage": true})") << 200 << false;
+    QTest::newRow("garbage with a status")
+        << QByteArray(R"({"garbage": true, "status": 500})") << 500 << false;
+}
+
+void TestSimulator::faults()
+{
+    QFETCH(QByteArray, fault);
+    Simulator simulator;
+    QCOMPARE(simulator.control("/control/fault", fault).status, 200);
+    QCOMPARE(simulator.state().value(QLatin1String("fault")).toObject(), json(fault));
+    const QJsonObject limits = json(R"({"limits": {"EVSE-01": {"value": 9, "unit": "A"}}})");
+    const Answer answer = simulator.backend("/vela/set_limits/yard", limits);
+    QTEST(answer.status, "status");
+    QTEST(QJsonDocument::fromJson(answer.body).isObject(), "isJson");
+    QVERIFY(simulator.wallbox(0).value(QLatin1String("limit")).isNull());
+
+    QCOMPARE(simulator.control("/control/fault", "{}").status, 200);
+    QCOMPARE(simulator.backend("/vela/set_limits/yard", limits).status, 200);
+    QVERIFY(simulator.wallbox(0).value(QLatin1String("limit")).isObject());
+}
+
+void TestSimulator::silenceHoldsUpNobodyElse()
+{
+    Simulator simulator;
+    QCOMPARE(simulator.control("/control/fault", R"({"silent": true})").status, 200);
+    std::vector<std::unique_ptr<QTcpSocket>> clients; // more than a pool of threads would serve
+    for (int number = 0; number < 40; ++number) {
+        auto &client = clients.emplace_back(std::make_unique<QTcpSocket>());
+        client->connectToHost(simulator.url().host(), quint16(simulator.url().port()));
+        client->write("POST /is_online HTTP/1.1\r\nContent-Length: 0\r\n\r\n");
+        QVERIFY(client->waitForBytesWritten());
+    }
+    QTRY_COMPARE(simulator.requests().size(), 40); // all have arrived, and others are still served
+    const QJsonArray requests = simulator.requests();
+    for (const QJsonValue &request : requests)
+        QVERIFY(request[QLatin1String("status")].isNull());
+    for (const auto &client : clients)
+        QCOMPARE(client->bytesAvailable(), 0);
+
+    QCOMPARE(simulator.control("/control/fault", "{}").status, 200);
+    for (const auto &client : clients)
+        QVERIFY(exchange(*client, {}, "}").startsWith("HTTP/1.1 401"));
+}
+
+void TestSimulator::delayedRequestsGoOnOnceItIsLifted()
+{
+    Simulator simulator;
+    simulator.control("/control/fault", R"({"delayMs": 200})");
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(simulator.backend("/is_online").status, 200);
+    QVERIFY2(timer.elapsed() >= 200, qPrintable(QString::number(timer.elapsed())));
+
+    simulator.control("/control/fault", R"({"delayMs": 600000})");
+    QNetworkReply *reply = simulator.startBackend("/is_online");
+    QTRY_COMPARE(simulator.requests().size(), 2);
+    QVERIFY(!reply->isFinished());
+    simulator.control("/control/fault", "{}");
+    QCOMPARE(Simulator::finish(reply).status, 200);
+}
+
+void TestSimulator::requestsAreRecordedAndMasked()
+{
+    Simulator simulator;
+    simulator.backend("/vela/get_values/yard", json(R"({"evse_ids": ["EVSE-04"]})"));
+    simulator.backend("/vela/get_group_info/yard", json(R"({"secret": "wrong-s3cret"})"));
+    simulator.start("POST", "/is_online", R"({"secret": "s3cret")",
+                    {
+                        {"Authorization", accessToken()}
+    });
+    QTRY_COMPARE(simulator.requests().size(), 3);
+
+    const QJsonArray requests = simulator.requests();
+    const QJsonObject first = requests.at(0).toObject();
+    QCOMPARE(first.value(QLatin1String("operation")), QJsonValue(QLatin1String("get_values")));
+    QCOMPARE(first.value(QLatin1String("request")).toObject(),
+             json(R"({"secret": "***", "evse_ids": ["EVSE-04"]})"));
+    QCOMPARE(first.value(QLatin1String("status")), QJsonValue(200));
+    QCOMPARE(first.value(QLatin1String("number")), QJsonValue(1));
+    QVERIFY(first.value(QLatin1String("durationMs")).toDouble(-1) >= 0);
+    QVERIFY(first[QLatin1String("reply")].toObject()[QLatin1String("values")].toObject().contains(
+        QLatin1String("EVSE-04")));
+    QCOMPARE(requests.at(1).toObject().value(QLatin1String("status")), QJsonValue(403));
+    const QByteArray all = simulator.get("/control/requests").body + simulator.get("/control/state").body;
+    QVERIFY2(!all.contains("s3cret") && !all.contains(accessToken()), all);
+}
+
+void TestSimulator::connectionStaysOpen()
+{
+    Simulator simulator;
+    QTcpSocket socket;
+    socket.connectToHost(simulator.url().host(), quint16(simulator.url().port()));
+    QVERIFY(socket.waitForConnected());
+    const QByteArray request = "POST /is_online HTTP/1.1\r\nAuthorization: " + accessToken()
+        + "\r\nContent-Length: 19\r\n\r\n{\"secret\":\"s3cret\"}";
+    for (int poll = 0; poll < 20; ++poll)
+        QVERIFY(exchange(socket, request, "}").startsWith("HTTP/1.1 200"));
+    socket.write(request + request); // the second comes with the first
+    QTRY_COMPARE_WITH_TIMEOUT(simulator.requests().size(), 22, 2000);
+    QVERIFY(exchange(socket, "POST / HTTP/1.1\r\n\r\n", "nothing at this path").contains("HTTP/1.1 404"));
+    QCOMPARE(socket.state(), QAbstractSocket::ConnectedState);
+}
+
+void TestSimulator::endsAtOnce()
+{
+    Simulator simulator;
+    simulator.control("/control/fault", R"({"silent": true})"); // leaves an idle connection behind
+    simulator.startBackend("/is_online");
+    QTRY_COMPARE(simulator.requests().size(), 1);
+    simulator.process().terminate();
+    QVERIFY(simulator.process().waitForFinished(2000));
+    QCOMPARE(simulator.process().exitStatus(), QProcess::NormalExit);
+    QCOMPARE(simulator.process().exitCode(), 0);
+}
+
+void TestSimulator::takenPort()
+{
+    Simulator simulator;
+    QProcess second;
+    const QString port = QString::number(simulator.url().port());
+    second.start(QStringLiteral(VELA_SIMULATOR), { QStringLiteral("--port"), port });
+    QVERIFY(second.waitForFinished());
+    QCOMPARE(second.exitCode(), 1);
+    QCOMPARE(second.readAllStandardOutput(), QByteArray());
+    QVERIFY(second.readAllStandardError().contains(port.toUtf8()));
+}
+
+void TestSimulator::badOptions_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QByteArray>("says");
+    QTest::newRow("port out of range") << QStringLiteral("--port=65536") << QByteArray("0 to 65535");
+    QTest::newRow("port is a name") << QStringLiteral("--port=http") << QByteArray("0 to 65535");
+    QTest::newRow("half a wallbox") << QStringLiteral("--wallboxes=2.5") << QByteArray("whole");
+    QTest::newRow("time runs backwards") << QStringLiteral("--speed=-1") << QByteArray("0 to");
+    QTest::newRow("no number") << QStringLiteral("--speed=nan") << QByteArray("0 to");
+    QTest::newRow("no address") << QStringLiteral("--listen=") << QByteArray("127.0.0.1");
+    QTest::newRow("unknown option") << QStringLiteral("--prot=1") << QByteArray("prot");
+    QTest::newRow("stray word") << QStringLiteral("yard") << QByteArray("yard");
+}
+
+void TestSimulator::badOptions()
+{
+    QFETCH(QString, option);
+    QFETCH(QByteArray, says);
+    QProcess process;
+    process.start(QStringLiteral(VELA_SIMULATOR), { option });
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 2);
+    const QByteArray error = process.readAllStandardError();
+    QVERIFY2(error.contains(says) && error.count('\n') == 1, error);
+}
+
+QTEST_GUILESS_MAIN(TestSimulator)
+#include "tst_simulator.moc"
