@@ -93,10 +93,10 @@ QJsonObject Generator::thingClass(QJsonObject description)
     const QLatin1String paramTypes("paramTypes");
     const QLatin1String discoveryParamTypes("discoveryParamTypes");
     const QLatin1String stateTypes("stateTypes");
-    replace(paramTypes, params(description[paramTypes].toArray(), name, QStringLiteral("Thing")));
+    replace(paramTypes, params(description.value(paramTypes).toArray(), name, QStringLiteral("Thing")));
     replace(discoveryParamTypes,
-            params(description[discoveryParamTypes].toArray(), name, QStringLiteral("Discovery")));
-    replace(stateTypes, states(description[stateTypes].toArray(), name));
+            params(description.value(discoveryParamTypes).toArray(), name, QStringLiteral("Discovery")));
+    replace(stateTypes, states(description.value(stateTypes).toArray(), name));
     return description;
 }
 
@@ -125,7 +125,7 @@ QJsonArray Generator::states(const QJsonArray &descriptions, const QString &clas
         const QString stem = className + upperFirst(name);
         state[QLatin1String("id")] = id;
         addConstant(QStringLiteral("StateTypeId"), stem + QLatin1String("StateTypeId"), id);
-        if (state[QLatin1String("writable")].toBool()) {
+        if (state.value(QLatin1String("writable")).toBool()) {
             addConstant(QStringLiteral("ActionTypeId"), stem + QLatin1String("ActionTypeId"), id);
             addConstant(QStringLiteral("ParamTypeId"),
                         stem + QLatin1String("Action") + upperFirst(name) + QLatin1String("ParamTypeId"), id);
