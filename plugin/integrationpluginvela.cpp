@@ -4,6 +4,8 @@
 #include "integrationpluginvela.h"
 
 #include "chargelimits.h"
+#include "credentials.h"
+#include "livestates.h"
 #include "livevalues.h"
 #include "loggingcategory.h"
 #include "networkhandler.h"
@@ -23,17 +25,13 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int pollPeriod = 2;           // s
-constexpr auto chargeLimitPeriod = 20s; // within the 30 s after which the energy manager counts as silent
+constexpr std::chrono::seconds pollPeriod = 2s;
+// Well within the 30 s after which the energy manager counts as silent.
+constexpr std::chrono::milliseconds chargeLimitPeriod = 20s;
 
 // What a wallbox class is at the moment, in m_availableClassIds.
 const QLatin1String availableMark("available");
 const QLatin1String usedMark("used");
-
-// Keys of the credentials in the plugin storage, in a group named by the gateway class.
-const QLatin1String urlKey("url");
-const QLatin1String groupIdKey("groupId");
-const QLatin1String groupSecretKey("groupSecret");
 
 bool isGateway(const Thing *thing)
 {
@@ -45,49 +43,12 @@ QString infraIdOf(const Thing *thing)
     return thing->paramValue(QStringLiteral("infraID")).toString();
 }
 
-void writeTimestamp(Thing *thing, const LiveValues &values)
-{
-    if (values.timestampText.isEmpty())
-        return;
-    qCDebug(dcVela) << "Time STR" << values.timestampText;
-    if (!values.timestamp)
-        return; // unreadable: the last readable time is worth more than none
-    qCDebug(dcVela) << "Time STR" << *values.timestamp;
-    thing->setStateValue(QStringLiteral("timestamp"), *values.timestamp);
-}
-
-void writeEnergy(Thing *thing, double sessionEnergy)
-{
-    const double previous = thing->stateValue(QStringLiteral("sessionEnergy")).toDouble();
-    thing->setStateValue(QStringLiteral("sessionEnergy"), sessionEnergy);
-    const double drawn = energyDrawn(previous, sessionEnergy);
-    if (drawn > 0.0) {
-        const double total = thing->stateValue(QStringLiteral("totalEnergyConsumed")).toDouble();
-        thing->setStateValue(QStringLiteral("totalEnergyConsumed"), drawn + total);
-    }
-}
-
-void writeStates(Thing *thing, const LiveValues &values)
-{
-    thing->setStateValue(QStringLiteral("connected"), true);
-    writeTimestamp(thing, values);
-    writeEnergy(thing, values.sessionEnergy);
-    thing->setStateValue(QStringLiteral("state"), values.state);
-    // The backend does not tell a free wallbox from one with an idle car: all count as plugged in.
-    thing->setStateValue(QStringLiteral("pluggedIn"), true);
-    thing->setStateValue(QStringLiteral("charging"), values.charging);
-    thing->setStateValue(QStringLiteral("currentPower"), values.currentPower);
-    thing->setStateValue(QStringLiteral("currentPhaseA"), values.currentPhaseA);
-    thing->setStateValue(QStringLiteral("currentPhaseB"), values.currentPhaseB);
-    thing->setStateValue(QStringLiteral("currentPhaseC"), values.currentPhaseC);
-    thing->setStateValue(QStringLiteral("phaseCount"), values.phaseCount);
-}
-
 } // namespace
 
 IntegrationPluginVela::IntegrationPluginVela() = default;
 
-// The backend client and the plugin timer go with the last thing, not here: the daemon ends with its process.
+// Client and plugin timer are released with the last thing, not here: this object lives until the process
+// ends.
 IntegrationPluginVela::~IntegrationPluginVela() = default;
 
 void IntegrationPluginVela::init()
@@ -117,20 +78,10 @@ void IntegrationPluginVela::discoverThings(ThingDiscoveryInfo *info)
     if (!m_networkHandler)
         m_networkHandler = new NetworkHandler();
 
-    QString url = info->params().paramValue(velaDiscoveryBackendUrlParamTypeId).toString();
-    QString groupId = info->params().paramValue(velaDiscoveryGroupIdParamTypeId).toString();
-    QString groupSecret = info->params().paramValue(velaDiscoveryGroupSecretParamTypeId).toString();
-
-    // At most one empty field is filled in, the first that the storage knows.
+    Credentials credentials = enteredCredentials(info->params());
     QSettings *storage = pluginStorage();
     storage->beginGroup(info->thingClassId().toString());
-    if (url.isEmpty() && storage->contains(urlKey)) {
-        url = storage->value(urlKey).toString();
-    } else if (groupId.isEmpty() && storage->contains(groupIdKey)) {
-        groupId = storage->value(groupIdKey).toString();
-    } else if (groupSecret.isEmpty() && storage->contains(groupSecretKey)) {
-        groupSecret = storage->value(groupSecretKey).toString();
-    } else if (url.isEmpty() || groupId.isEmpty() || groupSecret.isEmpty()) {
+    if (!completeCredentials(&credentials, *storage)) {
         qCWarning(dcVela) << "discoverThings() - Discovery params not entered.";
         info->finish(Thing::ThingErrorSetupFailed,
                      QStringLiteral("Not all parameters are known. Please enter the discovery parameters."));
@@ -139,45 +90,41 @@ void IntegrationPluginVela::discoverThings(ThingDiscoveryInfo *info)
     }
     storage->endGroup();
 
-    m_networkHandler->setServerInfo(url, groupId, groupSecret);
+    m_networkHandler->setServerInfo(credentials.url, credentials.groupId, credentials.groupSecret);
     // The job is the context: once the platform has disposed of it, a late answer finds nobody.
-    connect(
-        m_networkHandler, &NetworkHandler::infraInfoReceived, info,
-        [this, info, url, groupId, groupSecret](const QJsonObject &evseIds) {
-            if (info->isFinished())
-                return; // the client is shared, so that answers to others arrive here too
-            if (evseIds.isEmpty()) {
-                qCWarning(dcVela) << "discoverThings() - OCPP Backend could not be reached.";
-                info->finish(
-                    Thing::ThingErrorSetupFailed,
-                    QStringLiteral("The OCPP Backend could not be reached!\nPlease check the entered URL."));
-                return;
-            }
-            offerGateway(info, url, groupId, groupSecret);
-        });
+    connect(m_networkHandler, &NetworkHandler::infraInfoReceived, info,
+            [this, info, credentials](const QJsonObject &evseIds) {
+                // The client is shared, so that answers to others arrive here too.
+                if (!info->isFinished())
+                    offerGateway(info, credentials, evseIds);
+            });
     m_networkHandler->getConnectedInfra();
 }
 
-/*! Keeps the credentials, which the backend has accepted, and offers the gateway that they lead to. */
-void IntegrationPluginVela::offerGateway(ThingDiscoveryInfo *info, const QString &url, const QString &groupId,
-                                         const QString &groupSecret)
+/*! Answers a discovery: a backend that lists wallboxes is offered, and its \a credentials are kept. */
+void IntegrationPluginVela::offerGateway(ThingDiscoveryInfo *info, const Credentials &credentials,
+                                         const QJsonObject &evseIds)
 {
+    if (evseIds.isEmpty()) {
+        qCWarning(dcVela) << "discoverThings() - OCPP Backend could not be reached.";
+        info->finish(Thing::ThingErrorSetupFailed,
+                     QStringLiteral("The OCPP Backend could not be reached!\nPlease check the entered URL."));
+        return;
+    }
     qCDebug(dcVela) << "discoverThings() - OCPP reached successfully.";
     QSettings *storage = pluginStorage();
     storage->beginGroup(info->thingClassId().toString());
-    storage->setValue(urlKey, url);
-    storage->setValue(groupIdKey, groupId);
-    storage->setValue(groupSecretKey, groupSecret);
+    writeCredentials(storage, credentials);
     storage->endGroup();
 
-    ThingDescriptor descriptor(velaThingClassId, QStringLiteral("Tavensolis VELA"), url);
-    const Things existing = myThings().filterByParam(velaThingBackendUrlParamTypeId, url);
+    ThingDescriptor descriptor(velaThingClassId, QStringLiteral("Tavensolis VELA"), credentials.url);
+    const Things existing = myThings().filterByParam(velaThingBackendUrlParamTypeId, credentials.url);
     if (existing.size() == 1) {
         qCWarning(dcVela) << "This OCPP backend already exists";
         descriptor.setThingId(existing.first()->id());
     }
     ParamList params;
-    params.append(Param(velaThingBackendUrlParamTypeId, url));
+    params.append(Param(velaThingBackendUrlParamTypeId, credentials.url));
     descriptor.setParams(params);
     info->addThingDescriptor(descriptor);
     info->finish(Thing::ThingErrorNoError, QString());
@@ -200,12 +147,10 @@ void IntegrationPluginVela::setupGateway(ThingSetupInfo *info)
 
     QSettings *storage = pluginStorage();
     storage->beginGroup(thing->thingClassId().toString());
-    const QString url = storage->value(urlKey).toString();
-    const QString groupId = storage->value(groupIdKey).toString();
-    const QString groupSecret = storage->value(groupSecretKey).toString();
+    const Credentials credentials = storedCredentials(*storage);
     storage->endGroup();
 
-    m_networkHandler->setServerInfo(url, groupId, groupSecret);
+    m_networkHandler->setServerInfo(credentials.url, credentials.groupId, credentials.groupSecret);
     thing->setStateValue(QStringLiteral("connected"), true);
     // The job is the context: it ends with the set-up, and later answers are none of its business.
     connect(m_networkHandler, &NetworkHandler::infraInfoReceived, info,
@@ -225,7 +170,7 @@ void IntegrationPluginVela::setupWallbox(ThingSetupInfo *info)
     qCDebug(dcVela) << "Should setup wallbox";
     Thing *thing = info->thing();
     thing->setStateValue(QStringLiteral("connected"), true);
-    // The maximum first, so that the value is within it at every moment.
+    // The maximum first: a value above the old one might be refused.
     const uint maxAllowedCurrent = thing->paramValue(QStringLiteral("maxAllowedCurrent")).toUInt();
     thing->setStateMaxValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
     thing->setStateValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
@@ -262,6 +207,8 @@ void IntegrationPluginVela::removeVanishedWallboxes(const QJsonObject &infraInfo
         if (infraInfo.contains(infraId))
             continue;
         const Thing *thing = m_infraThings.value(infraId);
+        if (!thing)
+            continue; // has gone together with another one
         qCDebug(dcVela) << "Wallbox" << infraId << "is not connected anymore";
         qCDebug(dcVela) << "Freeing thing with classId" << thing->thingClassId();
         m_availableClassIds.insert(thing->thingClassId(), availableMark);
@@ -280,12 +227,16 @@ void IntegrationPluginVela::autoCreateMeterThing(const QString &infraId, const T
     params.append(Param(m_infraIdParamTypeIds.value(thingClassId), infraId));
     params.append(Param(m_maxAllowedCurrentParamTypeIds.value(thingClassId), maxCurrent));
     descriptor.setParams(params);
-    emit autoThingsAppeared(ThingDescriptors{ descriptor });
+    ThingDescriptors descriptors;
+    descriptors.append(descriptor);
+    emit autoThingsAppeared(descriptors);
 }
 
 void IntegrationPluginVela::setupConnects(Thing *thing)
 {
     qCDebug(dcVela) << "OCPP: Setup nymea connections.";
+    if (!m_networkHandler)
+        return; // went with a wallbox that was the last kept thing while the gateway was still new
     // The gateway is the context: without it nobody wants the values.
     connect(m_networkHandler, &NetworkHandler::valuesReceived, thing,
             [this](const QJsonObject &receivedValues) { applyValues(receivedValues); });
@@ -295,7 +246,9 @@ void IntegrationPluginVela::applyValues(const QJsonObject &receivedValues)
 {
     qCDebug(dcVela) << "setupConnects() - valuesReceived";
     // Absent wallboxes first, so that no one listening sees new values beside a wallbox that has gone.
-    for (auto it = m_infraThings.constBegin(); it != m_infraThings.constEnd(); ++it) {
+    // A copy: whoever listens may remove a wallbox that is not connected.
+    const QHash<QString, Thing *> infraThings = m_infraThings;
+    for (auto it = infraThings.constBegin(); it != infraThings.constEnd(); ++it) {
         if (!receivedValues.contains(it.key()))
             it.value()->setStateValue(QStringLiteral("connected"), false);
     }
@@ -304,7 +257,7 @@ void IntegrationPluginVela::applyValues(const QJsonObject &receivedValues)
         qCDebug(dcVela) << "Values for device" << it.key();
         qCDebug(dcVela) << "Received values" << record;
         if (Thing *thing = m_infraThings.value(it.key()))
-            writeStates(thing, mapLiveValues(record));
+            writeLiveStates(thing, mapLiveValues(record));
     }
 }
 
@@ -314,7 +267,7 @@ void IntegrationPluginVela::postSetupThing(Thing *thing)
     if (!isGateway(thing))
         return;
     if (!m_pluginTimer) {
-        m_pluginTimer = hardwareManager()->pluginTimerManager()->registerTimer(pollPeriod);
+        m_pluginTimer = hardwareManager()->pluginTimerManager()->registerTimer(int(pollPeriod.count()));
         connect(m_pluginTimer, &PluginTimer::timeout, this, [this] { updateCurrentValues(); });
         m_pluginTimer->start();
     }
@@ -329,6 +282,8 @@ void IntegrationPluginVela::postSetupThing(Thing *thing)
 /*! One poll: sends the limits that wait, then asks for everybody's values. */
 void IntegrationPluginVela::updateCurrentValues()
 {
+    if (!m_networkHandler)
+        return; // see setupConnects(); the next discovery or gateway set-up makes a new one
     if (!m_chargeLimits.isEmpty()) {
         qCDebug(dcVela) << "Sending charge limits" << m_chargeLimits;
         m_networkHandler->setProfileChargePowerLimit(m_chargeLimits);
@@ -341,8 +296,7 @@ void IntegrationPluginVela::updateCurrentValues()
     m_networkHandler->getEvseValues(infraIds);
 }
 
-/*! Queues every wallbox's limit again, so that the backend keeps to it, unless the energy manager is silent.
- */
+/*! Queues all limits again, so that the backend keeps to them, unless the energy manager is silent. */
 void IntegrationPluginVela::renewChargeLimits()
 {
     qCDebug(dcVela) << "postSetupThing() - m_chargeLimitTimer timeout.";
@@ -353,9 +307,9 @@ void IntegrationPluginVela::renewChargeLimits()
     for (auto it = m_infraThings.constBegin(); it != m_infraThings.constEnd(); ++it) {
         qCDebug(dcVela) << "postSetupThing() - Set charge power limit again." << it.key();
         const bool enabled = it.value()->stateValue(QStringLiteral("power")).toBool();
-        queueChargeLimit(it.key(),
-                         enabled ? it.value()->stateValue(QStringLiteral("maxChargingCurrent")).toDouble()
-                                 : 0.0);
+        const double ampere =
+            enabled ? it.value()->stateValue(QStringLiteral("maxChargingCurrent")).toDouble() : 0.0;
+        queueChargeLimit(it.key(), ampere);
     }
 }
 
@@ -363,15 +317,17 @@ void IntegrationPluginVela::executeAction(ThingActionInfo *info)
 {
     qCDebug(dcVela) << "Executing action for" << info->thing();
     // A writable state's action has the state's own id.
-    const QUuid maxChargingCurrentId =
-        info->thing()->state(QStringLiteral("maxChargingCurrent")).stateTypeId();
-    const QUuid powerId = info->thing()->state(QStringLiteral("power")).stateTypeId();
+    const Thing *thing = info->thing();
+    const QString maxChargingCurrentId =
+        thing->state(QStringLiteral("maxChargingCurrent")).stateTypeId().toString();
+    const QString powerId = thing->state(QStringLiteral("power")).stateTypeId().toString();
     // Every action is a sign of life of the energy manager, whatever becomes of it.
     m_lastActionTime = QDateTime::currentSecsSinceEpoch();
 
-    if (info->action().actionTypeId() == maxChargingCurrentId)
+    const QString actionTypeId = info->action().actionTypeId().toString();
+    if (actionTypeId == maxChargingCurrentId)
         setMaxChargingCurrent(info);
-    else if (info->action().actionTypeId() == powerId)
+    else if (actionTypeId == powerId)
         setChargingEnabled(info);
 }
 

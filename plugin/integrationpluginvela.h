@@ -12,6 +12,7 @@
 class NetworkHandler;
 class PluginTimer;
 class QTimer;
+struct Credentials;
 
 /*! Joins a group of wallboxes at an OCPP backend with nymea: one gateway thing, a wallbox thing for each
     wallbox that the backend lists, live values every 2 s, and actions that become charge limits.
@@ -46,8 +47,7 @@ private:
     void prepareParamList();
     void initAvailableClassIds();
 
-    void offerGateway(ThingDiscoveryInfo *info, const QString &url, const QString &groupId,
-                      const QString &groupSecret);
+    void offerGateway(ThingDiscoveryInfo *info, const Credentials &credentials, const QJsonObject &evseIds);
 
     void setupGateway(ThingSetupInfo *info);
     void setupWallbox(ThingSetupInfo *info);

@@ -14,21 +14,23 @@ constexpr double volt = 230.0;
 constexpr double wattHoursPerKiloWattHour = 1000.0;
 constexpr double smallestCurrent = 1.0; // A; what a meter shows below is noise
 
+// clang-format off
 // ChargePointStatus, OCPP 1.6, in the standard's order.
 constexpr struct {
     const char *status;
     bool charging;
 } statusTable[] = {
-    {"Available",      false},
-    { "Preparing",     false},
-    { "Charging",      true },
-    { "SuspendedEVSE", false},
-    { "SuspendedEV",   false},
-    { "Finishing",     false},
-    { "Reserved",      false},
-    { "Unavailable",   false},
-    { "Faulted",       false},
+    { "Available",     false },
+    { "Preparing",     false },
+    { "Charging",      true  },
+    { "SuspendedEVSE", false },
+    { "SuspendedEV",   false },
+    { "Finishing",     false },
+    { "Reserved",      false },
+    { "Unavailable",   false },
+    { "Faulted",       false },
 };
+// clang-format on
 
 void mapStatus(const QString &status, LiveValues &values)
 {
@@ -62,8 +64,8 @@ void mapCurrents(const QJsonObject &record, LiveValues &values)
     values.currentPhaseC = phaseCurrent(record.value(QLatin1String("phase_3")));
     const double sum = values.currentPhaseA + values.currentPhaseB + values.currentPhaseC;
     values.currentPower = std::ceil(sum * volt * 100.0) / 100.0;
-    const uint phases = (values.currentPhaseA > 0) + (values.currentPhaseB > 0) + (values.currentPhaseC > 0);
-    values.phaseCount = std::max(phases, 1U);
+    const int phases = (values.currentPhaseA > 0) + (values.currentPhaseB > 0) + (values.currentPhaseC > 0);
+    values.phaseCount = std::max(phases, 1);
 }
 
 } // namespace

@@ -20,7 +20,7 @@ struct LiveValues {
     double currentPhaseA = 0;        //!< A; 0 below 1 A and unless charging
     double currentPhaseB = 0;        //!< as phase A
     double currentPhaseC = 0;        //!< as phase A
-    uint phaseCount = 1;             //!< phases that carry current, 1 to 3; 1 while none does
+    int phaseCount = 1;              //!< phases that carry current, 1 to 3; 1 while none does
 };
 
 /*! Reads one \a record. Cannot fail: a missing or mistyped member counts as 0 or as empty text. */

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "credentials.h"
+
+#include "plugininfo.h"
+
+#include <QSettings>
+
+#include <types/param.h>
+
+namespace {
+
+const QLatin1String urlKey("url");
+const QLatin1String groupIdKey("groupId");
+const QLatin1String groupSecretKey("groupSecret");
+
+bool fillIn(QString *field, const QSettings &storage, QLatin1String key)
+{
+    if (!field->isEmpty() || !storage.contains(key))
+        return false;
+    *field = storage.value(key).toString();
+    return true;
+}
+
+bool isComplete(const Credentials &credentials)
+{
+    return !credentials.url.isEmpty() && !credentials.groupId.isEmpty() && !credentials.groupSecret.isEmpty();
+}
+
+} // namespace
+
+Credentials enteredCredentials(const ParamList &params)
+{
+    return { params.paramValue(velaDiscoveryBackendUrlParamTypeId).toString(),
+             params.paramValue(velaDiscoveryGroupIdParamTypeId).toString(),
+             params.paramValue(velaDiscoveryGroupSecretParamTypeId).toString() };
+}
+
+bool completeCredentials(Credentials *credentials, const QSettings &storage)
+{
+    // With one field filled in, the others are taken as entered, even if they are empty.
+    const bool filledIn = fillIn(&credentials->url, storage, urlKey)
+        || fillIn(&credentials->groupId, storage, groupIdKey)
+        || fillIn(&credentials->groupSecret, storage, groupSecretKey);
+    return filledIn || isComplete(*credentials);
+}
+
+Credentials storedCredentials(const QSettings &storage)
+{
+    return { storage.value(urlKey).toString(), storage.value(groupIdKey).toString(),
+             storage.value(groupSecretKey).toString() };
+}
+
+void writeCredentials(QSettings *storage, const Credentials &credentials)
+{
+    storage->setValue(urlKey, credentials.url);
+    storage->setValue(groupIdKey, credentials.groupId);
+    storage->setValue(groupSecretKey, credentials.groupSecret);
+}
