@@ -1,0 +1,336 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "daemon.h"
+
+#include "hostlogging.h"
+#include "pluginloader.h"
+#include "values.h"
+
+#include <algorithm>
+
+using namespace std::chrono_literals;
+
+Daemon::Daemon(const Options &options, QObject *parent)
+    : ThingManager(parent)
+    , m_options(options)
+    , m_folder(options.storageFolder)
+    , m_store(m_folder.path())
+{
+    // Queued: what the plugin does in one go is stored and reported in one go.
+    connect(&m_changes, &StateChanges::available, this, &Daemon::commit, Qt::QueuedConnection);
+}
+
+Daemon::~Daemon()
+{
+    if (m_plugin)
+        commit();
+    // Jobs and things go before the plugin: what it has connected to them must not outlive it.
+    qDeleteAll(findChildren<ThingJob *>());
+    qDeleteAll(m_newThings);
+    qDeleteAll(m_things);
+}
+
+QString Daemon::load()
+{
+    const QString folderError = m_folder.claim();
+    if (!folderError.isEmpty())
+        return folderError;
+    LoadedPlugin loaded = loadPlugin(m_options.pluginFile);
+    if (!loaded.plugin)
+        return loaded.error;
+    m_plugin.reset(loaded.plugin);
+    m_metadata = loaded.metadata;
+    const QString storeError = m_store.read(m_metadata.thingClasses(), this, &m_things);
+    if (!storeError.isEmpty()) {
+        m_plugin.reset();
+        return storeError;
+    }
+
+    connect(plugin(), &IntegrationPlugin::autoThingsAppeared, this, &Daemon::onAutoThingsAppeared);
+    connect(plugin(), &IntegrationPlugin::autoThingDisappeared, this, &Daemon::onAutoThingDisappeared);
+    m_plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
+    m_plugin->init();
+    restoreThings();
+    m_plugin->startMonitoringAutoThings();
+    return QString();
+}
+
+void Daemon::restoreThings()
+{
+    for (Thing *thing : qAsConst(m_things))
+        m_changes.watch(thing);
+    // A copy: the plugin may answer a set-up with new things or with some that have disappeared.
+    const Things things = m_things;
+    for (Thing *thing : things) {
+        if (m_things.contains(thing))
+            runSetup(thing);
+    }
+}
+
+IntegrationPlugin *Daemon::plugin() const
+{
+    return m_plugin.get();
+}
+
+ThingClasses Daemon::thingClasses() const
+{
+    return m_metadata.thingClasses();
+}
+
+HardwareManager *Daemon::hardwareManager()
+{
+    return &m_hardwareManager;
+}
+
+Things Daemon::configuredThings() const
+{
+    return m_things;
+}
+
+ThingDiscoveryInfo *Daemon::discover(const ThingClassId &thingClassId, const ParamList &params)
+{
+    const ThingClass thingClass = thingClasses().findById(thingClassId);
+    const CheckedParams checked = checkParams(params, thingClass.discoveryParamTypes);
+    auto *info = new ThingDiscoveryInfo(thingClassId, checked.params, m_options.jobTimeout, this);
+    if (thingClass.id.isNull())
+        return refused(info, Thing::ThingErrorThingClassNotFound, tr("The plugin has no such thing class."));
+    if (!thingClass.createMethods.contains(QLatin1String("discovery")))
+        return refused(info, Thing::ThingErrorCreationMethodNotSupported,
+                       tr("Things of class %1 are not found by discovery.").arg(thingClass.name));
+    if (!checked.error.isEmpty())
+        return refused(info, Thing::ThingErrorInvalidParameter, checked.error);
+    m_plugin->discoverThings(info);
+    return info;
+}
+
+ThingSetupInfo *Daemon::add(const ThingDescriptor &descriptor)
+{
+    const auto refuse = [this](Thing::ThingError error, const QString &message) {
+        auto *info = new ThingSetupInfo(nullptr, 0ms);
+        info->setParent(this);
+        return refused(info, error, message);
+    };
+    const ThingClass thingClass = thingClasses().findById(descriptor.thingClassId());
+    if (thingClass.id.isNull())
+        return refuse(Thing::ThingErrorThingClassNotFound, tr("The plugin has no such thing class."));
+    const CheckedParams checked = checkParams(descriptor.params(), thingClass.paramTypes);
+    if (!checked.error.isEmpty())
+        return refuse(Thing::ThingErrorInvalidParameter, checked.error);
+    if (!descriptor.parentId().isNull() && !find(descriptor.parentId()))
+        return refuse(Thing::ThingErrorThingNotFound, tr("The parent thing does not exist."));
+    if (descriptor.thingId().isNull())
+        return addNew(descriptor, thingClass, checked.params);
+
+    Thing *thing = m_things.findById(descriptor.thingId());
+    if (!thing || thing->thingClassId() != thingClass.id)
+        return refuse(Thing::ThingErrorThingNotFound, tr("The thing to be reconfigured does not exist."));
+    return reconfigure(thing, checked.params);
+}
+
+ThingSetupInfo *Daemon::addNew(const ThingDescriptor &descriptor, const ThingClass &thingClass,
+                               const ParamList &params)
+{
+    auto *thing = new Thing(thingClass, ThingId(), this);
+    if (!descriptor.title().isEmpty())
+        thing->setName(descriptor.title());
+    thing->setParentId(descriptor.parentId());
+    for (const Param &param : params)
+        thing->setParamValue(param.paramTypeId(), param.value());
+    m_newThings.append(thing);
+    return runSetup(thing);
+}
+
+ThingSetupInfo *Daemon::reconfigure(Thing *thing, const ParamList &params)
+{
+    // With a set-up pending, the parameters stay as that set-up has read them.
+    if (thing->setupStatus() != Thing::ThingSetupStatusInProgress) {
+        for (const Param &param : params)
+            thing->setParamValue(param.paramTypeId(), param.value());
+        m_unsaved = true;
+    }
+    return setup(thing);
+}
+
+ThingSetupInfo *Daemon::setup(Thing *thing)
+{
+    if (thing->setupStatus() == Thing::ThingSetupStatusInProgress)
+        return refused(new ThingSetupInfo(thing, 0ms), Thing::ThingErrorThingInUse,
+                       tr("A set-up of %1 is pending; wait until it has finished.").arg(thing->name()));
+    return runSetup(thing);
+}
+
+ThingSetupInfo *Daemon::runSetup(Thing *thing)
+{
+    thing->setSetupStatus(Thing::ThingSetupStatusInProgress);
+    auto *info = new ThingSetupInfo(thing, m_options.jobTimeout);
+    connect(info, &ThingJob::finished, this, [this, info] { onSetupFinished(info); });
+    m_plugin->setupThing(info);
+    return info;
+}
+
+void Daemon::onSetupFinished(ThingSetupInfo *info)
+{
+    Thing *thing = info->thing();
+    if (!find(thing->id()))
+        return; // removed meanwhile
+    const bool succeeded = info->status() == Thing::ThingErrorNoError;
+    thing->setSetupStatus(succeeded ? Thing::ThingSetupStatusComplete : Thing::ThingSetupStatusFailed,
+                          info->status(), info->displayMessage());
+    const bool isNew = m_newThings.contains(thing);
+    if (isNew && succeeded)
+        keep(thing);
+    else if (isNew)
+        discard(thing);
+
+    commit();
+    emit setupFinished(info);
+    if (succeeded && m_things.contains(thing))
+        m_plugin->postSetupThing(thing);
+}
+
+void Daemon::keep(Thing *thing)
+{
+    m_newThings.removeOne(thing);
+    m_things.append(thing);
+    m_changes.watch(thing);
+    m_unsaved = true;
+    commit();
+    emit thingAdded(thing);
+}
+
+void Daemon::discard(Thing *thing)
+{
+    qCWarning(dcHost) << thing << "is not kept: its set-up failed with" << thing->setupError()
+                      << thing->setupDisplayMessage();
+    const Things children = childrenOf(thing);
+    for (Thing *child : children)
+        remove(child);
+    m_newThings.removeOne(thing);
+    thing->deleteLater();
+}
+
+ThingActionInfo *Daemon::execute(Thing *thing, const Action &action)
+{
+    ParamList params;
+    const QString error = actionError(thing, action, &params);
+    auto *info =
+        new ThingActionInfo(thing, Action(action.actionTypeId(), thing->id(), params), m_options.jobTimeout);
+    if (!error.isEmpty())
+        return refused(info, Thing::ThingErrorInvalidParameter, error);
+    if (thing->setupStatus() != Thing::ThingSetupStatusComplete)
+        return refused(info, Thing::ThingErrorSetupFailed, tr("%1 is not set up.").arg(thing->name()));
+    m_plugin->executeAction(info);
+    return info;
+}
+
+ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const QVariant &value)
+{
+    const ActionType type = thing->thingClass().actionTypes.findByName(stateName);
+    return execute(thing, Action(type.id, thing->id(), { { Param(ParamTypeId(type.id), value) } }));
+}
+
+/*! Why \a action cannot be executed on \a thing; empty, and the parameters with values of their types, when
+   it can. */
+QString Daemon::actionError(Thing *thing, const Action &action, ParamList *checkedParams) const
+{
+    const ActionType type = thing->thingClass().actionTypes.findById(action.actionTypeId());
+    if (type.id.isNull())
+        return tr("%1 has no such action.").arg(thing->name());
+    ParamTypes paramTypes = type.paramTypes;
+    for (ParamType &paramType : paramTypes) {
+        // The limits of the metadata are where the state's own began; the plugin may have moved them.
+        const State state = thing->state(StateTypeId(paramType.id));
+        if (!state.stateTypeId().isNull()) {
+            paramType.minValue = state.minValue();
+            paramType.maxValue = state.maxValue();
+        }
+        if (!action.params().hasParam(paramType.id))
+            return tr("Parameter %1 is missing.").arg(paramType.name);
+    }
+    const CheckedParams checked = checkParams(action.params(), paramTypes);
+    *checkedParams = checked.params;
+    return checked.error;
+}
+
+void Daemon::remove(Thing *thing)
+{
+    const Things children = childrenOf(thing);
+    for (Thing *child : children)
+        remove(child);
+    commit();
+    const bool wasKept = m_things.removeOne(thing);
+    if (!wasKept && !m_newThings.removeOne(thing))
+        return; // the plugin has had it removed while it heard of a child's end
+
+    m_changes.forget(thing);
+    m_plugin->thingRemoved(thing);
+    const QList<ThingJob *> jobs = thing->findChildren<ThingJob *>();
+    for (ThingJob *job : jobs) {
+        if (!job->isFinished())
+            job->finish(Thing::ThingErrorThingNotFound, tr("%1 has been removed.").arg(thing->name()));
+    }
+    m_unsaved |= wasKept;
+    commit();
+    if (wasKept)
+        emit thingRemoved(thing);
+    thing->deleteLater();
+}
+
+void Daemon::onAutoThingsAppeared(const ThingDescriptors &descriptors)
+{
+    for (const ThingDescriptor &descriptor : descriptors) {
+        const ThingSetupInfo *info = add(descriptor);
+        if (!info->thing())
+            qCWarning(dcHost).noquote()
+                << "The announced thing" << descriptor.title() << "is refused:" << info->displayMessage();
+    }
+}
+
+void Daemon::onAutoThingDisappeared(const ThingId &thingId)
+{
+    if (Thing *thing = find(thingId))
+        remove(thing);
+    else
+        qCWarning(dcHost) << "A thing that is not there is said to have disappeared:" << thingId;
+}
+
+void Daemon::commit()
+{
+    const QVector<StateChange> changes = m_changes.take();
+    m_unsaved |= std::any_of(changes.cbegin(), changes.cend(), [](const StateChange &change) {
+        return change.thing->thingClass().stateTypes.findById(change.stateTypeId).cached;
+    });
+    m_plugin->pluginStorage()->sync();
+    if (m_unsaved) {
+        const QString error = m_store.write(m_things);
+        m_unsaved = !error.isEmpty();
+        if (m_unsaved)
+            qCWarning(dcHost).noquote() << error;
+    }
+    m_reports += changes;
+    // One by one from the front: whoever hears of a change may have others reported.
+    while (!m_reports.isEmpty()) {
+        const StateChange change = m_reports.takeFirst();
+        emit stateChanged(change.thing, change.stateTypeId, change.value);
+    }
+}
+
+template <typename Job> Job *Daemon::refused(Job *job, Thing::ThingError error, const QString &message)
+{
+    job->finish(error, message);
+    return job;
+}
+
+Thing *Daemon::find(const ThingId &thingId) const
+{
+    Thing *thing = m_things.findById(thingId);
+    return thing ? thing : m_newThings.findById(thingId);
+}
+
+Things Daemon::childrenOf(const Thing *thing) const
+{
+    Things children = m_things.filterByParentId(thing->id());
+    children += m_newThings.filterByParentId(thing->id());
+    return children;
+}

@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef DAEMON_H
+#define DAEMON_H
+
+#include "statechanges.h"
+#include "storagefolder.h"
+#include "thingstore.h"
+
+#include <integrations/integrationplugin.h>
+
+#include <chrono>
+#include <memory>
+
+/*! Plays the daemon for one plugin: owns the things and the storage, calls the plugin and takes its news.
+
+    Jobs: each operation returns a job that finishes later, from the event loop, with the plugin's answer,
+    with ThingErrorTimeout after the time limit, or, where the request is refused without asking the plugin,
+    with an error and a message that says what would be right. A job deletes itself after finished().
+
+    What a signal or a job's finished() reports has been stored before. State changes are reported together
+    once a turn of the event loop, and always before any other report that follows them. */
+class Daemon : public ThingManager {
+    Q_OBJECT
+public:
+    struct Options {
+        QString pluginFile;
+        QString storageFolder;
+        std::chrono::milliseconds jobTimeout = std::chrono::seconds(30); //!< 0: jobs may wait for ever
+    };
+    explicit Daemon(const Options &options, QObject *parent = nullptr);
+    ~Daemon() override;
+
+    /*! Claims the storage, loads and initialises the plugin and starts the set-up of the stored things,
+        parents first. Call it once, before everything else. Returns an empty text, or the sentence that says
+        why there is no plugin to work with. */
+    [[nodiscard]] QString load();
+
+    /*! The loaded plugin, ours; null before load(). */
+    IntegrationPlugin *plugin() const;
+    ThingClasses thingClasses() const;
+    HardwareManager *hardwareManager();
+
+    Things configuredThings() const override;
+
+    /*! Asks the plugin for things of the class that fit \a params, by discovery parameter type. */
+    ThingDiscoveryInfo *discover(const ThingClassId &thingClassId, const ParamList &params);
+    /*! Creates and sets up what \a descriptor describes, or gives its parameters to the thing that it stands
+        for and sets that up again. The job's thing() is null when the request is refused. */
+    ThingSetupInfo *add(const ThingDescriptor &descriptor);
+    /*! Runs the set-up of \a thing again, unless one is pending. */
+    ThingSetupInfo *setup(Thing *thing);
+    /*! Executes \a action on \a thing, which must be set up. Its values are checked against their types and
+        the limits that are in force for the states of the same ids. */
+    ThingActionInfo *execute(Thing *thing, const Action &action);
+    /*! The action that sets the writable state \a stateName. */
+    ThingActionInfo *execute(Thing *thing, const QString &stateName, const QVariant &value);
+    /*! Removes \a thing, its children first; their pending jobs finish with ThingErrorThingNotFound. The
+        objects are deleted later. */
+    void remove(Thing *thing);
+
+    /*! Stores whatever has changed, then reports the state changes so far. Whoever reports something else
+        calls it before, to keep the order. */
+    void commit();
+
+Q_SIGNALS:
+    /*! A new thing is kept: its first set-up has finished without error. */
+    void thingAdded(Thing *thing);
+    /*! \a thing is gone; its object lives until the event loop runs again. */
+    void thingRemoved(Thing *thing);
+    /*! A set-up has ended, also one that failed. */
+    void setupFinished(ThingSetupInfo *info);
+    void stateChanged(Thing *thing, const StateTypeId &stateTypeId, const QVariant &value);
+
+private:
+    void restoreThings();
+    void onAutoThingsAppeared(const ThingDescriptors &descriptors);
+    void onAutoThingDisappeared(const ThingId &thingId);
+
+    ThingSetupInfo *addNew(const ThingDescriptor &descriptor, const ThingClass &thingClass,
+                           const ParamList &params);
+    ThingSetupInfo *reconfigure(Thing *thing, const ParamList &params);
+    ThingSetupInfo *runSetup(Thing *thing);
+    void onSetupFinished(ThingSetupInfo *info);
+    void keep(Thing *thing);
+    void discard(Thing *thing);
+
+    QString actionError(Thing *thing, const Action &action, ParamList *checkedParams) const;
+    template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QString &message);
+    Thing *find(const ThingId &thingId) const;
+    Things childrenOf(const Thing *thing) const;
+
+    const Options m_options;
+    StorageFolder m_folder;
+    ThingStore m_store;
+    HardwareManager m_hardwareManager;
+    PluginMetadata m_metadata;
+    std::unique_ptr<IntegrationPlugin> m_plugin;
+
+    Things m_things;    // kept; our children
+    Things m_newThings; // first set-up pending; our children
+    StateChanges m_changes;
+    QVector<StateChange> m_reports; // stored, about to be reported
+    bool m_unsaved = false;         // m_things holds what m_store does not
+};
+
+#endif // DAEMON_H

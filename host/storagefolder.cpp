@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "storagefolder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <cerrno>
+#include <sys/file.h>
+
+StorageFolder::StorageFolder(const QString &path)
+    : m_path(QDir(path).absolutePath())
+    , m_lockFile(QDir(m_path).filePath(QStringLiteral("in-use-by")))
+{
+}
+
+QString StorageFolder::claim()
+{
+    const bool isNew = !QDir(m_path).exists();
+    if (!QDir().mkpath(m_path))
+        return QStringLiteral("Cannot create the storage folder %1.").arg(m_path);
+    // The plugin's storage may hold secrets.
+    if (isNew)
+        QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString error = lock();
+    if (error.isEmpty())
+        sweep();
+    return error;
+}
+
+QString StorageFolder::path() const
+{
+    return m_path;
+}
+
+QString StorageFolder::lock()
+{
+    if (!m_lockFile.open(QIODevice::ReadWrite))
+        return QStringLiteral("Cannot write in the storage folder %1: %2.")
+            .arg(m_path, m_lockFile.errorString());
+    // The kernel's lock ends with its process, whatever ends that; a process id in a file would not, and in a
+    // container the next process often has the same one.
+    if (flock(m_lockFile.handle(), LOCK_EX | LOCK_NB) == 0) {
+        m_lockFile.resize(0);
+        m_lockFile.write(QByteArray::number(QCoreApplication::applicationPid()));
+        m_lockFile.flush();
+        return QString();
+    }
+    if (errno != EWOULDBLOCK)
+        return QStringLiteral("Cannot lock the storage folder %1: %2.").arg(m_path, qt_error_string(errno));
+    return QStringLiteral("The storage folder %1 is in use by another host (process %2).")
+        .arg(m_path, QString::fromLatin1(m_lockFile.readAll()));
+}
+
+void StorageFolder::sweep() const
+{
+    // Left by a kill in the middle of a write: the temporary files of QSaveFile and QSettings, and the lock
+    // files of QSettings, which waits for ever on one that names its own process id.
+    const QStringList leftovers{ QStringLiteral("*.json.??????"), QStringLiteral("*.conf.??????"),
+                                 QStringLiteral("*.conf.lock"), QStringLiteral("*.lock.rmlock") };
+    const QDir folder(m_path);
+    const QStringList files = folder.entryList(leftovers, QDir::Files | QDir::Hidden);
+    for (const QString &file : files)
+        QFile::remove(folder.filePath(file));
+}

@@ -1,0 +1,163 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "thingstore.h"
+
+#include "hostlogging.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+namespace {
+
+QString key(const QUuid &id)
+{
+    return id.toString(QUuid::WithoutBraces);
+}
+
+QJsonObject toJson(const Thing *thing)
+{
+    QJsonObject params;
+    const ParamList paramList = thing->params();
+    for (const Param &param : paramList)
+        params.insert(key(param.paramTypeId()), QJsonValue::fromVariant(param.value()));
+
+    QJsonObject states;
+    const StateTypes stateTypes = thing->thingClass().stateTypes;
+    for (const StateType &type : stateTypes) {
+        if (type.cached)
+            states.insert(key(type.id), QJsonValue::fromVariant(thing->stateValue(type.id)));
+    }
+
+    return {
+        {QStringLiteral("id"),        key(thing->id())                                               },
+        { QStringLiteral("class"),    key(thing->thingClassId())                                     },
+        { QStringLiteral("name"),     thing->name()                                                  },
+        { QStringLiteral("parentId"), thing->parentId().isNull() ? QString() : key(thing->parentId())},
+        { QStringLiteral("params"),   params                                                         },
+        { QStringLiteral("states"),   states                                                         }
+    };
+}
+
+/*! A thing as \a json describes it; a value that is missing or no longer fits leaves the default. */
+Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *owner)
+{
+    auto *thing = new Thing(thingClass, ThingId(json.value(QLatin1String("id")).toString()), owner);
+    thing->setName(json.value(QLatin1String("name")).toString(thing->name()));
+    thing->setParentId(ThingId(json.value(QLatin1String("parentId")).toString()));
+
+    const QJsonObject params = json.value(QLatin1String("params")).toObject();
+    for (const ParamType &type : thingClass.paramTypes) {
+        if (params.contains(key(type.id)))
+            thing->setParamValue(type.id, params.value(key(type.id)).toVariant());
+    }
+    const QJsonObject states = json.value(QLatin1String("states")).toObject();
+    for (const StateType &type : thingClass.stateTypes) {
+        if (type.cached && states.contains(key(type.id)))
+            thing->setStateValue(type.id, states.value(key(type.id)).toVariant());
+    }
+    return thing;
+}
+
+/*! \a things, each after its parent. Where parents form a circle, one of them loses its parent. */
+Things parentsFirst(Things things)
+{
+    Things sorted;
+    while (!things.isEmpty()) {
+        const auto isFree = [&things](const Thing *thing) { return !things.findById(thing->parentId()); };
+        auto next = std::find_if(things.begin(), things.end(), isFree);
+        if (next == things.end()) {
+            next = things.begin();
+            qCWarning(dcHost) << *next << "is stored as its own ancestor and loses its parent";
+            (*next)->setParentId(ThingId());
+        }
+        sorted.append(*next);
+        things.erase(next);
+    }
+    return sorted;
+}
+
+/*! What keeps \a entry from being a stored thing; empty when nothing does. */
+QString entryError(const QJsonValue &entry, const Things &earlier)
+{
+    const ThingId id(entry.toObject().value(QLatin1String("id")).toString());
+    if (id.isNull())
+        return QStringLiteral("a thing has no id");
+    if (earlier.findById(id))
+        return QStringLiteral("two things have the id %1").arg(id.toString());
+    return QString();
+}
+
+} // namespace
+
+ThingStore::ThingStore(const QString &folder)
+    : m_fileName(QDir(folder).filePath(QStringLiteral("things.json")))
+{
+}
+
+QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *things)
+{
+    QFile file(m_fileName);
+    if (!file.exists())
+        return QString();
+    const auto failure = [this](const QString &reason) {
+        return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, reason);
+    };
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(file.errorString());
+    const QByteArray content = file.readAll();
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(content, &parseError);
+    if (parseError.error != QJsonParseError::NoError)
+        return failure(parseError.errorString());
+    if (!document.object().value(QLatin1String("things")).isArray())
+        return failure(QStringLiteral("there is no list of things"));
+
+    Things stored;
+    const QJsonArray entries = document.object().value(QLatin1String("things")).toArray();
+    for (const QJsonValue entry : entries) {
+        const QString error = entryError(entry, stored);
+        if (!error.isEmpty()) {
+            qDeleteAll(stored);
+            return failure(error);
+        }
+        const QJsonObject object = entry.toObject();
+        const ThingClass thingClass =
+            classes.findById(ThingClassId(object.value(QLatin1String("class")).toString()));
+        if (!thingClass.id.isNull()) {
+            stored.append(fromJson(object, thingClass, owner));
+            continue;
+        }
+        qCWarning(dcHost).noquote() << "The plugin has no class for the stored thing"
+                                    << object.value(QLatin1String("name")).toString()
+                                    << "- it stays stored and is not set up.";
+        m_strangers.append(object);
+    }
+    m_content = content;
+    things->append(parentsFirst(stored));
+    return QString();
+}
+
+QString ThingStore::write(const Things &things)
+{
+    QJsonArray entries;
+    for (const Thing *thing : things)
+        entries.append(toJson(thing));
+    for (const QJsonValue stranger : qAsConst(m_strangers))
+        entries.append(stranger);
+    const QByteArray content = QJsonDocument(QJsonObject{
+                                                 {QStringLiteral("things"), entries}
+    })
+                                   .toJson();
+    if (content == m_content)
+        return QString();
+
+    QSaveFile file(m_fileName);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
+        return QStringLiteral("Cannot store the things in %1: %2.").arg(m_fileName, file.errorString());
+    m_content = content;
+    return QString();
+}
