@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef LOGRECORDER_H
+#define LOGRECORDER_H
+
+#include <QStringList>
+
+/*! Keeps what is logged in one category, for as long as it lives; other messages go their usual way.
+    One recorder at a time. */
+class LogRecorder {
+public:
+    explicit LogRecorder(const char *category = "Vela");
+    ~LogRecorder();
+    Q_DISABLE_COPY(LogRecorder)
+
+    /*! All lines since the last clear(), each as "debug: TEXT" or "warning: TEXT". */
+    QStringList lines() const;
+    /*! The warnings alone, without "warning: ". */
+    QStringList warnings() const;
+    /*! How many lines begin with \a start. */
+    int count(const QString &start) const;
+    void clear();
+
+private:
+    static void record(QtMsgType type, const QMessageLogContext &context, const QString &message);
+
+    static LogRecorder *s_recorder;
+    const char *m_category;
+    QtMessageHandler m_previous;
+    QStringList m_lines;
+};
+
+#endif // LOGRECORDER_H

@@ -1,0 +1,224 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "scriptedbackend.h"
+
+#include <QJsonDocument>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+namespace {
+
+QByteArray response(int status, const QByteArray &body)
+{
+    return "HTTP/1.1 " + QByteArray::number(status).rightJustified(3, '0')
+        + " Scripted\r\nContent-Type: application/json\r\nContent-Length: " + QByteArray::number(body.size())
+        + "\r\n\r\n" + body;
+}
+
+ScriptedBackend::Operation operationOf(const QByteArray &target)
+{
+    if (target.startsWith("/is_online"))
+        return ScriptedBackend::Online;
+    if (target.startsWith("/vela/get_group_info/"))
+        return ScriptedBackend::GroupInfo;
+    if (target.startsWith("/vela/get_values/"))
+        return ScriptedBackend::Values;
+    return target.startsWith("/vela/set_limits/") ? ScriptedBackend::Limits : ScriptedBackend::Unknown;
+}
+
+/*! Takes the first whole request out of \a buffer; false while there is none. */
+bool takeRequest(QByteArray &buffer, ScriptedBackend::Request &request)
+{
+    const int headerEnd = buffer.indexOf("\r\n\r\n");
+    if (headerEnd < 0)
+        return false;
+    QList<QByteArray> lines = buffer.left(headerEnd).split('\n');
+    request.target = lines.takeFirst().split(' ').value(1);
+    request.operation = operationOf(request.target);
+    for (const QByteArray &line : qAsConst(lines)) {
+        const int colon = line.indexOf(':');
+        request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
+    }
+    const int length = request.headers.value("content-length").toInt();
+    if (buffer.size() < headerEnd + 4 + length)
+        return false;
+    request.body = buffer.mid(headerEnd + 4, length);
+    buffer.remove(0, headerEnd + 4 + length);
+    return true;
+}
+
+} // namespace
+
+QJsonObject ScriptedBackend::Request::json() const
+{
+    return QJsonDocument::fromJson(body).object();
+}
+
+ScriptedBackend::ScriptedBackend()
+{
+    connect(&m_server, &QTcpServer::newConnection, this, [this] {
+        while (QTcpSocket *socket = m_server.nextPendingConnection())
+            accept(socket, ++m_connections);
+    });
+    if (!m_server.listen(QHostAddress::LocalHost))
+        qFatal("The scripted backend cannot listen: %s", qPrintable(m_server.errorString()));
+}
+
+QString ScriptedBackend::url() const
+{
+    return QString("http://127.0.0.1:%1").arg(m_server.serverPort());
+}
+
+void ScriptedBackend::shutDown()
+{
+    const quint16 port = m_server.serverPort();
+    m_server.close();
+    // Bound, yet not listening: nobody else gets the port meanwhile.
+    m_reservation.bind(QHostAddress::LocalHost, port, QAbstractSocket::ReuseAddressHint);
+    const auto sockets = m_server.findChildren<QTcpSocket *>();
+    for (QTcpSocket *socket : sockets)
+        socket->abort();
+}
+
+void ScriptedBackend::setWallbox(const QString &infraId, int maxChargingCurrent)
+{
+    wallboxes.insert(infraId,
+                     QJsonObject{
+                         {"max_charging_current", maxChargingCurrent}
+    });
+}
+
+void ScriptedBackend::setStatus(const QString &infraId, const QString &status)
+{
+    values.insert(infraId,
+                  QJsonObject{
+                      {"status", status}
+    });
+}
+
+void ScriptedBackend::answer(Operation operation, int status, const QByteArray &body)
+{
+    m_scripts.insert(operation, { Script::Respond, status, body });
+}
+
+void ScriptedBackend::answerRaw(Operation operation, const QByteArray &bytes)
+{
+    m_scripts.insert(operation, { Script::Raw, 0, bytes });
+}
+
+void ScriptedBackend::hold(Operation operation)
+{
+    m_scripts.insert(operation, { Script::Hold, 0, {} });
+}
+
+void ScriptedBackend::answerNormally(Operation operation)
+{
+    m_scripts.remove(operation);
+}
+
+bool ScriptedBackend::release(Operation operation, const QByteArray &body)
+{
+    QList<QPointer<QTcpSocket>> &held = m_held[operation];
+    const QPointer<QTcpSocket> socket = held.isEmpty() ? nullptr : held.takeFirst();
+    return socket && socket->write(response(200, body)) > 0;
+}
+
+bool ScriptedBackend::release(Operation operation)
+{
+    return release(operation, defaultBody(operation));
+}
+
+QList<ScriptedBackend::Request> ScriptedBackend::requests() const
+{
+    return m_requests;
+}
+
+QList<ScriptedBackend::Request> ScriptedBackend::requests(Operation operation) const
+{
+    QList<Request> result;
+    std::copy_if(m_requests.cbegin(), m_requests.cend(), std::back_inserter(result),
+                 [operation](const Request &request) { return request.operation == operation; });
+    return result;
+}
+
+QList<QJsonObject> ScriptedBackend::limits() const
+{
+    QList<QJsonObject> result;
+    const QList<Request> received = requests(Limits);
+    for (const Request &request : received)
+        result.append(request.json().value("limits").toObject());
+    return result;
+}
+
+QList<double> ScriptedBackend::limits(const QString &infraId) const
+{
+    QList<double> result;
+    const QList<QJsonObject> received = limits();
+    for (const QJsonObject &limits : received) {
+        if (limits.contains(infraId))
+            result.append(limits.value(infraId).toObject().value("value").toDouble(-1));
+    }
+    return result;
+}
+
+void ScriptedBackend::forgetRequests()
+{
+    m_requests.clear();
+}
+
+int ScriptedBackend::openConnections() const
+{
+    return m_server.findChildren<QTcpSocket *>().size();
+}
+
+void ScriptedBackend::accept(QTcpSocket *socket, int number)
+{
+    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket, number, buffer = QByteArray()]() mutable {
+        buffer += socket->readAll();
+        // Qt writes a POST's header and body apart and waits for the first to be acknowledged.
+        const int yes = 1;
+        setsockopt(int(socket->socketDescriptor()), IPPROTO_TCP, TCP_QUICKACK, &yes, sizeof yes);
+        Request request;
+        request.connection = number;
+        while (takeRequest(buffer, request))
+            serve(socket, request);
+    });
+}
+
+void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
+{
+    m_requests.append(request);
+    const Script script = m_scripts.value(request.operation);
+    switch (script.kind) {
+    case Script::Normal:
+        socket->write(response(200, defaultBody(request.operation)));
+        break;
+    case Script::Respond:
+        socket->write(response(script.status, script.bytes));
+        break;
+    case Script::Raw:
+        socket->write(script.bytes);
+        socket->disconnectFromHost();
+        break;
+    case Script::Hold:
+        m_held[request.operation].append(socket);
+        break;
+    }
+}
+
+QByteArray ScriptedBackend::defaultBody(Operation operation) const
+{
+    QJsonObject body;
+    if (operation == GroupInfo)
+        body.insert("evse_ids", wallboxes);
+    if (operation == Values)
+        body = {
+            {"success", true  },
+            { "values", values}
+        };
+    return QJsonDocument(body).toJson();
+}

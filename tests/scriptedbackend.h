@@ -1,0 +1,87 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef SCRIPTEDBACKEND_H
+#define SCRIPTEDBACKEND_H
+
+#include <QHash>
+#include <QJsonObject>
+#include <QPointer>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+/*! An OCPP backend that answers as the test says and remembers every request.
+
+    Without a script it accepts everything: it is online, answers with the wallboxes and values below and
+    takes all limits. Connections are kept alive. It lives in the test's thread, on a free port. */
+class ScriptedBackend : public QObject {
+    Q_OBJECT
+public:
+    enum Operation { Online, GroupInfo, Values, Limits, Unknown };
+
+    struct Request {
+        Operation operation = Unknown;
+        QByteArray target;                     //!< as on the request line, percent-encoded
+        QHash<QByteArray, QByteArray> headers; //!< names in lower case
+        QByteArray body;
+        int connection = 0; //!< counts from 1 in the order of connecting
+
+        QJsonObject json() const;
+    };
+
+    ScriptedBackend();
+
+    /*! As a user enters it: "http://127.0.0.1:PORT". */
+    QString url() const;
+    /*! Refuses connections from now on, and ends those there are. */
+    void shutDown();
+
+    /*! What the default answers are made of: both by infrastructure id. */
+    QJsonObject wallboxes; //!< the group; max_charging_current
+    QJsonObject values;    //!< live-value records, sent whole, whatever ids were asked for
+    void setWallbox(const QString &infraId, int maxChargingCurrent);
+    void setStatus(const QString &infraId, const QString &status);
+
+    /*! Answers \a operation in this way until told otherwise. */
+    void answer(Operation operation, int status, const QByteArray &body = "{}");
+    /*! Sends \a bytes in place of a response, and closes the connection. */
+    void answerRaw(Operation operation, const QByteArray &bytes);
+    /*! Leaves requests without an answer; release() answers the one that has waited longest. */
+    void hold(Operation operation);
+    void answerNormally(Operation operation);
+
+    /*! Answers the oldest held request of \a operation with \a body. False when none is held, or when its
+        connection has ended. */
+    bool release(Operation operation, const QByteArray &body);
+    /*! The same, with the default answer. */
+    bool release(Operation operation);
+
+    QList<Request> requests() const;
+    QList<Request> requests(Operation operation) const;
+    /*! "limits" of each set-limits request, in order. */
+    QList<QJsonObject> limits() const;
+    /*! The ampere values that \a infraId was limited to, one for each request that names it. */
+    QList<double> limits(const QString &infraId) const;
+    void forgetRequests();
+    int openConnections() const;
+
+private:
+    struct Script {
+        enum { Normal, Respond, Raw, Hold } kind = Normal;
+        int status = 200;
+        QByteArray bytes;
+    };
+
+    void accept(QTcpSocket *socket, int number);
+    void serve(QTcpSocket *socket, const Request &request);
+    QByteArray defaultBody(Operation operation) const;
+
+    QTcpServer m_server;
+    QTcpSocket m_reservation;
+    int m_connections = 0;
+    QHash<Operation, Script> m_scripts;
+    QHash<Operation, QList<QPointer<QTcpSocket>>> m_held; // children of the server
+    QList<Request> m_requests;
+};
+
+#endif // SCRIPTEDBACKEND_H

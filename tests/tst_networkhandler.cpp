@@ -1,0 +1,387 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "logrecorder.h"
+#include "networkhandler.h"
+#include "scriptedbackend.h"
+
+#include <QJsonDocument>
+#include <QMetaMethod>
+#include <QNetworkReply>
+#include <QtTest>
+
+using Backend = ScriptedBackend;
+
+Q_DECLARE_METATYPE(Backend::Operation)
+
+namespace {
+
+QString compact(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+/*! A handler aimed at a backend of its own; what it emits is noted as "SIGNAL ARGUMENT". */
+class Client {
+public:
+    Client()
+    {
+        NetworkHandler *h = handler.data();
+        const auto note = [this](const QString &text) { signalled.append(text); };
+        QObject::connect(h, &NetworkHandler::daemonReachable, h,
+                         [note](bool on) { note(QString("reachable %1").arg(on)); });
+        QObject::connect(h, &NetworkHandler::infraInfoReceived, h,
+                         [note](const QJsonObject &ids) { note("infra " + compact(ids)); });
+        QObject::connect(h, &NetworkHandler::valuesReceived, h,
+                         [note](const QJsonObject &values) { note("values " + compact(values)); });
+        QObject::connect(h, &NetworkHandler::evseIsOnline, h,
+                         [note](const QString &id) { note("evse " + id); });
+        QObject::connect(h, &NetworkHandler::ocppDaemonStatus, h,
+                         [note](bool on) { note(QString("daemon %1").arg(on)); });
+        h->setServerInfo(backend.url(), "yard", "s3cret");
+        log.clear();
+    }
+
+    void call(Backend::Operation operation)
+    {
+        QJsonObject limits{
+            {"a", QJsonObject{ { "value", 16 }, { "unit", "A" } }}
+        };
+        if (operation == Backend::Online)
+            handler->isOnline();
+        else if (operation == Backend::GroupInfo)
+            handler->getConnectedInfra();
+        else if (operation == Backend::Values)
+            handler->getEvseValues({ "a", "b" });
+        else
+            handler->setProfileChargePowerLimit(limits);
+    }
+
+    LogRecorder log;
+    ScriptedBackend backend;
+    QScopedPointer<NetworkHandler> handler{ new NetworkHandler };
+    QStringList signalled;
+};
+
+} // namespace
+
+class TestNetworkHandler : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void request_data();
+    void request();
+    void success_data();
+    void success();
+    void failure_data();
+    void failure();
+    void url_data();
+    void url();
+    void secretReplacesTheCallers();
+    void secretIsNotLogged();
+    void retargetingLeavesRequestsUnderWay();
+    void deletionEndsRequests();
+    void callbackRunsOnceBeforeTheReplyGoes_data();
+    void callbackRunsOnceBeforeTheReplyGoes();
+    void interface();
+};
+
+void TestNetworkHandler::request_data()
+{
+    QTest::addColumn<Backend::Operation>("operation");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("body");
+    QTest::newRow("online") << Backend::Online << "Check if the OCPP daemon is running."
+                            << "/is_online"
+                            << R"({"secret":"s3cret"})";
+    QTest::newRow("group info") << Backend::GroupInfo << "Get info about connected WBs."
+                                << "/vela/get_group_info/yard"
+                                << R"({"secret":"s3cret"})";
+    QTest::newRow("values") << Backend::Values << "Get info EVSE values."
+                            << "/vela/get_values/yard"
+                            << R"({"evse_ids":["a","b"],"secret":"s3cret"})";
+    QTest::newRow("limits") << Backend::Limits << "Setting profile charge power limit."
+                            << "/vela/set_limits/yard"
+                            << R"({"limits":{"a":{"unit":"A","value":16}},"secret":"s3cret"})";
+}
+
+void TestNetworkHandler::request()
+{
+    QFETCH(Backend::Operation, operation);
+    QFETCH(QString, line);
+    QFETCH(QString, target);
+    Client client;
+    client.call(operation);
+    QCOMPARE(client.log.lines(),
+             (QStringList{ "debug: " + line, QString("debug: Send Post Request \"%1\"").arg(target) }));
+    QTRY_COMPARE(client.backend.requests().size(), 1);
+    const Backend::Request request = client.backend.requests().first();
+    QCOMPARE(QString(request.target), target);
+    QTEST(compact(request.json()), "body");
+    QCOMPARE(request.body, QJsonDocument(request.json()).toJson()); // indented
+    QCOMPARE(request.headers.value("content-type"), QByteArray("application/json"));
+    QCOMPARE(request.headers.value("authorization"), QByteArray("3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f"));
+}
+
+void TestNetworkHandler::success_data()
+{
+    QTest::addColumn<Backend::Operation>("operation");
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<QString>("lines"); // what follows the request's two
+    QTest::addColumn<QString>("signalled");
+    const QString online = "debug: isOnline() - OCPP Daemon is online.";
+    QTest::newRow("online, whatever the body") << Backend::Online << "no json" << online << "reachable 1";
+    QTest::newRow("online, no body") << Backend::Online << "" << online << "reachable 1";
+    const QString infra = "debug: getConnectedInfra() - Received information about connected infrastructure.";
+    QTest::newRow("group of one") << Backend::GroupInfo << R"({"evse_ids":{"a":{"max_charging_current":16}}})"
+                                  << infra << R"(infra {"a":{"max_charging_current":16}})";
+    QTest::newRow("group without a list") << Backend::GroupInfo << "{}" << infra << "infra {}";
+    QTest::newRow("list as an array") << Backend::GroupInfo << R"({"evse_ids":["a"]})" << infra << "infra {}";
+    QTest::newRow("broken JSON") << Backend::GroupInfo << R"({"evse_ids":{)" << infra << "infra {}";
+    QTest::newRow("values") << Backend::Values << R"({"success":true,"values":{"a":{}}})"
+                            << "debug: QJsonObject({\"success\":true,\"values\":{\"a\":{}}})\n"
+                               "debug: values QJsonObject({\"a\":{}})"
+                            << R"(values {"a":{}})";
+    QTest::newRow("values without success") << Backend::Values << R"({"values":{"a":{}}})"
+                                            << R"(debug: QJsonObject({"values":{"a":{}}}))"
+                                            << R"(values {"a":{}})";
+    QTest::newRow("success as a text") << Backend::Values << R"({"success":"true"})"
+                                       << R"(debug: QJsonObject({"success":"true"}))"
+                                       << "values {}";
+    QTest::newRow("an array at the top") << Backend::Values << "[1]"
+                                         << "debug: QJsonObject()"
+                                         << "values {}";
+    QTest::newRow("limits, whatever the body")
+        << Backend::Limits << R"({"success":false})"
+        << "debug: setProfileChargePowerLimit() - Setting profile power limit succesfull."
+        << "";
+}
+
+void TestNetworkHandler::success()
+{
+    QFETCH(Backend::Operation, operation);
+    QFETCH(QString, body);
+    QFETCH(QString, lines);
+    Client client;
+    client.backend.answer(operation, 200, body.toUtf8());
+    client.call(operation);
+    QTRY_COMPARE(client.log.lines().mid(2), lines.split('\n'));
+    QTEST(client.signalled.join("; "), "signalled");
+}
+
+void TestNetworkHandler::failure_data()
+{
+    QTest::addColumn<Backend::Operation>("operation");
+    QTest::addColumn<int>("status"); // as sent, or -1: refuses the connection, -2: closes it unanswered
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QString>("after"); // the line that follows the warning
+    QTest::addColumn<QString>("signalled");
+    const QString online = "isOnline() - OCPP Daemon is not online.";
+    const QString infra = "getConnectedInfra() - Could not get info about connected devices.";
+    const QString values = "getEvseValues() - Could not get info about EVSE values.";
+    const QString limits = "setProfileChargePowerLimit() - Could not set profile power limit.";
+    for (const int status : { 404, 418, 500, -1, -2, 0 })
+        QTest::addRow("online %d", status) << Backend::Online << status << online << ""
+                                           << "reachable 0";
+    for (const int status : { 400, 401, 403, 404, 500, 503, -1, -2, 0 })
+        QTest::addRow("group info %d", status) << Backend::GroupInfo << status << infra << ""
+                                               << "daemon 0";
+    QTest::newRow("group info 418") << Backend::GroupInfo << 418 << infra
+                                    << "warning: getConnectedInfra() - received status code 418"
+                                    << "";
+    for (const auto &[operation, what] : {
+             std::pair{Backend::Values,  values},
+             { Backend::Limits, limits}
+    }) {
+        const char *name = operation == Backend::Values ? "values" : "limits";
+        // Without a response there is no status, which is not the same as a status of 0.
+        for (const int status : { 401, 404, 418, 500, -1, -2 })
+            QTest::addRow("%s %d", name, status) << operation << status << what << ""
+                                                 << "";
+        QTest::addRow("%s 400", name)
+            << operation << 400 << what << "debug: isEvseOnline() - WB likely not connected anymore."
+            << "";
+        QTest::addRow("%s 0", name) << operation << 0 << what
+                                    << "debug: isEvseOnline() - OCPP likely not running."
+                                    << "daemon 0";
+    }
+}
+
+void TestNetworkHandler::failure()
+{
+    QFETCH(Backend::Operation, operation);
+    QFETCH(int, status);
+    QFETCH(QString, what);
+    QFETCH(QString, after);
+    Client client;
+    client.backend.answer(operation, status);
+    if (status == -1)
+        client.backend.shutDown();
+    else if (status == -2)
+        client.backend.answerRaw(operation, "");
+    else if (status == 0) // as a broken proxy may send it; cut off, so that it counts as failed
+        client.backend.answerRaw(operation, "HTTP/1.1 000 Nothing\r\nContent-Length: 10\r\n\r\n{");
+    client.call(operation);
+    QTRY_COMPARE(client.log.lines().size(), after.isEmpty() ? 3 : 4);
+    const QRegularExpression layout(
+        QString("^warning: %1\n Error:  QNetworkReply::\\w+ \n Error code:  %2 \n "
+                "Error reply:  \".+\"$")
+            .arg(QRegularExpression::escape(what))
+            .arg(qMax(status, 0)));
+    QVERIFY2(layout.match(client.log.lines().at(2)).hasMatch(), qPrintable(client.log.lines().at(2)));
+    QCOMPARE(client.log.lines().value(3), after);
+    QTEST(client.signalled.join("; "), "signalled");
+}
+
+void TestNetworkHandler::url_data()
+{
+    QTest::addColumn<QString>("suffix"); // of the backend's URL
+    QTest::addColumn<QString>("groupId");
+    QTest::addColumn<QString>("target");
+    QTest::newRow("trailing slash") << "/"
+                                    << "yard"
+                                    << "/vela/get_values/yard";
+    QTest::newRow("path is replaced") << "/api/v1"
+                                      << "yard"
+                                      << "/vela/get_values/yard";
+    QTest::newRow("query stays") << "/api?tenant=7"
+                                 << "yard"
+                                 << "/vela/get_values/yard?tenant=7";
+    QTest::newRow("no group id") << ""
+                                 << ""
+                                 << "/vela/get_values/";
+    QTest::newRow("space") << ""
+                           << "my yard"
+                           << "/vela/get_values/my%20yard";
+    QTest::newRow("percent sign is literal") << ""
+                                             << "50%20"
+                                             << "/vela/get_values/50%2520";
+    QTest::newRow("question mark is no query") << ""
+                                               << "a?b#c"
+                                               << "/vela/get_values/a%3Fb%23c";
+    QTest::newRow("umlaut") << ""
+                            << "höfe"
+                            << "/vela/get_values/h%C3%B6fe";
+}
+
+/*! With an empty secret and no ids, both of which are sent nevertheless. */
+void TestNetworkHandler::url()
+{
+    QFETCH(QString, suffix);
+    QFETCH(QString, groupId);
+    Client client;
+    client.handler->setServerInfo(client.backend.url() + suffix, groupId, QString());
+    client.handler->getEvseValues({});
+    QTRY_COMPARE(client.backend.requests().size(), 1);
+    QTEST(QString(client.backend.requests().first().target), "target");
+    QCOMPARE(compact(client.backend.requests().first().json()), R"({"evse_ids":[],"secret":""})");
+}
+
+void TestNetworkHandler::secretReplacesTheCallers()
+{
+    Client client;
+    QJsonObject body{
+        {"secret", "caller's"},
+        { "other", 1         }
+    };
+    client.handler->sendRequestPost("/is_online", body, [](QNetworkReply *) {});
+    QCOMPARE(compact(body), R"({"other":1,"secret":"s3cret"})"); // changed in place
+    QTRY_COMPARE(client.backend.requests().size(), 1);
+    QCOMPARE(client.backend.requests().first().json(), body);
+}
+
+void TestNetworkHandler::secretIsNotLogged()
+{
+    Client client;
+    client.handler->setServerInfo(client.backend.url(), "yard", "s3cret");
+    QCOMPARE(client.log.lines(), QStringList("debug: Full URL is QUrl(\"" + client.backend.url() + "\")"));
+    for (const auto operation : { Backend::Online, Backend::GroupInfo, Backend::Values, Backend::Limits }) {
+        client.backend.answer(operation, 500);
+        client.call(operation);
+    }
+    QTRY_COMPARE(client.log.warnings().size(), 4);
+    QCOMPARE(client.log.lines().filter(QRegularExpression("s3cret|3f6c1d2e")), QStringList());
+}
+
+/*! The first request keeps its target, even when that is changed before it has left; its answer comes
+    second, and is taken second. */
+void TestNetworkHandler::retargetingLeavesRequestsUnderWay()
+{
+    Client client;
+    ScriptedBackend other;
+    client.backend.hold(Backend::GroupInfo);
+    client.handler->getConnectedInfra();
+    client.handler->setServerInfo(other.url(), "depot", "0ther");
+    client.handler->getConnectedInfra();
+    QTRY_COMPARE(client.signalled, QStringList("infra {}"));
+    QTRY_COMPARE(client.backend.requests().size(), 1);
+    QVERIFY(client.backend.release(Backend::GroupInfo, R"({"evse_ids":{"a":{}}})"));
+    QTRY_COMPARE(client.signalled, (QStringList{ "infra {}", R"(infra {"a":{}})" }));
+
+    QCOMPARE(client.backend.requests().first().target, QByteArray("/vela/get_group_info/yard"));
+    QCOMPARE(compact(client.backend.requests().first().json()), R"({"secret":"s3cret"})");
+    QCOMPARE(other.requests().size(), 1);
+    QCOMPARE(other.requests().first().target, QByteArray("/vela/get_group_info/depot"));
+    QCOMPARE(compact(other.requests().first().json()), R"({"secret":"0ther"})");
+}
+
+void TestNetworkHandler::deletionEndsRequests()
+{
+    Client client;
+    for (const auto operation : { Backend::Online, Backend::GroupInfo }) {
+        client.backend.hold(operation);
+        client.call(operation);
+    }
+    int callbacks = 0;
+    QJsonObject body;
+    client.handler->sendRequestPost("/is_online", body, [&callbacks](QNetworkReply *) { ++callbacks; });
+    QTRY_COMPARE(client.backend.requests().size(), 3);
+    client.handler.reset();
+    client.log.clear();
+    QTRY_COMPARE(client.backend.openConnections(), 0);
+    QCOMPARE(callbacks, 0);
+    QCOMPARE(client.signalled + client.log.lines(), QStringList());
+}
+
+void TestNetworkHandler::callbackRunsOnceBeforeTheReplyGoes_data()
+{
+    QTest::addColumn<bool>("reachable");
+    QTest::newRow("answered") << true;
+    QTest::newRow("refused") << false;
+}
+
+void TestNetworkHandler::callbackRunsOnceBeforeTheReplyGoes()
+{
+    QFETCH(bool, reachable);
+    Client client;
+    client.backend.answer(Backend::Online, 200, "whole body");
+    if (!reachable)
+        client.backend.shutDown();
+    QPointer<QNetworkReply> kept;
+    QStringList bodies;
+    QJsonObject empty;
+    client.handler->sendRequestPost("/is_online", empty, [&kept, &bodies](QNetworkReply *reply) {
+        kept = reply;
+        bodies.append(reply->readAll());
+    });
+    QTRY_COMPARE(bodies.size(), 1);
+    QTRY_VERIFY(!kept); // nothing can finish any more
+    QCOMPARE(bodies, QStringList(reachable ? "whole body" : ""));
+}
+
+void TestNetworkHandler::interface()
+{
+    const QMetaObject &meta = NetworkHandler::staticMetaObject;
+    QStringList methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        methods.append(meta.method(i).methodSignature() + ' ' + meta.method(i).parameterNames().join(','));
+    QCOMPARE(methods,
+             (QStringList{ "daemonReachable(bool) state", "infraInfoReceived(QJsonObject) evseIds",
+                           "valuesReceived(QJsonObject) receivedValues",
+                           "evseIsOnline(QString,bool) device,state", "ocppDaemonStatus(bool) state",
+                           "getConnectedInfra() ", "isOnline() ", "getEvseValues(QJsonArray) devices",
+                           "setProfileChargePowerLimit(QJsonObject&) data" }));
+}
+
+QTEST_GUILESS_MAIN(TestNetworkHandler)
+#include "tst_networkhandler.moc"
