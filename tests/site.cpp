@@ -1,0 +1,253 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "site.h"
+
+#include <hardwaremanager.h>
+#include <plugintimer.h>
+
+#include <QMetaEnum>
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <chrono>
+#include <sys/time.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+std::int64_t currentSecond = 1714564800; // 2024-05-01 12:00 UTC
+
+QString name(Thing::ThingError error)
+{
+    return QString(QMetaEnum::fromType<Thing::ThingError>().valueToKey(error)).remove("ThingError");
+}
+
+} // namespace
+
+// What Qt asks for the current second; the program's own comes before the C library's.
+extern "C" int gettimeofday(timeval *time, void *) noexcept
+{
+    *time = { currentSecond, 0 };
+    return 0;
+}
+
+// The plugin leaves its client to the end of the process, which a test's daemon does not wait for.
+extern "C" const char *__lsan_default_suppressions();
+extern "C" const char *__lsan_default_suppressions()
+{
+    return "leak:IntegrationPluginVela::discoverThings\nleak:IntegrationPluginVela::setupGateway\n";
+}
+
+Site::Site()
+{
+    backend.setWallbox("EVSE-01", 16);
+    start();
+}
+
+Site::~Site()
+{
+    const Things things = gateways();
+    for (Thing *thing : things)
+        daemon->remove(thing);
+}
+
+void Site::start()
+{
+    daemon = std::make_unique<Daemon>(Daemon::Options{ VELA_PLUGIN_FILE, m_storage.path(), 0ms });
+    daemon->hardwareManager()->pluginTimerManager()->setTickInterval(24h);
+    const QString error = daemon->load();
+    if (!error.isEmpty())
+        qFatal("%s", qPrintable(error));
+}
+
+void Site::restart()
+{
+    daemon.reset();
+    start();
+}
+
+QString Site::addGateway()
+{
+    const Job discovery = discover();
+    if (result(discovery) != "NoError")
+        return "discovery: " + discovery->text;
+    ThingDescriptor offer = discovery->offers.first();
+    offer.setThingId(ThingId());
+    const Job setup = add(offer);
+    if (result(setup) != "NoError")
+        return "set-up: " + setup->text;
+    const bool complete = QTest::qWaitFor([this] { return infraIds() == backend.wallboxes.keys(); });
+    return complete ? QString() : "wallboxes: " + infraIds().join(' ');
+}
+
+QString Site::result(const Job &job)
+{
+    const bool finished = QTest::qWaitFor([&job] { return job->text != "pending"; });
+    return finished ? job->text : "still pending";
+}
+
+Job Site::watch(ThingJob *job)
+{
+    auto outcome = std::make_shared<Outcome>();
+    QObject::connect(job, &ThingJob::finished, job, [job, outcome] {
+        outcome->text = name(job->status());
+        if (!job->displayMessage().isEmpty())
+            outcome->text += ": " + job->displayMessage();
+        if (const auto *discovery = qobject_cast<ThingDiscoveryInfo *>(job))
+            outcome->offers = discovery->thingDescriptors();
+    });
+    return outcome;
+}
+
+Job Site::discover(const QString &url, const QString &groupId, const QString &groupSecret)
+{
+    const ThingClass gateway = daemon->thingClasses().findByName("vela");
+    ParamList params;
+    for (const auto &[name, value] : {
+             std::pair{"backendUrl",   url        },
+             std::pair{ "groupId",     groupId    },
+             std::pair{ "groupSecret", groupSecret}
+    }) {
+        if (!value.isNull())
+            params.append(Param(gateway.discoveryParamTypes.findByName(name).id, value));
+    }
+    return watch(daemon->discover(gateway.id, params));
+}
+
+Job Site::set(const QString &infraId, const QString &state, const QVariant &value)
+{
+    return watch(daemon->execute(wallbox(infraId), state, value));
+}
+
+Things Site::gateways() const
+{
+    return daemon->configuredThings().filterByParentId(ThingId());
+}
+
+Things Site::wallboxes() const
+{
+    Things result = daemon->configuredThings();
+    result.erase(std::remove_if(result.begin(), result.end(),
+                                [](const Thing *thing) { return thing->thingClass().name == "vela"; }),
+                 result.end());
+    return result;
+}
+
+Thing *Site::wallbox(const QString &infraId) const
+{
+    const Things things = wallboxes();
+    const auto it = std::find_if(things.cbegin(), things.cend(), [&infraId](const Thing *thing) {
+        return thing->paramValue("infraID") == infraId;
+    });
+    return it == things.cend() ? nullptr : *it;
+}
+
+QStringList Site::infraIds() const
+{
+    QStringList result;
+    const Things things = wallboxes();
+    for (const Thing *thing : things)
+        result.append(thing->paramValue("infraID").toString());
+    result.sort();
+    return result;
+}
+
+QVariant Site::state(const QString &infraId, const QString &name) const
+{
+    const Thing *thing = wallbox(infraId);
+    return thing ? thing->stateValue(name) : QVariant();
+}
+
+void Site::tick()
+{
+    daemon->hardwareManager()->pluginTimerManager()->tick();
+    daemon->hardwareManager()->pluginTimerManager()->tick();
+}
+
+bool Site::poll()
+{
+    const int before = log.lines().size();
+    tick();
+    return QTest::qWaitFor([&] {
+        const QString lines = log.lines().mid(before).join('\n');
+        const bool limited = !lines.contains("debug: Sending charge limits")
+            || lines.contains("debug: setProfileChargePowerLimit() - ")
+            || lines.contains("warning: setProfileChargePowerLimit() - ");
+        return limited
+            && (lines.contains("debug: setupConnects() - valuesReceived")
+                || lines.contains("warning: getEvseValues() - "));
+    });
+}
+
+void Site::fireChargeLimitTimer()
+{
+    const QList<QTimer *> timers = chargeLimitTimers();
+    for (QTimer *timer : timers)
+        QMetaObject::invokeMethod(timer, "timeout");
+}
+
+void Site::moveClock(int seconds)
+{
+    currentSecond += seconds;
+}
+
+QList<QTimer *> Site::chargeLimitTimers() const
+{
+    return daemon->plugin()->findChildren<QTimer *>();
+}
+
+QList<PluginTimer *> Site::pluginTimers() const
+{
+    return daemon->hardwareManager()->pluginTimerManager()->findChildren<PluginTimer *>();
+}
+
+QStringList Site::story() const
+{
+    static const QRegularExpression classAndId(", class \\w+, id \\{[^}]*\\}");
+    static const QRegularExpression uuid("QUuid\\(\"[^\"]*\"\\)");
+    QStringList lines = log.lines();
+    lines.replaceInStrings(classAndId, QString());
+    lines.replaceInStrings(uuid, "ID");
+    return lines.replaceInStrings(backend.url(), "URL");
+}
+
+QStringList Site::story(const QStringList &starts) const
+{
+    QStringList lines = story();
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [&starts](const QString &line) {
+                                   return std::none_of(
+                                       starts.cbegin(), starts.cend(),
+                                       [&line](const QString &start) { return line.startsWith(start); });
+                               }),
+                lines.end());
+    return lines;
+}
+
+QStringList Site::polledIds() const
+{
+    const QList<ScriptedBackend::Request> polls = backend.requests(ScriptedBackend::Values);
+    QStringList ids;
+    if (!polls.isEmpty())
+        ids = polls.last().json().value("evse_ids").toVariant().toStringList();
+    ids.sort();
+    return ids;
+}
+
+StateWatch::StateWatch(Thing *thing)
+{
+    QHash<StateTypeId, QVariant> maxima;
+    const States states = thing->states();
+    for (const State &state : states)
+        maxima.insert(state.stateTypeId(), state.maxValue());
+    QObject::connect(thing, &Thing::stateValueChanged, &m_context,
+                     [this, thing, maxima](const StateTypeId &id, const QVariant &value, const QVariant &,
+                                           const QVariant &max) mutable {
+                         const QString name = thing->thingClass().stateTypes.findById(id).name;
+                         const bool moved = maxima.value(id) != max;
+                         maxima[id] = max;
+                         changes.append(name + (moved ? " max " + max.toString() : ' ' + value.toString()));
+                     });
+}

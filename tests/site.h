@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef SITE_H
+#define SITE_H
+
+#include "daemon.h"
+#include "logrecorder.h"
+#include "scriptedbackend.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+class PluginTimer;
+class QTimer;
+
+/*! How a job has ended. */
+struct Outcome {
+    QString text = "pending"; //!< then "NoError" or as "SetupFailed: MESSAGE"
+    ThingDescriptors offers;
+};
+using Job = std::shared_ptr<const Outcome>;
+
+/*! The built library in a daemon with storage of its own, and a backend with one wallbox, "EVSE-01".
+
+    Time stands still: plugin timers tick and the clock moves when told to. */
+class Site {
+public:
+    Site();
+    ~Site();
+    Q_DISABLE_COPY(Site)
+
+    /*! Discovers the gateway, adds it, if need be as another one, and waits until it and all wallboxes are
+        set up. Returns what has gone wrong, else an empty text. */
+    QString addGateway();
+    /*! Ends the daemon as it is, and starts another on the same storage. */
+    void restart();
+
+    Job discover(const QString &url, const QString &groupId, const QString &groupSecret);
+    Job discover() { return discover(backend.url(), "yard", "s3cret"); }
+    Job add(const ThingDescriptor &descriptor) { return watch(daemon->add(descriptor)); }
+    Job setup(Thing *thing) { return watch(daemon->setup(thing)); }
+    /*! Executes the action that sets \a state. */
+    Job set(const QString &infraId, const QString &state, const QVariant &value);
+    /*! Waits until \a job has finished, and returns its text. */
+    static QString result(const Job &job);
+    void remove(Thing *thing) { daemon->remove(thing); }
+
+    Things gateways() const;
+    Thing *gateway() const { return gateways().value(0); }
+    Things wallboxes() const;
+    /*! The wallbox of that infrastructure id, or null. */
+    Thing *wallbox(const QString &infraId) const;
+    /*! The infrastructure ids of all wallboxes, sorted. */
+    QStringList infraIds() const;
+    QVariant state(const QString &infraId, const QString &name) const;
+
+    /*! Two seconds pass for the plugin timer. */
+    void tick();
+    /*! tick(), and waits until the backend has answered what was sent. False when it has not. */
+    bool poll();
+    void fireChargeLimitTimer();
+    static void moveClock(int seconds);
+    QList<QTimer *> chargeLimitTimers() const;
+    QList<PluginTimer *> pluginTimers() const;
+
+    /*! The log since the last clear(), without ids, class numbers and the backend's URL. */
+    QStringList story() const;
+    /*! The lines of story() that begin with one of \a starts. */
+    QStringList story(const QStringList &starts) const;
+    /*! The infrastructure ids that the last values request asked for, sorted. */
+    QStringList polledIds() const;
+
+    LogRecorder log;
+    ScriptedBackend backend;
+    std::unique_ptr<Daemon> daemon;
+
+private:
+    void start();
+    static Job watch(ThingJob *job);
+
+    QTemporaryDir m_storage;
+};
+
+/*! Notes every change of \a thing's states as "NAME VALUE", and of a maximum as "NAME max VALUE". */
+class StateWatch {
+public:
+    explicit StateWatch(Thing *thing);
+    QStringList changes;
+
+private:
+    QObject m_context;
+};
+
+#endif // SITE_H

@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "livevalues.h"
+
+#include <QDateTime>
+#include <QtTest>
+
+class TestLiveValues : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void status_data();
+    void status();
+    void currents_data();
+    void currents();
+    void mistypedMembers();
+    void timestamp_data();
+    void timestamp();
+    void energyDrawn_data();
+    void energyDrawn();
+};
+
+void TestLiveValues::initTestCase()
+{
+    qputenv("TZ", "UTC-2"); // local time and UTC must not be the same
+}
+
+void TestLiveValues::status_data()
+{
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<bool>("charging");
+    for (const char *status : { "Available", "Preparing", "SuspendedEVSE", "SuspendedEV", "Finishing",
+                                "Reserved", "Unavailable", "Faulted" })
+        QTest::newRow(status) << status << false;
+    QTest::newRow("Charging") << "Charging" << true;
+    for (const char *unknown : { "", "charging", "CHARGING", "Charging ", "Occupied" })
+        QTest::newRow(unknown) << "Unavailable" << false;
+}
+
+void TestLiveValues::status()
+{
+    QFETCH(bool, charging);
+    const LiveValues values = mapLiveValues({
+        {"status",   QTest::currentDataTag()},
+        { "phase_1", 16                     },
+        { "phase_2", 16                     },
+        { "phase_3", 16                     }
+    });
+    QTEST(values.state, "state");
+    QCOMPARE(values.charging, charging);
+    // A wallbox may measure a current at any time; it counts while charging alone.
+    QCOMPARE(values.currentPower, charging ? 11040.0 : 0.0);
+    QCOMPARE(values.currentPhaseA + values.currentPhaseB + values.currentPhaseC, charging ? 48.0 : 0.0);
+    QCOMPARE(values.phaseCount, charging ? 3 : 1);
+}
+
+void TestLiveValues::currents_data()
+{
+    QTest::addColumn<QVector<double>>("sent");
+    QTest::addColumn<QVector<double>>("shown");
+    QTest::addColumn<double>("power");
+    QTest::addColumn<int>("phases");
+    using V = QVector<double>;
+    QTest::newRow("1 A is the least") << V{ 0.99, 1.0, 16 } << V{ 0, 1, 16 } << 3910.0 << 2;
+    QTest::newRow("just below on all") << V{ 0.999, 0.999, 0.999 } << V{ 0, 0, 0 } << 0.0 << 1;
+    QTest::newRow("negative") << V{ -16, -1, 6 } << V{ 0, 0, 6 } << 1380.0 << 1;
+    QTest::newRow("one phase, not the first") << V{ 0, 0, 10 } << V{ 0, 0, 10 } << 2300.0 << 1;
+    QTest::newRow("rounded up, not to the nearest") << V{ 2.0001, 0, 0 } << V{ 2.0001, 0, 0 } << 460.03 << 1;
+    QTest::newRow("double arithmetic") << V{ 6.37, 6.37, 6.37 } << V{ 6.37, 6.37, 6.37 } << 4395.3 << 3;
+}
+
+void TestLiveValues::currents()
+{
+    QFETCH(QVector<double>, sent);
+    QFETCH(double, power);
+    const LiveValues values = mapLiveValues({
+        {"status",   "Charging"},
+        { "phase_1", sent[0]   },
+        { "phase_2", sent[1]   },
+        { "phase_3", sent[2]   }
+    });
+    const QVector<double> shown{ values.currentPhaseA, values.currentPhaseB, values.currentPhaseC };
+    QTEST(shown, "shown");
+    QVERIFY2(values.currentPower == power, qPrintable(QString::number(values.currentPower, 'g', 17)));
+    QTEST(values.phaseCount, "phases");
+}
+
+void TestLiveValues::mistypedMembers()
+{
+    const LiveValues values = mapLiveValues({
+        {"status",       3   },
+        { "phase_1",     "16"},
+        { "meter_value", "12"},
+        { "timestamp",   17  }
+    });
+    QCOMPARE(values.state, "Unavailable");
+    QCOMPARE(values.sessionEnergy, 0.0);
+    QCOMPARE(values.timestampText, QString());
+    QCOMPARE(mapLiveValues({
+                               {"status",   "Charging"},
+                               { "phase_1", "16"      }
+    })
+                 .currentPower,
+             0.0);
+    QCOMPARE(mapLiveValues({
+                               {"meter_value", 3500}
+    })
+                 .sessionEnergy,
+             3.5);
+}
+
+void TestLiveValues::timestamp_data()
+{
+    QTest::addColumn<qint64>("time"); // -1: none
+    const qint64 noon = 1714564800;   // 2024-05-01 12:00 UTC
+    QTest::newRow("2024-05-01T12:00:00Z") << noon;
+    QTest::newRow("2024-05-01T12:00:00.500Z") << noon;
+    QTest::newRow("2024-05-01T12:00:00.999Z") << noon;
+    QTest::newRow("2024-05-01T14:00:00+02:00") << noon;
+    QTest::newRow("2024-05-01T06:30:00-05:30") << noon;
+    QTest::newRow("2024-05-01T14:00:00") << noon; // no designator: local time
+    QTest::newRow("1969-12-31T23:59:50Z") << qint64(-10);
+    QTest::newRow("2100-01-01T00:00:00Z") << qint64(4102444800);
+    for (const char *unreadable : { "", "yesterday", "2024-13-01T12:00:00Z", "1714564800", "12:00:00Z" })
+        QTest::newRow(unreadable) << qint64(-1);
+}
+
+void TestLiveValues::timestamp()
+{
+    const LiveValues values = mapLiveValues({
+        {"timestamp", QTest::currentDataTag()}
+    });
+    QTEST(values.timestamp.value_or(-1), "time");
+    QCOMPARE(values.timestampText, QTest::currentDataTag());
+}
+
+void TestLiveValues::energyDrawn_data()
+{
+    QTest::addColumn<double>("previous");
+    QTest::addColumn<double>("current");
+    QTest::addColumn<double>("drawn");
+    QTest::newRow("the session goes on") << 2.5 << 3.5 << 1.0;
+    QTest::newRow("nothing drawn") << 3.5 << 3.5 << 0.0;
+    QTest::newRow("a new session has begun") << 3.5 << 0.2 << 0.0;
+    QTest::newRow("a session begins at 0") << 3.5 << 0.0 << 0.0;
+    QTest::newRow("after a restart") << 0.0 << 12.0 << 0.0;
+    QTest::newRow("the first watt-hour") << 0.0 << 0.001 << 0.0;
+    QTest::newRow("from a negative reading") << -1.0 << 1.0 << 2.0;
+}
+
+void TestLiveValues::energyDrawn()
+{
+    QFETCH(double, previous);
+    QFETCH(double, current);
+    QTEST(::energyDrawn(previous, current), "drawn");
+}
+
+QTEST_APPLESS_MAIN(TestLiveValues)
+#include "tst_livevalues.moc"
