@@ -1,0 +1,244 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "logrecorder.h"
+
+#include <hardwaremanager.h>
+#include <integrations/pluginmetadata.h>
+#include <integrations/thingdiscoveryinfo.h>
+#include <plugintimer.h>
+
+#include <QJsonArray>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+QJsonObject merged(QJsonObject object, const QJsonObject &other)
+{
+    for (auto it = other.constBegin(); it != other.constEnd(); ++it)
+        object[it.key()] = it.value();
+    return object;
+}
+
+/*! The metadata of one thing class, "box", with states like these, each named after its type. */
+PluginMetadata metadata(const QVector<QJsonObject> &states)
+{
+    int ids = 0;
+    const auto item = [&ids](const QString &name) {
+        const QString id = QString("00000000-0000-0000-0000-00000000000%1").arg(++ids);
+        return QJsonObject{
+            {"name",         name},
+            { "displayName", name},
+            { "id",          id  }
+        };
+    };
+    QJsonObject plugin = item("plugin");
+    QJsonObject vendor = item("vendor");
+    QJsonObject box = item("box");
+    QJsonArray stateTypes;
+    for (const QJsonObject &state : states)
+        stateTypes.append(merged(item(state["type"].toString()), state));
+    box["stateTypes"] = stateTypes;
+    vendor["thingClasses"] = QJsonArray{ box };
+    plugin["vendors"] = QJsonArray{ vendor };
+    return PluginMetadata(plugin);
+}
+
+ThingClass thingClass()
+{
+    const QJsonObject limited{
+        {"type",          "uint"},
+        { "defaultValue", 16    },
+        { "maxValue",     32    }
+    };
+    return metadata({ { { "type", "bool" } }, limited, { { "type", "double" } }, { { "type", "QString" } } })
+        .thingClasses()
+        .first();
+}
+
+} // namespace
+
+class TestLibnymea : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void stateConversion_data();
+    void stateConversion();
+    void stateNotifiesOnChangeOnly();
+    void maximumMovesAlone();
+    void thingShowsItself();
+    void jobFinishesOnce();
+    void jobTakesItsConnectionsAlong();
+    void jobEndsInTime();
+    void pluginTimers();
+    void metadataErrors_data();
+    void metadataErrors();
+};
+
+void TestLibnymea::stateConversion_data()
+{
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QVariant>("held"); // invalid: refused
+    QTest::newRow("text to bool") << "bool" << QVariant("true") << QVariant(true);
+    QTest::newRow("double to uint") << "uint" << QVariant(10.0) << QVariant(10U);
+    QTest::newRow("beyond the maximum, by the plugin") << "uint" << QVariant(63U) << QVariant(63U);
+    QTest::newRow("int to double") << "double" << QVariant(7) << QVariant(7.0);
+    QTest::newRow("number to text") << "QString" << QVariant(7) << QVariant("7");
+    QTest::newRow("word to uint") << "uint" << QVariant("many") << QVariant();
+    QTest::newRow("unknown state") << "voltage" << QVariant(230) << QVariant();
+}
+
+void TestLibnymea::stateConversion()
+{
+    QFETCH(QString, state);
+    QFETCH(QVariant, value);
+    QFETCH(QVariant, held);
+    LogRecorder log("Thing");
+    Thing thing(thingClass());
+    const QVariant before = thing.stateValue(state);
+    thing.setStateValue(state, value);
+    const QVariant after = thing.stateValue(state);
+    QCOMPARE(after, held.isValid() ? held : before);
+    QCOMPARE(after.type(), held.isValid() ? held.type() : before.type());
+    QCOMPARE(log.warnings().size(), held.isValid() ? 0 : 1);
+}
+
+void TestLibnymea::stateNotifiesOnChangeOnly()
+{
+    Thing thing(thingClass());
+    QSignalSpy spy(&thing, &Thing::stateValueChanged);
+    for (const QVariant &value :
+         { QVariant(16), QVariant(16.0), QVariant("16"), QVariant(10), QVariant(10U) })
+        thing.setStateValue("uint", value);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy[0],
+             (QVariantList{ QVariant::fromValue(thing.state("uint").stateTypeId()), 10U, QVariant(), 32U }));
+}
+
+void TestLibnymea::maximumMovesAlone()
+{
+    Thing thing(thingClass());
+    QSignalSpy spy(&thing, &Thing::stateValueChanged);
+    thing.setStateMaxValue("uint", 10);
+    thing.setStateMaxValue("uint", 10U);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(thing.stateValue("uint"), QVariant(16U));
+    QCOMPARE(thing.state("uint").maxValue(), QVariant(10U));
+    QCOMPARE(thing.thingClass().stateTypes.findByName("uint").maxValue,
+             QVariant(32U)); // the class's stays
+}
+
+void TestLibnymea::thingShowsItself()
+{
+    Thing thing(thingClass());
+    thing.setName("Garage");
+    QString text;
+    QDebug(&text) << &thing << 1;
+    QCOMPARE(text, QString("Thing(Garage, class box, id %1) 1 ").arg(thing.id().toString()));
+}
+
+void TestLibnymea::jobFinishesOnce()
+{
+    LogRecorder log("Thing");
+    QPointer<ThingJob> job = new ThingDiscoveryInfo({}, {}, 0ms, this);
+    QSignalSpy spy(job.data(), &ThingJob::finished);
+    job->finish(Thing::ThingErrorSetupFailed, "first");
+    QCOMPARE(spy.count(), 0); // not while the plugin is still at it
+    job->finish(Thing::ThingErrorNoError, "second");
+    QCOMPARE(job->status(), Thing::ThingErrorSetupFailed);
+    QCOMPARE(job->displayMessage(), "first");
+    QCOMPARE(log.warnings().size(), 1);
+    QTRY_VERIFY(!job);
+    QCOMPARE(spy.count(), 1);
+}
+
+void TestLibnymea::jobTakesItsConnectionsAlong()
+{
+    Thing sender(thingClass());
+    QPointer<ThingJob> job = new ThingDiscoveryInfo({}, {}, 0ms, this);
+    int calls = 0;
+    connect(&sender, &Thing::setupStatusChanged, job.data(), [&calls] { ++calls; });
+    job->finish(Thing::ThingErrorNoError);
+    sender.setSetupStatus(Thing::ThingSetupStatusFailed);
+    QCOMPARE(calls, 1); // disposed of later, not in finish()
+    QTRY_VERIFY(!job);
+    sender.setSetupStatus(Thing::ThingSetupStatusComplete);
+    QCOMPARE(calls, 1);
+}
+
+void TestLibnymea::jobEndsInTime()
+{
+    QPointer<ThingJob> job = new ThingDiscoveryInfo({}, {}, 1ms, this);
+    Thing::ThingError status = Thing::ThingErrorNoError;
+    connect(job.data(), &ThingJob::finished, job.data(), [&status, job] { status = job->status(); });
+    QTRY_VERIFY(!job);
+    QCOMPARE(status, Thing::ThingErrorTimeout);
+}
+
+void TestLibnymea::pluginTimers()
+{
+    LogRecorder log("Thing");
+    HardwareManager hardware;
+    PluginTimerManager *manager = hardware.pluginTimerManager();
+    manager->setTickInterval(24h);
+    PluginTimer *two = manager->registerTimer(2);
+    PluginTimer *three = manager->registerTimer(3);
+    QVERIFY(two->running());
+    QStringList ticks;
+    connect(two, &PluginTimer::timeout, this, [&ticks] { ticks.append("two"); });
+    connect(three, &PluginTimer::timeout, this, [&ticks, manager, two] {
+        ticks.append("three");
+        manager->unregisterTimer(two); // in the middle of a tick
+    });
+    for (int second = 1; second <= 6; ++second) {
+        manager->tick();
+        ticks.append(QString::number(second));
+    }
+    QCOMPARE(ticks, (QStringList{ "1", "two", "2", "three", "3", "4", "5", "three", "6" }));
+    QCOMPARE(log.warnings().size(), 1); // the second unregistering
+}
+
+void TestLibnymea::metadataErrors_data()
+{
+    QTest::addColumn<QJsonObject>("change"); // of a sound state
+    QTest::addColumn<QStringList>("errors");
+    QTest::newRow("sound") << QJsonObject() << QStringList();
+    QTest::newRow("no id") << QJsonObject{
+        {"id", "7"}
+    } << QStringList("box.uint: \"id\" is not a UUID");
+    QTest::newRow("id of another item") << QJsonObject{ { "id", "00000000-0000-0000-0000-000000000003" } }
+                                        << QStringList("box.uint: \"id\" {00000000-0000-0000-0000-000000000003} is "
+                                                       "used twice");
+    QTest::newRow("type") << QJsonObject{
+        {"type", "number"}
+    } << QStringList("box.number: type \"number\" is not supported");
+    QTest::newRow("unit") << QJsonObject{
+        {"unit", "Furlong"}
+    } << QStringList("box.uint: unit \"Furlong\" is not known");
+    QTest::newRow("default") << QJsonObject{
+        {"defaultValue", QJsonArray()}
+    } << QStringList("box.uint: \"defaultValue\" does not fit the type");
+    QTest::newRow("no display name") << QJsonObject{
+        {"displayName", ""}
+    } << QStringList("box.uint: \"displayName\" is not a text");
+}
+
+void TestLibnymea::metadataErrors()
+{
+    QFETCH(QJsonObject, change);
+    QFETCH(QStringList, errors);
+    const PluginMetadata metadata = ::metadata({
+        merged({{ "type", "uint" }},
+        change)
+    });
+    QCOMPARE(metadata.validationErrors(), errors);
+    QCOMPARE(metadata.isValid(), errors.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestLibnymea)
+#include "tst_libnymea.moc"

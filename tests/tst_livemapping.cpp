@@ -1,0 +1,228 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "site.h"
+
+#include <QJsonArray>
+#include <QtTest>
+
+namespace {
+
+const QJsonObject charging{
+    {"timestamp",    "2024-05-01T12:00:00.500Z"},
+    { "status",      "Charging"                },
+    { "phase_1",     0.99                      },
+    { "phase_2",     1.0                       },
+    { "phase_3",     16                        },
+    { "meter_value", 2500                      }
+};
+
+/*! \a record with another member. */
+QJsonObject with(QJsonObject record, const QString &key, const QJsonValue &value)
+{
+    record.insert(key, value);
+    return record;
+}
+
+} // namespace
+
+class TestLiveMapping : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void writesStatesInOrder();
+    void everyRecordReplacesTheLast_data();
+    void everyRecordReplacesTheLast();
+    void absentWallboxesComeFirst();
+    void absentWallboxKeepsItsStates();
+    void unknownIdsAreSkipped();
+    void timestampOnlyWhenReadable();
+    void energyAcrossSessions();
+    void energyAcrossARestart();
+    void repliesAppliedTwiceCountOnce();
+};
+
+void TestLiveMapping::writesStatesInOrder()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    site.backend.values["EVSE-01"] = charging;
+    const StateWatch watch(site.wallbox("EVSE-01"));
+    site.log.clear();
+    QVERIFY(site.poll());
+    QCOMPARE(watch.changes,
+             (QStringList{ "timestamp 1714564800", "sessionEnergy 2.5", "state Charging", "pluggedIn true",
+                           "charging true", "currentPower 3910", "currentPhaseB 1", "currentPhaseC 16",
+                           "phaseCount 2" }));
+    QStringList story = site.story();
+    story.erase(story.begin(), story.begin() + story.indexOf("debug: setupConnects() - valuesReceived"));
+    QCOMPARE(story.size(), 5);
+    QCOMPARE(story[1], R"(debug: Values for device "EVSE-01")");
+    QVERIFY(story[2].startsWith("debug: Received values QJsonObject({\"meter_value\":2500,"));
+    QCOMPARE(story[3], R"(debug: Time STR "2024-05-01T12:00:00.500Z")");
+    QCOMPARE(story[4], "debug: Time STR 1714564800");
+}
+
+void TestLiveMapping::everyRecordReplacesTheLast_data()
+{
+    QTest::addColumn<QJsonValue>("record");
+    QTest::addColumn<QStringList>("first");
+    QTest::newRow("paused car still measures")
+        << QJsonValue(with(charging, "status", "SuspendedEV")) << QStringList("state SuspendedEV");
+    QTest::newRow("reserved") << QJsonValue(with(charging, "status", "Reserved"))
+                              << QStringList("state Reserved");
+    QTest::newRow("unknown status") << QJsonValue(with(charging, "status", "charging"))
+                                    << QStringList("state Unavailable");
+    QTest::newRow("no members") << QJsonValue(QJsonObject())
+                                << QStringList{ "sessionEnergy 0", "state Unavailable" };
+    QTest::newRow("no object") << QJsonValue(QJsonArray{ 1 })
+                               << QStringList{ "sessionEnergy 0", "state Unavailable" };
+}
+
+void TestLiveMapping::everyRecordReplacesTheLast()
+{
+    QFETCH(QJsonValue, record);
+    QFETCH(QStringList, first);
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    site.backend.values["EVSE-01"] = charging;
+    QVERIFY(site.poll());
+    const StateWatch watch(site.wallbox("EVSE-01"));
+    site.backend.values["EVSE-01"] = record;
+    QVERIFY(site.poll());
+    const QStringList rest{ "charging false", "currentPower 0", "currentPhaseB 0", "currentPhaseC 0",
+                            "phaseCount 1" };
+    QCOMPARE(watch.changes, first + rest);
+}
+
+/*! "EVSE-02" is missing: it is marked before "EVSE-01" gets its values. */
+void TestLiveMapping::absentWallboxesComeFirst()
+{
+    Site site;
+    site.backend.setWallbox("EVSE-02", 16);
+    QCOMPARE(site.addGateway(), QString());
+    site.backend.setStatus("EVSE-01", "Preparing");
+    QStringList order;
+    for (const char *infraId : { "EVSE-01", "EVSE-02" }) {
+        connect(site.wallbox(infraId), &Thing::stateValueChanged, this,
+                [&order, infraId](const StateTypeId &, const QVariant &value) {
+                    order.append(QString(infraId) + ' ' + value.toString());
+                });
+    }
+    QVERIFY(site.poll());
+    QCOMPARE(order, (QStringList{ "EVSE-02 false", "EVSE-01 Preparing", "EVSE-01 true" }));
+}
+
+void TestLiveMapping::absentWallboxKeepsItsStates()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    site.backend.values["EVSE-01"] = charging;
+    QVERIFY(site.poll());
+    const StateWatch watch(site.wallbox("EVSE-01"));
+    site.backend.values = with({}, "evse-01", charging); // another letter case is another wallbox
+    QVERIFY(site.poll());
+    site.backend.values["EVSE-01"] = charging;
+    QVERIFY(site.poll());
+    site.backend.answer(ScriptedBackend::Values, 200, R"({"success":true})"); // no values at all
+    QVERIFY(site.poll());
+    site.backend.answer(ScriptedBackend::Values, 503); // says nothing about wallboxes
+    site.wallbox("EVSE-01")->setStateValue("connected", true);
+    QVERIFY(site.poll());
+    QCOMPARE(site.log.warnings().size(), 1);
+    QCOMPARE(watch.changes,
+             (QStringList{ "connected false", "connected true", "connected false", "connected true" }));
+}
+
+void TestLiveMapping::unknownIdsAreSkipped()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    for (const char *infraId : { "", "A-stranger", "EVSE-01" })
+        site.backend.values[infraId] = charging;
+    site.log.clear();
+    QVERIFY(site.poll());
+    QCOMPARE(site.story({ "debug: Values for device" }),
+             (QStringList{ R"(debug: Values for device "")", R"(debug: Values for device "A-stranger")",
+                           R"(debug: Values for device "EVSE-01")" }));
+    QCOMPARE(site.state("EVSE-01", "state"), QVariant("Charging"));
+}
+
+void TestLiveMapping::timestampOnlyWhenReadable()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    const StateWatch watch(site.wallbox("EVSE-01"));
+    for (const QJsonValue &timestamp : { QJsonValue("2024-05-01T12:00:00Z"), QJsonValue(""), QJsonValue(17),
+                                         QJsonValue("yesterday"), QJsonValue("2024-05-01T14:00:01+02:00") }) {
+        site.backend.values["EVSE-01"] = with({}, "timestamp", timestamp);
+        QVERIFY(site.poll());
+    }
+    QCOMPARE(watch.changes.filter("timestamp"),
+             (QStringList{ "timestamp 1714564800", "timestamp 1714564801" }));
+}
+
+void TestLiveMapping::energyAcrossSessions()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    double total = 0;
+    // Readings of the session's meter in Wh, and what each adds to the total in kWh.
+    for (const auto &[meter, drawn] : {
+             std::pair{2500,  0.0      }, // where the session stood is not known
+             { 3500, 1.0      },
+             { 3500, 0.0      },
+             { 200,  0.0      }, // a new session
+             { 900,  0.9 - 0.2},
+             { 0,    0.0      },
+             { 400,  0.0      }, // nor from 0, which is what a restart looks like
+             { 500,  0.5 - 0.4}
+    }) {
+        site.backend.values["EVSE-01"] = with({}, "meter_value", meter);
+        QVERIFY(site.poll());
+        total += drawn;
+        QCOMPARE(site.state("EVSE-01", "sessionEnergy").toDouble(), meter / 1000.0);
+        QCOMPARE(site.state("EVSE-01", "totalEnergyConsumed").toDouble(), total);
+    }
+}
+
+void TestLiveMapping::energyAcrossARestart()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    for (const int meter : { 1000, 6000 }) {
+        site.backend.values["EVSE-01"] = with(charging, "meter_value", meter);
+        QVERIFY(site.poll());
+    }
+    site.restart();
+    QTRY_COMPARE(site.log.count("debug: Post Setup OCPP Plugin."), 4);
+    QCOMPARE(site.state("EVSE-01", "totalEnergyConsumed").toDouble(), 5.0);
+    QCOMPARE(site.state("EVSE-01", "timestamp").toInt(), 1714564800);
+    QCOMPARE(site.state("EVSE-01", "sessionEnergy").toDouble(), 0.0);
+    for (const auto &[meter, total] : {
+             std::pair{7000,  5.0},
+             { 7500, 5.5}
+    }) { // the same session goes on
+        site.backend.values["EVSE-01"] = with(charging, "meter_value", meter);
+        QVERIFY(site.poll());
+        QCOMPARE(site.state("EVSE-01", "totalEnergyConsumed").toDouble(), total);
+    }
+}
+
+/*! Each gateway, and each set-up of one, applies every reply. */
+void TestLiveMapping::repliesAppliedTwiceCountOnce()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(site.gateways().size(), 2);
+    for (const int meter : { 1000, 3000 }) {
+        site.backend.values["EVSE-01"] = with(charging, "meter_value", meter);
+        site.log.clear();
+        QVERIFY(site.poll());
+        QCOMPARE(site.log.count("debug: setupConnects() - valuesReceived"), 2);
+    }
+    QCOMPARE(site.state("EVSE-01", "totalEnergyConsumed").toDouble(), 2.0);
+}
+
+QTEST_GUILESS_MAIN(TestLiveMapping)
+#include "tst_livemapping.moc"

@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "site.h"
+
+#include <QtTest>
+
+using Backend = ScriptedBackend;
+
+class TestRemoval : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void oneOfTwoWallboxes();
+    void limitOfARemovedWallboxIsSent();
+    void lastThingReleasesEverything();
+    void nothingToRelease();
+    void requestsUnderWay();
+    void answerForARemovedWallbox();
+    void oneOfTwoGateways();
+    void comesBack();
+};
+
+namespace {
+
+const QStringList steps{ "debug: Vela Plugin removed", "debug: thingRemoved()" };
+
+} // namespace
+
+void TestRemoval::oneOfTwoWallboxes()
+{
+    Site site;
+    site.backend.setWallbox("EVSE-02", 16);
+    QCOMPARE(site.addGateway(), QString());
+    site.log.clear();
+    site.remove(site.wallbox("EVSE-01"));
+    QCOMPARE(site.story(), QStringList("debug: Vela Plugin removed"));
+    QVERIFY(site.poll());
+    QCOMPARE(site.polledIds(), QStringList("EVSE-02"));
+    QCOMPARE(site.pluginTimers().size(), 1);
+    QCOMPARE(site.chargeLimitTimers().size(), 1);
+}
+
+void TestRemoval::limitOfARemovedWallboxIsSent()
+{
+    Site site;
+    site.backend.setWallbox("EVSE-02", 16);
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 8)), "NoError");
+    site.remove(site.wallbox("EVSE-01"));
+    QVERIFY(site.poll());
+    site.fireChargeLimitTimer(); // the renewal has forgotten it
+    QVERIFY(site.poll());
+    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{ 8 });
+    QCOMPARE(site.backend.limits("EVSE-02"), QList<double>{ 0 });
+}
+
+void TestRemoval::lastThingReleasesEverything()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    QVERIFY(site.poll());
+    site.log.clear();
+    site.remove(site.gateway()); // the wallbox under it goes first
+    QCOMPARE(site.story(),
+             (QStringList{ "debug: Vela Plugin removed", "debug: Vela Plugin removed",
+                           "debug: thingRemoved() - Stopping chargeLimit Timer.",
+                           "debug: thingRemoved() - Stopping update timer.",
+                           "debug: thingRemoved() - Deleting networkHandler." }));
+    QCOMPARE(site.chargeLimitTimers().size(), 0);
+    QTRY_COMPARE(site.pluginTimers().size(), 0);
+    QTRY_COMPARE(site.backend.openConnections(), 0);
+    site.tick();
+    QCOMPARE(site.backend.requests(Backend::Values).size(), 1);
+}
+
+/*! A gateway that never got past its set-up has a client, but no timers. */
+void TestRemoval::nothingToRelease()
+{
+    Site site;
+    const Job discovery = site.discover();
+    QCOMPARE(Site::result(discovery), "NoError");
+    site.backend.hold(Backend::GroupInfo);
+    const Job setup = site.add(discovery->offers.first());
+    QTRY_COMPARE(site.backend.requests().size(), 2);
+    site.remove(site.daemon->findChild<Thing *>());
+    QCOMPARE(
+        site.story(steps),
+        (QStringList{ "debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler." }));
+    QTRY_COMPARE(site.backend.openConnections(), 0);
+    QVERIFY(setup->text != "NoError");
+}
+
+void TestRemoval::requestsUnderWay()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    for (const Backend::Operation operation : { Backend::Values, Backend::Limits, Backend::GroupInfo })
+        site.backend.hold(operation);
+    const Job action = site.set("EVSE-01", "maxChargingCurrent", 8);
+    site.tick();
+    const Job discovery = site.discover();
+    QTRY_COMPARE(site.backend.requests().size(), 5);
+    site.remove(site.gateway());
+    site.log.clear();
+    QTRY_COMPARE(site.backend.openConnections(), 0);
+    QCOMPARE(site.log.lines(), QStringList()); // no outcome of any request
+    // Nor does the client that comes after it answer for the old one.
+    site.backend.answerNormally(Backend::GroupInfo);
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(discovery->text, "pending");
+}
+
+void TestRemoval::answerForARemovedWallbox()
+{
+    Site site;
+    site.backend.setWallbox("EVSE-02", 16);
+    QCOMPARE(site.addGateway(), QString());
+    site.backend.hold(Backend::Values);
+    site.tick();
+    QTRY_COMPARE(site.backend.requests(Backend::Values).size(), 1);
+    site.remove(site.wallbox("EVSE-01"));
+    for (const char *infraId : { "EVSE-01", "EVSE-02" })
+        site.backend.setStatus(infraId, "Charging");
+    QVERIFY(site.backend.release(Backend::Values));
+    QTRY_COMPARE(site.state("EVSE-02", "state").toString(), "Charging");
+}
+
+/*! The wallboxes of the one that stays go on being polled, and the values reach them. */
+void TestRemoval::oneOfTwoGateways()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(site.addGateway(), QString());
+    site.log.clear();
+    site.remove(site.gateways().last());
+    QCOMPARE(site.story(), QStringList("debug: Vela Plugin removed"));
+    site.backend.setStatus("EVSE-01", "Charging");
+    QVERIFY(site.poll());
+    QCOMPARE(site.log.count("debug: setupConnects() - valuesReceived"), 1);
+    QCOMPARE(site.state("EVSE-01", "state").toString(), "Charging");
+}
+
+void TestRemoval::comesBack()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 8)), "NoError");
+    site.remove(site.gateway());
+    QCOMPARE(site.addGateway(), QString());
+    QTRY_COMPARE(site.pluginTimers().size(), 1);
+    QCOMPARE(site.chargeLimitTimers().size(), 1);
+    QVERIFY(site.poll());
+    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{ 8 }); // has waited in the queue all the time
+    site.fireChargeLimitTimer();                                  // and the action still counts as recent
+    QVERIFY(site.poll());
+    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{ 8, 0 }));
+}
+
+QTEST_GUILESS_MAIN(TestRemoval)
+#include "tst_removal.moc"
