@@ -34,6 +34,7 @@ private Q_SLOTS:
     void everyRecordReplacesTheLast();
     void absentWallboxesComeFirst();
     void absentWallboxKeepsItsStates();
+    void listenersMayRemoveTheWallbox();
     void unknownIdsAreSkipped();
     void timestampOnlyWhenReadable();
     void energyAcrossSessions();
@@ -131,6 +132,25 @@ void TestLiveMapping::absentWallboxKeepsItsStates()
     QCOMPARE(site.log.warnings().size(), 1);
     QCOMPARE(watch.changes,
              (QStringList{ "connected false", "connected true", "connected false", "connected true" }));
+}
+
+/*! Whoever hears that one wallbox is not connected may remove any of them. */
+void TestLiveMapping::listenersMayRemoveTheWallbox()
+{
+    Site site;
+    for (const char *infraId : { "EVSE-02", "EVSE-03" })
+        site.backend.setWallbox(infraId, 16);
+    QCOMPARE(site.addGateway(), QString());
+    const Things wallboxes = site.wallboxes();
+    for (Thing *wallbox : wallboxes) {
+        connect(wallbox, &Thing::stateValueChanged, this, [&site] {
+            while (site.wallboxes().size() > 1)
+                site.remove(site.wallboxes().first());
+        });
+    }
+    QVERIFY(site.poll());
+    QCOMPARE(site.wallboxes().size(), 1);
+    QCOMPARE(site.wallboxes().first()->stateValue("connected"), QVariant(false));
 }
 
 void TestLiveMapping::unknownIdsAreSkipped()

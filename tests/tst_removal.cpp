@@ -18,6 +18,7 @@ private Q_SLOTS:
     void answerForARemovedWallbox();
     void oneOfTwoGateways();
     void comesBack();
+    void strayWallboxGoesWhileTheGatewayIsNew();
 };
 
 namespace {
@@ -154,6 +155,26 @@ void TestRemoval::comesBack()
     site.fireChargeLimitTimer();                                  // and the action still counts as recent
     QVERIFY(site.poll());
     QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{ 8, 0 }));
+}
+
+/*! The client's own answer takes the only kept thing away, and with it the client. */
+void TestRemoval::strayWallboxGoesWhileTheGatewayIsNew()
+{
+    Site site;
+    const ThingClass thingClass = site.daemon->thingClasses().findByName("wallbox7");
+    ThingDescriptor stray(thingClass.id, "Stray");
+    ParamList params;
+    params.append(Param(thingClass.paramTypes.findByName("infraID").id, "EVSE-99"));
+    stray.setParams(params);
+    QCOMPARE(Site::result(site.add(stray)), "NoError");
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(
+        site.story(steps),
+        (QStringList{ "debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler." }));
+    // Set up again, the gateway has a client again.
+    QCOMPARE(Site::result(site.setup(site.gateway())), "NoError");
+    QVERIFY(site.poll());
+    QCOMPARE(site.polledIds(), QStringList("EVSE-01"));
 }
 
 QTEST_GUILESS_MAIN(TestRemoval)
