@@ -32,11 +32,11 @@ DECLARE_TYPE_ID(Plugin)
 DECLARE_TYPE_ID(Vendor)
 DECLARE_TYPE_ID(ThingClass)
 DECLARE_TYPE_ID(Thing)
-DECLARE_TYPE_ID(ThingDescriptor)
 DECLARE_TYPE_ID(ParamType)
 DECLARE_TYPE_ID(StateType)
 DECLARE_TYPE_ID(ActionType)
 
+/*! Value types that metadata and code share. */
 class LIBNYMEA_EXPORT Types {
     Q_GADGET
 public:

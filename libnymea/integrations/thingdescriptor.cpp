@@ -66,3 +66,8 @@ void ThingDescriptor::setParams(const ParamList &params)
 {
     m_params = params;
 }
+
+ThingDescriptors::ThingDescriptors(const QList<ThingDescriptor> &other)
+    : QList<ThingDescriptor>(other)
+{
+}

@@ -41,6 +41,10 @@ private:
     ParamList m_params;
 };
 
-using ThingDescriptors = QList<ThingDescriptor>;
+class LIBNYMEA_EXPORT ThingDescriptors : public QList<ThingDescriptor> {
+public:
+    ThingDescriptors() = default;
+    ThingDescriptors(const QList<ThingDescriptor> &other);
+};
 
 #endif // THINGDESCRIPTOR_H
