@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "mask.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+QString asJson(const QString &text)
+{
+    const QString array = QString::fromUtf8(QJsonDocument(QJsonArray{ text }).toJson(QJsonDocument::Compact));
+    return array.mid(2, array.size() - 4); // without [" and "]
+}
+
+} // namespace
+
+void Mask::hide(const QString &secret)
+{
+    if (secret.isEmpty())
+        return;
+    m_hidden << secret << asJson(secret) << QString::fromLatin1(QUrl::toPercentEncoding(secret))
+             << secret.toHtmlEscaped();
+    m_hidden.removeDuplicates();
+    std::sort(m_hidden.begin(), m_hidden.end(),
+              [](const QString &left, const QString &right) { return left.size() > right.size(); });
+}
+
+QString Mask::operator()(const QString &text) const
+{
+    QString masked = text;
+    for (const QString &secret : m_hidden)
+        masked.replace(secret, QLatin1String("***"));
+    return masked;
+}
+
+QJsonValue Mask::operator()(const QJsonValue &value) const
+{
+    if (value.isString())
+        return (*this)(value.toString());
+    if (value.isArray()) {
+        QJsonArray masked;
+        const QJsonArray array = value.toArray();
+        for (const QJsonValue &element : array)
+            masked.append((*this)(element));
+        return masked;
+    }
+    if (value.isObject()) {
+        QJsonObject masked;
+        const QJsonObject object = value.toObject();
+        for (auto it = object.begin(); it != object.end(); ++it)
+            masked.insert((*this)(it.key()), (*this)(it.value()));
+        return masked;
+    }
+    return value;
+}

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MASK_H
+#define MASK_H
+
+#include <QJsonValue>
+#include <QString>
+#include <QStringList>
+
+/*! Hides secrets in texts, wherever a backend or an error message may repeat them. */
+class Mask {
+public:
+    /*! Hides \a secret from now on, as it is and as JSON, URLs and HTML write it. */
+    void hide(const QString &secret);
+
+    /*! \a text with "***" in place of secrets. Mask before cutting: half a secret is not recognised. */
+    QString operator()(const QString &text) const;
+    /*! The same for every text in \a value, member names included. */
+    QJsonValue operator()(const QJsonValue &value) const;
+
+private:
+    QStringList m_hidden; // the longest first, so that none leaves a part of another
+};
+
+#endif // MASK_H
