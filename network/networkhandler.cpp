@@ -3,6 +3,7 @@
 
 #include "networkhandler.h"
 
+#include "backendapi.h"
 #include "loggingcategory.h"
 
 #include <QJsonDocument>
@@ -84,7 +85,7 @@ void NetworkHandler::getConnectedInfra()
 {
     qCDebug(dcVela) << "Get info about connected WBs.";
     QJsonObject body;
-    sendRequestPost(QLatin1String("/vela/get_group_info/") + m_serverInfo.groupId, body,
+    sendRequestPost(BackendApi::groupInfoPath(m_serverInfo.groupId), body,
                     [this](QNetworkReply *reply) { handleInfraReply(reply); });
 }
 
@@ -106,7 +107,7 @@ void NetworkHandler::isOnline()
 {
     qCDebug(dcVela) << "Check if the OCPP daemon is running.";
     QJsonObject body;
-    sendRequestPost(QStringLiteral("/is_online"), body,
+    sendRequestPost(BackendApi::onlinePath(), body,
                     [this](QNetworkReply *reply) { handleOnlineReply(reply); });
 }
 
@@ -124,9 +125,8 @@ void NetworkHandler::handleOnlineReply(QNetworkReply *reply)
 void NetworkHandler::getEvseValues(const QJsonArray &devices)
 {
     qCDebug(dcVela) << "Get info EVSE values.";
-    QJsonObject body;
-    body.insert(QLatin1String("evse_ids"), devices);
-    sendRequestPost(QLatin1String("/vela/get_values/") + m_serverInfo.groupId, body,
+    QJsonObject body = BackendApi::valuesBody(devices);
+    sendRequestPost(BackendApi::valuesPath(m_serverInfo.groupId), body,
                     [this](QNetworkReply *reply) { handleValuesReply(reply); });
 }
 
@@ -149,9 +149,8 @@ void NetworkHandler::handleValuesReply(QNetworkReply *reply)
 void NetworkHandler::setProfileChargePowerLimit(QJsonObject &data)
 {
     qCDebug(dcVela) << "Setting profile charge power limit.";
-    QJsonObject body;
-    body.insert(QLatin1String("limits"), data);
-    sendRequestPost(QLatin1String("/vela/set_limits/") + m_serverInfo.groupId, body,
+    QJsonObject body = BackendApi::limitsBody(data);
+    sendRequestPost(BackendApi::limitsPath(m_serverInfo.groupId), body,
                     [this](QNetworkReply *reply) { handleLimitsReply(reply); });
 }
 

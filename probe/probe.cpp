@@ -3,6 +3,7 @@
 
 #include "probe.h"
 
+#include "backendapi.h"
 #include "chargelimits.h"
 #include "networkhandler.h"
 #include "valuesreply.h"
@@ -72,12 +73,12 @@ void Probe::start()
         checkOnline();
 }
 
-// The paths and members below are the client's. They go through its request primitive, since its operations
-// keep what matters here to themselves: the status, the time and a body that they cannot read.
+// The requests go through the client's request primitive, since its operations keep what matters here to
+// themselves: the status, the time and a body that they cannot read.
 
 void Probe::checkOnline()
 {
-    post(Step::OnlineCheck, QStringLiteral("/is_online"), {}, &Probe::afterOnline);
+    post(Step::OnlineCheck, BackendApi::onlinePath(), {}, &Probe::afterOnline);
 }
 
 void Probe::afterOnline(const StepReport &report)
@@ -91,8 +92,7 @@ void Probe::afterOnline(const StepReport &report)
 
 void Probe::askGroupInfo()
 {
-    post(Step::GroupInfo, QLatin1String("/vela/get_group_info/") + m_target.groupId, {},
-         &Probe::afterGroupInfo);
+    post(Step::GroupInfo, BackendApi::groupInfoPath(m_target.groupId), {}, &Probe::afterGroupInfo);
 }
 
 void Probe::afterGroupInfo(const StepReport &answered)
@@ -112,10 +112,8 @@ void Probe::afterGroupInfo(const StepReport &answered)
 
 void Probe::askValues()
 {
-    const QJsonObject body{
-        {QStringLiteral("evse_ids"), QJsonArray::fromStringList(m_evseIds.keys())},
-    };
-    post(Step::LiveValues, QLatin1String("/vela/get_values/") + m_target.groupId, body, &Probe::afterValues);
+    const QJsonObject body = BackendApi::valuesBody(QJsonArray::fromStringList(m_evseIds.keys()));
+    post(Step::LiveValues, BackendApi::valuesPath(m_target.groupId), body, &Probe::afterValues);
 }
 
 void Probe::afterValues(const StepReport &answered)
@@ -145,10 +143,8 @@ void Probe::sendLimit()
     const QJsonObject limits{
         {m_target.limit->wallbox, chargeLimit(m_target.limit->ampere)},
     };
-    const QJsonObject body{
-        {QStringLiteral("limits"), limits},
-    };
-    post(Step::ChargeLimit, QLatin1String("/vela/set_limits/") + m_target.groupId, body, &Probe::afterLimit);
+    post(Step::ChargeLimit, BackendApi::limitsPath(m_target.groupId), BackendApi::limitsBody(limits),
+         &Probe::afterLimit);
 }
 
 void Probe::afterLimit(const StepReport &report)
