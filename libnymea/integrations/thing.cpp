@@ -12,9 +12,12 @@
 namespace {
 
 /*! \a value as \a type; invalid when it cannot be converted. */
-QVariant converted(QVariant value, QMetaType::Type type)
+QVariant converted(const QVariant &value, QMetaType::Type type)
 {
-    return value.convert(type) ? value : QVariant();
+    if (value.userType() == type)
+        return value;
+    QVariant result = value;
+    return result.convert(type) ? result : QVariant();
 }
 
 template <typename Predicate> Things filtered(const Things &things, Predicate predicate)
@@ -116,12 +119,12 @@ State Thing::state(const QString &stateName) const
 
 QVariant Thing::stateValue(const StateTypeId &stateTypeId) const
 {
-    return state(stateTypeId).value();
+    return valueAt(stateIndex(stateTypeId));
 }
 
 QVariant Thing::stateValue(const QString &stateName) const
 {
-    return state(stateName).value();
+    return valueAt(stateIndex(stateName));
 }
 
 void Thing::setStateValue(const StateTypeId &stateTypeId, const QVariant &value)
@@ -194,11 +197,18 @@ int Thing::stateIndex(const StateTypeId &stateTypeId) const
 
 int Thing::stateIndex(const QString &stateName) const
 {
-    for (int i = 0; i < m_thingClass.stateTypes.size(); ++i) {
-        if (m_thingClass.stateTypes.at(i).name == stateName)
-            return i;
-    }
-    return -1;
+    // Every write by name comes here. Compared in place: QString's own operator costs a call for each state
+    // type, and a hash would have to go through the name before it could begin.
+    const StateTypes &types = m_thingClass.stateTypes;
+    const auto it = std::find_if(types.cbegin(), types.cend(), [&stateName](const StateType &type) {
+        return std::equal(type.name.cbegin(), type.name.cend(), stateName.cbegin(), stateName.cend());
+    });
+    return it == types.cend() ? -1 : int(it - types.cbegin());
+}
+
+QVariant Thing::valueAt(int index) const
+{
+    return index < 0 ? QVariant() : m_states.at(index).value();
 }
 
 void Thing::setValueAt(int index, const QVariant &value)
@@ -226,8 +236,8 @@ void Thing::setMaxValueAt(int index, const QVariant &maxValue)
 
 void Thing::notify(int index)
 {
-    // A copy: a listener may change the state again.
-    const State state = m_states.at(index);
+    // Its getters return copies, so that a listener may change the state again.
+    const State &state = m_states.at(index);
     emit stateValueChanged(state.stateTypeId(), state.value(), state.minValue(), state.maxValue());
 }
 

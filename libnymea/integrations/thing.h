@@ -109,6 +109,7 @@ Q_SIGNALS:
 private:
     int stateIndex(const StateTypeId &stateTypeId) const;
     int stateIndex(const QString &stateName) const;
+    QVariant valueAt(int index) const;
     void setValueAt(int index, const QVariant &value);
     void setMaxValueAt(int index, const QVariant &maxValue);
     void notify(int index);
