@@ -42,11 +42,41 @@ void mapStatus(const QString &status, LiveValues &values)
     values.charging = known && row->charging;
 }
 
+/*! Whether \a text is written like \a form, in which 0 stands for any digit and all else for itself. */
+bool hasForm(const QString &text, QLatin1String form)
+{
+    return std::equal(text.cbegin(), text.cend(), form.cbegin(), form.cend(), [](QChar c, char f) {
+        return f == '0' ? c >= QLatin1Char('0') && c <= QLatin1Char('9') : c == QLatin1Char(f);
+    });
+}
+
+int number(const QString &text, int position, int digits)
+{
+    int result = 0;
+    for (int i = position; i < position + digits; ++i)
+        result = 10 * result + text.at(i).unicode() - '0';
+    return result;
+}
+
+/*! Reads UTC in the two forms that backends send, with and without milliseconds; invalid for all others.
+    QDateTime::fromString() reads them too, but at six times the cost, which was an eighth of a poll. */
+QDateTime utcTime(const QString &text)
+{
+    const bool hasMilliseconds = hasForm(text, QLatin1String("0000-00-00T00:00:00.000Z"));
+    if (!hasMilliseconds && !hasForm(text, QLatin1String("0000-00-00T00:00:00Z")))
+        return {};
+    const QDate date(number(text, 0, 4), number(text, 5, 2), number(text, 8, 2));
+    const QTime time(number(text, 11, 2), number(text, 14, 2), number(text, 17, 2),
+                     hasMilliseconds ? number(text, 20, 3) : 0);
+    return date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime();
+}
+
 void mapTimestamp(const QString &text, LiveValues &values)
 {
     values.timestampText = text;
-    // ISO 8601: no zone designator means local time.
-    const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
+    QDateTime time = utcTime(text);
+    if (!time.isValid())
+        time = QDateTime::fromString(text, Qt::ISODateWithMs); // without a zone designator this is local time
     if (time.isValid())
         values.timestamp = time.toSecsSinceEpoch();
 }
