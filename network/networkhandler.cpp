@@ -39,7 +39,7 @@ void warnAbout(const QNetworkReply *reply, const char *failure)
 /*! The object in \a reply's body; empty when the body is anything else. */
 QJsonObject jsonObject(QNetworkReply *reply)
 {
-    return QJsonDocument::fromJson(reply->readAll()).object();
+    return QJsonDocument::fromJson(reply->read(reply->bytesAvailable())).object();
 }
 
 } // namespace
