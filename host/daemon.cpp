@@ -33,7 +33,7 @@ Daemon::~Daemon()
 
 QString Daemon::load()
 {
-    const QString folderError = m_folder.claim();
+    QString folderError = m_folder.claim();
     if (!folderError.isEmpty())
         return folderError;
     LoadedPlugin loaded = loadPlugin(m_options.pluginFile);
@@ -41,7 +41,7 @@ QString Daemon::load()
         return loaded.error;
     m_plugin.reset(loaded.plugin);
     m_metadata = loaded.metadata;
-    const QString storeError = m_store.read(m_metadata.thingClasses(), this, &m_things);
+    QString storeError = m_store.read(m_metadata.thingClasses(), this, &m_things);
     if (!storeError.isEmpty()) {
         m_plugin.reset();
         return storeError;
@@ -212,12 +212,11 @@ void Daemon::discard(Thing *thing)
 
 ThingActionInfo *Daemon::execute(Thing *thing, const Action &action)
 {
-    ParamList params;
-    const QString error = actionError(thing, action, &params);
-    auto *info =
-        new ThingActionInfo(thing, Action(action.actionTypeId(), thing->id(), params), m_options.jobTimeout);
-    if (!error.isEmpty())
-        return refused(info, Thing::ThingErrorInvalidParameter, error);
+    const CheckedParams checked = checkAction(thing, action);
+    auto *info = new ThingActionInfo(thing, Action(action.actionTypeId(), thing->id(), checked.params),
+                                     m_options.jobTimeout);
+    if (!checked.error.isEmpty())
+        return refused(info, Thing::ThingErrorInvalidParameter, checked.error);
     if (thing->setupStatus() != Thing::ThingSetupStatusComplete)
         return refused(info, Thing::ThingErrorSetupFailed, tr("%1 is not set up.").arg(thing->name()));
     m_plugin->executeAction(info);
@@ -228,29 +227,6 @@ ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const Q
 {
     const ActionType type = thing->thingClass().actionTypes.findByName(stateName);
     return execute(thing, Action(type.id, thing->id(), { { Param(ParamTypeId(type.id), value) } }));
-}
-
-/*! Why \a action cannot be executed on \a thing; empty, and the parameters with values of their types, when
-   it can. */
-QString Daemon::actionError(Thing *thing, const Action &action, ParamList *checkedParams) const
-{
-    const ActionType type = thing->thingClass().actionTypes.findById(action.actionTypeId());
-    if (type.id.isNull())
-        return tr("%1 has no such action.").arg(thing->name());
-    ParamTypes paramTypes = type.paramTypes;
-    for (ParamType &paramType : paramTypes) {
-        // The limits of the metadata are where the state's own began; the plugin may have moved them.
-        const State state = thing->state(StateTypeId(paramType.id));
-        if (!state.stateTypeId().isNull()) {
-            paramType.minValue = state.minValue();
-            paramType.maxValue = state.maxValue();
-        }
-        if (!action.params().hasParam(paramType.id))
-            return tr("Parameter %1 is missing.").arg(paramType.name);
-    }
-    const CheckedParams checked = checkParams(action.params(), paramTypes);
-    *checkedParams = checked.params;
-    return checked.error;
 }
 
 void Daemon::remove(Thing *thing)
@@ -303,7 +279,7 @@ void Daemon::commit()
     });
     m_plugin->pluginStorage()->sync();
     if (m_unsaved) {
-        const QString error = m_store.write(m_things);
+        QString error = m_store.write(m_things);
         m_unsaved = !error.isEmpty();
         if (m_unsaved)
             qCWarning(dcHost).noquote() << error;

@@ -86,7 +86,6 @@ private:
     void keep(Thing *thing);
     void discard(Thing *thing);
 
-    QString actionError(Thing *thing, const Action &action, ParamList *checkedParams) const;
     template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QString &message);
     Thing *find(const ThingId &thingId) const;
     Things childrenOf(const Thing *thing) const;

@@ -17,13 +17,9 @@ StorageFolder::StorageFolder(const QString &path)
 
 QString StorageFolder::claim()
 {
-    const bool isNew = !QDir(m_path).exists();
     if (!QDir().mkpath(m_path))
         return QStringLiteral("Cannot create the storage folder %1.").arg(m_path);
-    // The plugin's storage may hold secrets.
-    if (isNew)
-        QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    const QString error = lock();
+    QString error = lock();
     if (error.isEmpty())
         sweep();
     return error;

@@ -10,6 +10,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
+#include <QSet>
+
+#include <algorithm>
 
 namespace {
 
@@ -80,15 +83,33 @@ Things parentsFirst(Things things)
     return sorted;
 }
 
-/*! What keeps \a entry from being a stored thing; empty when nothing does. */
-QString entryError(const QJsonValue &entry, const Things &earlier)
+/*! What keeps \a entries from being stored things; empty when nothing does. */
+QString entriesError(const QJsonArray &entries)
 {
-    const ThingId id(entry.toObject().value(QLatin1String("id")).toString());
-    if (id.isNull())
-        return QStringLiteral("a thing has no id");
-    if (earlier.findById(id))
-        return QStringLiteral("two things have the id %1").arg(id.toString());
+    QSet<QUuid> ids;
+    for (const QJsonValue entry : entries) {
+        const QUuid id(entry.toObject().value(QLatin1String("id")).toString());
+        if (id.isNull())
+            return QStringLiteral("a thing has no id");
+        if (ids.contains(id))
+            return QStringLiteral("two things have the id %1").arg(id.toString());
+        ids.insert(id);
+    }
     return QString();
+}
+
+/*! What keeps \a content from being a list of things; if nothing does, \a entries holds them. */
+QString parse(const QByteArray &content, QJsonArray *entries)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(content, &parseError);
+    if (parseError.error != QJsonParseError::NoError)
+        return parseError.errorString();
+    const QJsonValue things = document.object().value(QLatin1String("things"));
+    if (!things.isArray())
+        return QStringLiteral("there is no list of things");
+    *entries = things.toArray();
+    return entriesError(*entries);
 }
 
 } // namespace
@@ -103,42 +124,35 @@ QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *th
     QFile file(m_fileName);
     if (!file.exists())
         return QString();
-    const auto failure = [this](const QString &reason) {
-        return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, reason);
-    };
-    if (!file.open(QIODevice::ReadOnly))
-        return failure(file.errorString());
-    const QByteArray content = file.readAll();
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(content, &parseError);
-    if (parseError.error != QJsonParseError::NoError)
-        return failure(parseError.errorString());
-    if (!document.object().value(QLatin1String("things")).isArray())
-        return failure(QStringLiteral("there is no list of things"));
+    QJsonArray entries;
+    QString error;
+    if (file.open(QIODevice::ReadOnly)) {
+        m_content = file.readAll();
+        error = parse(m_content, &entries);
+    } else {
+        error = file.errorString();
+    }
+    if (!error.isEmpty())
+        return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, error);
 
     Things stored;
-    const QJsonArray entries = document.object().value(QLatin1String("things")).toArray();
-    for (const QJsonValue entry : entries) {
-        const QString error = entryError(entry, stored);
-        if (!error.isEmpty()) {
-            qDeleteAll(stored);
-            return failure(error);
-        }
-        const QJsonObject object = entry.toObject();
-        const ThingClass thingClass =
-            classes.findById(ThingClassId(object.value(QLatin1String("class")).toString()));
-        if (!thingClass.id.isNull()) {
-            stored.append(fromJson(object, thingClass, owner));
-            continue;
-        }
-        qCWarning(dcHost).noquote() << "The plugin has no class for the stored thing"
-                                    << object.value(QLatin1String("name")).toString()
-                                    << "- it stays stored and is not set up.";
-        m_strangers.append(object);
-    }
-    m_content = content;
+    for (const QJsonValue entry : qAsConst(entries))
+        restore(entry.toObject(), classes, owner, &stored);
     things->append(parentsFirst(stored));
     return QString();
+}
+
+void ThingStore::restore(const QJsonObject &entry, const ThingClasses &classes, QObject *owner,
+                         Things *things)
+{
+    const ThingClassId classId(entry.value(QLatin1String("class")).toString());
+    const ThingClass thingClass = classes.findById(classId);
+    if (!thingClass.id.isNull())
+        return things->append(fromJson(entry, thingClass, owner));
+    m_strangers.append(entry);
+    qCWarning(dcHost).noquote() << "The plugin has no class for the stored thing"
+                                << entry.value(QLatin1String("name")).toString()
+                                << "- it stays stored and is not set up.";
 }
 
 QString ThingStore::write(const Things &things)

@@ -7,6 +7,7 @@
 #include <integrations/thing.h>
 
 #include <QJsonArray>
+#include <QJsonObject>
 
 /*! The file things.json: the things with their parameters and cached states, under the ids of the metadata.
  */
@@ -24,6 +25,8 @@ public:
     [[nodiscard]] QString write(const Things &things);
 
 private:
+    void restore(const QJsonObject &entry, const ThingClasses &classes, QObject *owner, Things *things);
+
     const QString m_fileName;
     QByteArray m_content;   // of the file
     QJsonArray m_strangers; // stored things of classes that the plugin does not have

@@ -126,6 +126,25 @@ CheckedParams checkParams(const ParamList &params, const ParamTypes &paramTypes)
     return result;
 }
 
+CheckedParams checkAction(const Thing *thing, const Action &action)
+{
+    const ActionType type = thing->thingClass().actionTypes.findById(action.actionTypeId());
+    if (type.id.isNull())
+        return { {}, QStringLiteral("%1 has no such action.").arg(thing->name()) };
+    ParamTypes paramTypes = type.paramTypes;
+    for (ParamType &paramType : paramTypes) {
+        if (!action.params().hasParam(paramType.id))
+            return { {}, QStringLiteral("Parameter %1 is missing.").arg(paramType.name) };
+        const State state = thing->state(StateTypeId(paramType.id));
+        if (state.stateTypeId().isNull())
+            continue;
+        // The metadata's limits are where the state's own began; the plugin may have moved them.
+        paramType.minValue = state.minValue();
+        paramType.maxValue = state.maxValue();
+    }
+    return checkParams(action.params(), paramTypes);
+}
+
 QString unitSymbol(Types::Unit unit)
 {
     switch (unit) {

@@ -4,6 +4,8 @@
 #ifndef VALUES_H
 #define VALUES_H
 
+#include <integrations/thing.h>
+#include <types/action.h>
 #include <types/param.h>
 #include <types/paramtype.h>
 #include <types/statetype.h>
@@ -34,6 +36,9 @@ struct CheckedParams {
     QString error;
 };
 CheckedParams checkParams(const ParamList &params, const ParamTypes &paramTypes);
+/*! The parameters of \a action on \a thing, checked against the limits in force for the states of the same
+ * ids. */
+CheckedParams checkAction(const Thing *thing, const Action &action);
 
 /*! "kWh"; empty for a value without a unit. */
 QString unitSymbol(Types::Unit unit);
