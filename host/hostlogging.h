@@ -9,4 +9,13 @@
 /*! Category "Host": what the daemon's player itself has to say. */
 Q_DECLARE_LOGGING_CATEGORY(dcHost)
 
+/*! Sets which records are written: \a rules, or what the environment says where \a rules is empty. With
+   neither, debug records are left out when standard error is a terminal. Call it before QCoreApplication
+   exists. */
+void setLogRules(const QString &rules);
+
+/*! Writes log records to standard error: "2026-01-31T12:34:56.789 warning Vela: text". A record begins with
+   its time, further lines of its text with spaces. */
+void installLogHandler();
+
 #endif // HOSTLOGGING_H

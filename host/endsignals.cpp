@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "endsignals.h"
+
+#include <QSocketNotifier>
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+int pipeEnds[2] = { -1, -1 }; // for reading, for writing; until the process ends
+
+// A handler may do next to nothing; writing is allowed.
+void onSignal(int)
+{
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t written = ::write(pipeEnds[1], &byte, 1);
+}
+
+} // namespace
+
+EndSignals::EndSignals(QObject *parent)
+    : QObject(parent)
+{
+    if (::pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0)
+        qFatal("Cannot make a pipe for signals.");
+    auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+        notifier->setEnabled(false);
+        emit received();
+    });
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    action.sa_flags = SA_RESTART;
+    for (const int number : { SIGINT, SIGTERM, SIGHUP })
+        ::sigaction(number, &action, nullptr);
+}

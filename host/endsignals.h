@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef ENDSIGNALS_H
+#define ENDSIGNALS_H
+
+#include <QObject>
+
+/*! Turns SIGINT, SIGTERM and SIGHUP into a signal from the event loop. One object a process. */
+class EndSignals : public QObject {
+    Q_OBJECT
+public:
+    explicit EndSignals(QObject *parent = nullptr);
+
+Q_SIGNALS:
+    void received();
+};
+
+#endif // ENDSIGNALS_H

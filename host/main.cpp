@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "daemon.h"
+#include "endsignals.h"
+#include "hostlogging.h"
+#include "humanoutput.h"
+#include "jsonoutput.h"
+#include "options.h"
+#include "session.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <memory>
+#include <sys/stat.h>
+
+namespace {
+
+int run(const HostOptions &options)
+{
+    std::unique_ptr<Output> output;
+    if (options.json)
+        output = std::make_unique<JsonOutput>();
+    else
+        output = std::make_unique<HumanOutput>();
+
+    EndSignals endSignals;
+    QObject::connect(&endSignals, &EndSignals::received, qApp, &QCoreApplication::quit);
+    // Never deleted, as the platform's daemon lives as long as its process: a plugin may free its last
+    // objects only with its last thing.
+    static auto *const daemon = new Daemon(options.daemon);
+    const QString error = daemon->load();
+    if (!error.isEmpty()) {
+        std::fprintf(stderr, "vela-host: %s\n", qUtf8Printable(error));
+        return EXIT_FAILURE;
+    }
+    Session session(daemon, output.get());
+    QObject::connect(&session, &Session::ended, qApp, &QCoreApplication::quit);
+    const int status = QCoreApplication::exec();
+    daemon->commit();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    ::umask(S_IRWXG | S_IRWXO); // the plugin's storage may hold secrets
+    QCoreApplication::setApplicationName(QStringLiteral("vela-host"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));
+    OptionReader reader;
+    reader.parse(argc, argv);
+    setLogRules(reader.logRules());
+    installLogHandler();
+    QCoreApplication app(argc, argv);
+    const HostOptions options = reader.options(); // ends the process for --help, --version and errors
+    return run(options);
+}
