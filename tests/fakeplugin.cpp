@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "fakeplugin.h"
+
+#include <QDebug>
+#include <QTimer>
+
+namespace {
+
+ThingClass classNamed(const PluginMetadata &metadata, const char *name)
+{
+    return metadata.thingClasses().findByName(QLatin1String(name));
+}
+
+Param paramOf(const ParamTypes &types, const char *name, const QVariant &value)
+{
+    return Param(types.findByName(QLatin1String(name)).id, value);
+}
+
+void count(Thing *thing, const QString &state)
+{
+    thing->setStateValue(state, thing->stateValue(state).toUInt() + 1);
+}
+
+} // namespace
+
+/*! Offers one bridge, the existing one where the address is known; "nobody" answers nothing, "broken" an
+ * error. */
+void FakePlugin::discoverThings(ThingDiscoveryInfo *info)
+{
+    const ThingClass bridge = classNamed(metadata(), "bridge");
+    const auto value = [&](const char *name) {
+        return info->params().paramValue(bridge.discoveryParamTypes.findByName(QLatin1String(name)).id);
+    };
+    const QString address = value("address").toString();
+    if (address == QLatin1String("nobody"))
+        return;
+    if (address == QLatin1String("broken")) {
+        qWarning("It is broken.\nReplace it.");
+        return info->finish(Thing::ThingErrorHardwareFailure, QStringLiteral("It is broken.\nReplace it."));
+    }
+
+    ThingDescriptor descriptor(bridge.id, QStringLiteral("Bridge ") + address, QStringLiteral("A bridge"));
+    ParamList params;
+    params.append(paramOf(bridge.paramTypes, "address", address));
+    if (value("setup").isValid())
+        params.append(paramOf(bridge.paramTypes, "setup", value("setup")));
+    if (value("children").isValid())
+        params.append(paramOf(bridge.paramTypes, "children", value("children")));
+    descriptor.setParams(params);
+    const Things known = myThings().filterByParam(params.constFirst().paramTypeId(), address);
+    if (!known.isEmpty())
+        descriptor.setThingId(known.first()->id());
+    info->addThingDescriptor(descriptor);
+    info->finish(Thing::ThingErrorNoError);
+}
+
+void FakePlugin::setupThing(ThingSetupInfo *info)
+{
+    pluginStorage()->setValue(QStringLiteral("setUp/") + info->thing()->name(), true);
+    qDebug() << "setting up" << info->thing()->name() << "with" << myThings().size() << "things";
+    if (info->thing()->thingClass().name == QLatin1String("bridge"))
+        return setupBridge(info);
+    info->thing()->setStateMaxValue(QStringLiteral("brightness"),
+                                    info->thing()->stateValue(QStringLiteral("maxBrightness")));
+    info->finish(Thing::ThingErrorNoError);
+}
+
+void FakePlugin::setupBridge(ThingSetupInfo *info)
+{
+    count(info->thing(), QStringLiteral("setups"));
+    const QString setup = info->thing()->paramValue(QStringLiteral("setup")).toString();
+    if (setup == QLatin1String("fails") || setup == QLatin1String("announces and fails"))
+        info->finish(Thing::ThingErrorHardwareNotAvailable, QStringLiteral("The bridge does not answer."));
+    else if (setup != QLatin1String("hangs"))
+        info->finish(Thing::ThingErrorNoError);
+    if (setup == QLatin1String("announces nonsense"))
+        announceNonsense(info->thing());
+    else if (setup.startsWith(QLatin1String("announces")))
+        announceLamps(info->thing());
+}
+
+/*! Those that are missing among the bridge's lamps. */
+void FakePlugin::announceLamps(const Thing *bridge)
+{
+    const ThingClass lamp = classNamed(metadata(), "lamp");
+    const uint lamps = bridge->paramValue(QStringLiteral("children")).toUInt();
+    const uint known = static_cast<uint>(myThings().filterByParentId(bridge->id()).size());
+    for (uint i = known + 1; i <= lamps; ++i) {
+        ThingDescriptor descriptor(lamp.id, QStringLiteral("Lamp %1").arg(i), QString(), bridge->id());
+        descriptor.setParams(QList<Param>{ paramOf(lamp.paramTypes, "number", i) });
+        emit autoThingsAppeared(QList<ThingDescriptor>{ descriptor });
+    }
+}
+
+void FakePlugin::announceNonsense(const Thing *bridge)
+{
+    const ThingClass lamp = classNamed(metadata(), "lamp");
+    ThingDescriptor tooMuch(lamp.id, QStringLiteral("too much"), QString(), bridge->id());
+    tooMuch.setParams(QList<Param>{ paramOf(lamp.paramTypes, "number", 9) });
+    ThingDescriptor text(lamp.id, QStringLiteral("no number"), QString(), bridge->id());
+    text.setParams(QList<Param>{ paramOf(lamp.paramTypes, "number", QStringLiteral("1")) });
+    const ThingDescriptor noClass(ThingClassId(), QStringLiteral("no class"), QString(), bridge->id());
+    const ThingDescriptor noParent(lamp.id, QStringLiteral("no parent"), QString(), ThingId::createThingId());
+    emit autoThingsAppeared(QList<ThingDescriptor>{ tooMuch, text, noClass, noParent });
+    emit autoThingDisappeared(ThingId::createThingId());
+}
+
+void FakePlugin::postSetupThing(Thing *thing)
+{
+    if (thing->thingClass().name == QLatin1String("bridge"))
+        count(thing, QStringLiteral("postSetups"));
+}
+
+void FakePlugin::executeAction(ThingActionInfo *info)
+{
+    const StateTypeId stateTypeId(info->action().actionTypeId());
+    const QVariant value = info->action().params().constFirst().value();
+    const QString name = info->thing()->thingClass().stateTypes.findById(stateTypeId).name;
+    if (name == QLatin1String("order"))
+        return obey(info, value.toString());
+    info->thing()->setStateValue(stateTypeId, value);
+    if (name == QLatin1String("maxBrightness"))
+        info->thing()->setStateMaxValue(QStringLiteral("brightness"), value);
+    info->finish(Thing::ThingErrorNoError);
+}
+
+void FakePlugin::obey(ThingActionInfo *info, const QString &order)
+{
+    if (order == QLatin1String("hang"))
+        return;
+    if (order == QLatin1String("fail"))
+        return info->finish(Thing::ThingErrorHardwareFailure, QStringLiteral("The lamp is broken."));
+    if (order == QLatin1String("vanish")) {
+        pluginStorage()->setValue(QStringLiteral("vanished"), true);
+        return emit autoThingDisappeared(info->thing()->id());
+    }
+    if (order == QLatin1String("blink")) {
+        for (const bool on : { true, false, true, false })
+            info->thing()->setStateValue(QStringLiteral("power"), on);
+    }
+    if (order == QLatin1String("burn"))
+        burn(info->thing());
+    if (order == QLatin1String("grow"))
+        announceLamps(myThings().findById(info->thing()->parentId()));
+    info->finish(Thing::ThingErrorNoError);
+}
+
+void FakePlugin::burn(Thing *lamp)
+{
+    auto *timer = new QTimer(lamp);
+    connect(timer, &QTimer::timeout, lamp, [lamp] { count(lamp, QStringLiteral("burnt")); });
+    timer->start(1);
+}
+
+void FakePlugin::thingRemoved(Thing *thing)
+{
+    qDebug() << "removed" << thing->name() << "of" << myThings().size() + 1;
+}
+
+extern "C" Q_DECL_EXPORT QString libnymea_api_version()
+{
+    return QStringLiteral(FAKE_API_VERSION);
+}

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef HOSTPROCESS_H
+#define HOSTPROCESS_H
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QProcess>
+#include <QVector>
+
+/*! The host program with --json, at the test's command. Ends with this object, by quit or else by kill. */
+class HostProcess {
+public:
+    HostProcess(const QString &plugin, const QString &storage, const QStringList &options = {});
+    ~HostProcess();
+
+    /*! Sends a command and waits for its answer, which is empty when none came in time. */
+    QJsonObject command(const QString &line);
+    void send(const QString &line);
+    /*! The next object of the host's output; empty when none came in time or the host has ended. */
+    QJsonObject next();
+    /*! Reads on until an event of that name, and returns it. */
+    QJsonObject nextEvent(const QString &name);
+
+    /*! All events read so far, in order. */
+    QVector<QJsonObject> events;
+    QVector<QJsonObject> eventsNamed(const QString &name) const;
+
+    void closeInput();
+    void kill();
+    void terminate();
+    /*! Waits for the end and returns the exit status, -1 for none in time or a crash. */
+    int exitStatus();
+    QString log();
+
+private:
+    QProcess m_process;
+};
+
+#endif // HOSTPROCESS_H

@@ -1,0 +1,401 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "hostprocess.h"
+
+#include <QtTest>
+
+/*! The host program as a script or a person meets it. */
+class TestHost : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void answersAndEvents();
+    void discoverAnswers();
+    void refusals_data();
+    void refusals();
+    void answersWhileASetupIsPending();
+    void aRemovedThingsCommandIsAnswered();
+    void pendingCommandDelaysTheNext();
+    void removedOfferIsAddedAnew();
+    void endOfInput();
+    void signalEndsIt();
+    void logRecords();
+    void unusablePlugins_data();
+    void unusablePlugins();
+    void options_data();
+    void options();
+    void inputFromAFile();
+    void textForPeople();
+
+private:
+    /*! Runs the host with \a input as a file until it ends by itself; its output. */
+    QString run(const QStringList &arguments, const QByteArray &input, int *status = nullptr,
+                QString *errors = nullptr) const;
+    QStringList storage() const { return { "--storage", m_folder->path() }; }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<HostProcess> m_host;
+};
+
+void TestHost::init()
+{
+    m_host.reset();
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_host = std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path());
+}
+
+QString TestHost::run(const QStringList &arguments, const QByteArray &input, int *status,
+                      QString *errors) const
+{
+    QTemporaryFile file;
+    if (!file.open() || file.write(input) != input.size() || !file.flush())
+        return "no file";
+    QProcess process;
+    process.setStandardInputFile(file.fileName());
+    process.start(VELA_HOST, arguments);
+    if (!process.waitForFinished(20000) || process.exitStatus() != QProcess::NormalExit)
+        return "no end";
+    if (status)
+        *status = process.exitCode();
+    if (errors)
+        *errors = QString::fromUtf8(process.readAllStandardError());
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+void TestHost::answersAndEvents()
+{
+    m_host->command("discover bridge address=A setup=announces children=1");
+    const QJsonObject added = m_host->command("add 1");
+    QVERIFY(added.value("ok").toBool());
+    QCOMPARE(added.value("thingError"), QJsonValue("ThingErrorNoError"));
+    QCOMPARE(added.value("message"), QJsonValue(""));
+    QVERIFY(!added.contains("error"));
+    QCOMPARE(m_host->events.size(), 3); // what the post-set-up has changed comes before the answer
+    const QString id = added.value("thingId").toString();
+    m_host->nextEvent("setupFinished");
+    QStringList order;
+    for (const QJsonObject &event : qAsConst(m_host->events)) {
+        const QJsonObject thing = event.value("thing").toObject();
+        order << event.value("event").toString() + ' ' + thing.value("name").toString();
+    }
+    QCOMPARE(order,
+             QStringList({ "thingAdded Bridge A", "setupFinished ", "stateChanged ", "thingAdded Lamp 1",
+                           "setupFinished " }));
+    QCOMPARE(m_host->events.at(1).value("thingId").toString(), id);
+    QCOMPARE(m_host->events.at(1).value("thingError").toString(), QString("ThingErrorNoError"));
+
+    const QJsonObject things = m_host->command("things");
+    const QJsonObject lamp = things.value("things").toArray().at(1).toObject();
+    QCOMPARE(lamp.keys(),
+             QStringList({ "class", "id", "name", "params", "parentId", "setupStatus", "states" }));
+    QCOMPARE(lamp.value("class").toString(), QString("lamp"));
+    QCOMPARE(lamp.value("parentId").toString(), id);
+    QCOMPARE(lamp.value("params").toObject(),
+             (QJsonObject{
+                 {"number", 1}
+    }));
+    QCOMPARE(lamp.value("states").toObject(),
+             (QJsonObject{
+                 {"brightness",     5    },
+                 { "maxBrightness", 10   },
+                 { "power",         false},
+                 { "order",         ""   },
+                 { "burnt",         0    }
+    }));
+    QCOMPARE(m_host->command("show Lamp").value("things").toArray(), QJsonArray{ lamp });
+
+    m_host->events.clear();
+    QVERIFY(m_host->command("set 'Lamp 1' brightness 9").value("ok").toBool());
+    const QJsonObject change{
+        {"event",    "stateChanged"  },
+        { "thingId", lamp.value("id")},
+        { "name",    "Lamp 1"        },
+        { "state",   "brightness"    },
+        { "value",   9               }
+    };
+    QCOMPARE(m_host->events, QVector<QJsonObject>{ change }); // before the answer
+    QVERIFY(m_host->command("remove " + id).value("ok").toBool());
+    QCOMPARE(m_host->eventsNamed("thingRemoved").size(), 2);
+    QCOMPARE(m_host->command("things").value("things").toArray(), QJsonArray());
+}
+
+void TestHost::discoverAnswers()
+{
+    QJsonObject answer = m_host->command("discover bridge address=A children=2");
+    QCOMPARE(answer.value("thingError"), QJsonValue("ThingErrorNoError"));
+    QJsonObject offer{
+        {"title",        "Bridge A"                                          },
+        { "description", "A bridge"                                          },
+        { "class",       "bridge"                                            },
+        { "thingId",     QJsonValue()                                        },
+        { "params",      QJsonObject{ { "address", "A" }, { "children", 2 } }}
+    };
+    QCOMPARE(answer.value("offers").toArray(), QJsonArray{ offer });
+    const QString id = m_host->command("add 1").value("thingId").toString();
+    answer = m_host->command("discover bridge address=A children=2");
+    offer["thingId"] = id;
+    QCOMPARE(answer.value("offers").toArray(), QJsonArray{ offer });
+    QCOMPARE(m_host->command("add 1").value("thingId").toString(), id);
+
+    answer = m_host->command("discover bridge address=broken");
+    QCOMPARE(answer.value("ok"), QJsonValue(false));
+    QCOMPARE(answer.value("thingError"), QJsonValue("ThingErrorHardwareFailure"));
+    QCOMPARE(answer.value("message"), QJsonValue("It is broken.\nReplace it."));
+    QCOMPARE(answer.value("offers").toArray(), QJsonArray());
+    QCOMPARE(m_host->command("add 1").value("error").toString(),
+             QString("There is nothing to add; \"discover\" something first."));
+}
+
+void TestHost::refusals_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("unknown command") << "lamps"
+                                     << "There is no command \"lamps\"; there are classes, discover,";
+    QTest::newRow("open quote") << "show 'Lamp 1"
+                                << "A quote (') is not closed.";
+    QTest::newRow("too few") << "set Lamp brightness"
+                             << "Usage: set THING STATE VALUE";
+    QTest::newRow("too many") << "things now"
+                              << "Usage: things";
+    QTest::newRow("unknown class") << "discover car"
+                                   << "There is no thing class \"car\"; discovery finds bridge.";
+    QTest::newRow("class not for discovery") << "discover lamp"
+                                             << "Things of class lamp are not found by discovery.";
+    QTest::newRow("unknown parameter") << "discover bridge port=1"
+                                       << "\"port\" does not set a parameter";
+    QTest::newRow("no assignment") << "discover bridge address"
+                                   << "\"address\" does not set a parameter";
+    QTest::newRow("given twice") << "discover bridge address=A address=B"
+                                 << "Parameter address is given twice.";
+    QTest::newRow("bad parameter") << "discover bridge children=many"
+                                   << "Parameter children must be a whole number";
+    QTest::newRow("great parameter") << "discover bridge children=101"
+                                     << "Parameter children must be at most 100";
+    QTest::newRow("no such offer") << "add 2"
+                                   << "N must be a number from 1 to 1, not \"2\".";
+    QTest::newRow("offer as text") << "add one"
+                                   << "N must be a number from 1 to 1, not \"one\".";
+    QTest::newRow("unknown thing") << "show Car"
+                                   << "There is no thing \"Car\"; there are Bridge A, Lamp 1, Lamp 2.";
+    QTest::newRow("ambiguous thing") << "remove Lamp"
+                                     << "\"Lamp\" could be any of Lamp 1, Lamp 2.";
+    QTest::newRow("unknown state") << "set 'Lamp 1' colour red"
+                                   << "Lamp 1 has no state \"colour\" that can be set";
+    QTest::newRow("read-only state")
+        << "set 'Lamp 1' burnt 1"
+        << "Lamp 1 has no state \"burnt\" that can be set; there are brightness,";
+    QTest::newRow("out of range") << "set 'Lamp 1' brightness 11"
+                                  << "Parameter brightness must be from 1 to 10, not \"11\".";
+    QTest::newRow("not a number") << "set 'Lamp 1' brightness high"
+                                  << "brightness must be a whole number, 0 or more";
+    QTest::newRow("not a bool") << "set 'Lamp 1' power on"
+                                << "power must be true or false, not \"on\".";
+    QTest::newRow("not a time") << "wait long"
+                                << "SECONDS must be a number from 0 to 86400, not \"long\".";
+    QTest::newRow("negative time") << "watch -1"
+                                   << "SECONDS must be a number from 0 to 86400, not \"-1\".";
+}
+
+void TestHost::refusals()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, error);
+    m_host->command("discover bridge address=A setup=announces children=2");
+    m_host->command("add 1");
+    while (m_host->eventsNamed("setupFinished").size() < 3 && !m_host->next().isEmpty()) { }
+    const QJsonObject before = m_host->command("things");
+    m_host->events.clear();
+    const QJsonObject answer = m_host->command(command);
+    QCOMPARE(answer.value("answer").toString(), command.section(' ', 0, 0));
+    QCOMPARE(answer.value("ok"), QJsonValue(false));
+    QVERIFY2(answer.value("error").toString().startsWith(error),
+             qPrintable(answer.value("error").toString()));
+    QCOMPARE(m_host->command("things"), before);
+    QCOMPARE(m_host->events, QVector<QJsonObject>());
+}
+
+void TestHost::answersWhileASetupIsPending()
+{
+    m_host->command("discover bridge address=A setup=announces children=1");
+    m_host->command("add 1");
+    m_host->command("discover bridge address=A setup=hangs");
+    m_host->send("add 1");
+    m_host->nextEvent("stateChanged"); // the count of set-ups: this one has begun
+    m_host->kill();
+    m_host =
+        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{ "--job-timeout", "86400" });
+    m_host->nextEvent("setupFinished");
+    const QJsonArray things = m_host->command("things").value("things").toArray();
+    QCOMPARE(things.at(0).toObject().value("setupStatus").toString(), QString("ThingSetupStatusInProgress"));
+    QVERIFY(m_host->command("set 'Lamp 1' power true").value("ok").toBool());
+    const QJsonObject refused = m_host->command("setup Bridge");
+    QCOMPARE(refused.value("thingError").toString(), QString("ThingErrorThingInUse"));
+    QCOMPARE(refused.value("error").toString(),
+             QString("A set-up of Bridge A is pending; wait until it has finished."));
+}
+
+void TestHost::aRemovedThingsCommandIsAnswered()
+{
+    m_host->command("discover bridge address=A setup=announces children=1");
+    m_host->command("add 1");
+    const QJsonObject answer = m_host->command("set 'Lamp 1' order vanish");
+    QCOMPARE(m_host->eventsNamed("thingRemoved").size(), 1);
+    QCOMPARE(answer.value("thingError").toString(), QString("ThingErrorThingNotFound"));
+    QCOMPARE(answer.value("error").toString(), QString("Lamp 1 has been removed."));
+}
+
+void TestHost::pendingCommandDelaysTheNext()
+{
+    m_host.reset();
+    m_host =
+        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{ "--job-timeout", "0.1" });
+    for (const char *line : { "discover bridge address=nobody", "wait 0.05", "watch 0.05", "watch", "",
+                              "# nothing", "help", "things" })
+        m_host->send(line);
+    QStringList answers;
+    while (answers.size() < 6) {
+        const QJsonObject answer = m_host->next();
+        QVERIFY(!answer.isEmpty());
+        answers << answer.value("answer").toString();
+    }
+    QCOMPARE(answers, QStringList({ "discover", "wait", "watch", "watch", "help", "things" }));
+}
+
+void TestHost::removedOfferIsAddedAnew()
+{
+    m_host->command("discover bridge address=A");
+    const QString first = m_host->command("add 1").value("thingId").toString();
+    // The offer stands for what it has become: adding it again does not double it.
+    QCOMPARE(m_host->command("add 1").value("thingId").toString(), first);
+    QVERIFY(m_host->command("remove Bridge").value("ok").toBool());
+    const QString second = m_host->command("add 1").value("thingId").toString();
+    QVERIFY(!second.isEmpty());
+    QVERIFY(second != first);
+}
+
+void TestHost::endOfInput()
+{
+    m_host.reset();
+    m_host =
+        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{ "--job-timeout", "0.1" });
+    m_host->send("discover bridge address=nobody");
+    m_host->send("things");
+    m_host->closeInput();
+    QCOMPARE(m_host->next().value("thingError").toString(), QString("ThingErrorTimeout"));
+    QCOMPARE(m_host->next().value("answer").toString(), QString("things"));
+    QCOMPARE(m_host->exitStatus(), 0);
+}
+
+void TestHost::signalEndsIt()
+{
+    m_host->command("things");
+    m_host->send("wait 1000");
+    m_host->terminate();
+    QCOMPARE(m_host->exitStatus(), 0);
+}
+
+void TestHost::logRecords()
+{
+    m_host.reset();
+    const QStringList arguments = QStringList{ "--plugin", FAKE_PLUGIN } + storage();
+    const QByteArray input = "discover bridge address=broken\ndiscover bridge address=A\nadd 1\n";
+    qputenv("QT_LOGGING_RULES", "*.warning=false");
+    QString log;
+    run(arguments + QStringList{ "--log", "*.debug=true" }, input, nullptr, &log);
+    qunsetenv("QT_LOGGING_RULES");
+    const QStringList lines = log.split('\n', Qt::SkipEmptyParts);
+    const QRegularExpression record(
+        R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3} (debug|warning) default: (.*)$)");
+    QStringList texts;
+    for (const QString &line : lines) {
+        const QRegularExpressionMatch match = record.match(line);
+        texts << (match.hasMatch() ? match.captured(1) + ' ' + match.captured(2) : line);
+    }
+    QCOMPARE(texts,
+             QStringList({ "warning It is broken.", "    Replace it.",
+                           "debug setting up \"Bridge A\" with 0 things" }));
+}
+
+void TestHost::unusablePlugins_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("missing") << "/nowhere/plugin.so"
+                             << "there is no such file";
+    QTest::newRow("not a library") << QFINDTESTDATA("fakeplugin.json") << "it is not a Qt plugin";
+    QTest::newRow("other version") << OTHER_VERSION_PLUGIN << "it is built for API version 6.0.0, not 7.4.0";
+    QDirIterator others(QLibraryInfo::location(QLibraryInfo::PluginsPath), { "*.so" }, QDir::Files,
+                        QDirIterator::Subdirectories);
+    QVERIFY(others.hasNext());
+    QTest::newRow("another kind of plugin") << others.next() << "not io.nymea.IntegrationPlugin";
+}
+
+void TestHost::unusablePlugins()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, reason);
+    m_host.reset();
+    int status = 0;
+    QString errors;
+    QCOMPARE(run(QStringList{ "--json", "--plugin", file } + storage(), "things\n", &status, &errors),
+             QString());
+    QCOMPARE(status, 1);
+    QVERIFY2(errors.contains(file), qPrintable(errors));
+    QVERIFY2(errors.contains(reason), qPrintable(errors));
+}
+
+void TestHost::options_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("help") << QStringList("--help") << 0 << "discover vela backendUrl=";
+    QTest::newRow("version") << QStringList("--version") << 0 << "vela-host " VELA_VERSION "\n";
+    QTest::newRow("unknown") << QStringList("--colour") << 2 << "colour";
+    QTest::newRow("argument") << QStringList("things") << 2 << "Unknown argument \"things\"";
+    QTest::newRow("no time") << QStringList({ "--job-timeout", "never" }) << 2 << "not \"never\"";
+}
+
+void TestHost::options()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, text);
+    int status = -1;
+    QString errors;
+    const QString output = run(arguments, {}, &status, &errors);
+    QTEST(status, "status");
+    QVERIFY2((output + errors).contains(text), qPrintable(output + errors));
+}
+
+void TestHost::inputFromAFile()
+{
+    m_host.reset();
+    const QString output = run(QStringList{ "--json", "--plugin", FAKE_PLUGIN } + storage(),
+                               "discover bridge address=A\nadd 1\nthings\nquit\nclasses\n");
+    const QStringList answers = output.split('\n', Qt::SkipEmptyParts).filter("\"answer\":");
+    QCOMPARE(answers.size(), 4);
+    QVERIFY(answers.at(2).contains("\"name\":\"Bridge A\""));
+    QVERIFY(answers.at(3).contains("\"quit\""));
+}
+
+void TestHost::textForPeople()
+{
+    m_host.reset();
+    const QString output =
+        run(QStringList{ "--plugin", FAKE_PLUGIN } + storage(),
+            "discover bridge address='A\x1b[31m' setup=announces children=1\nadd 1\nthings\n"
+            "set Lamp brightness 3\nshow Lamp\nset Lamp brightness 12\nwatch 0\ndiscover bridge "
+            "address=broken\n");
+    QVERIFY2(!output.contains('\x1b'), qPrintable(output));
+    for (const char *text : { "1  Bridge A?[31m  A bridge  bridge  new\n", "+ Lamp 1 has been added (Lamp)\n",
+                              "\nLamp 1         lamp    set up  power false\n", "Lamp 1: brightness 3\n",
+                              "state brightness     3      (1 to 10, can be set)\n",
+                              "Error: Parameter brightness must be from 1 to 10, not \"12\".\n",
+                              "There are no wallboxes yet.\n", "Error: It is broken. Replace it.\n" })
+        QVERIFY2(output.contains(text), qPrintable(text + ("\nis not in\n" + output)));
+}
+
+QTEST_GUILESS_MAIN(TestHost)
+#include "tst_host.moc"

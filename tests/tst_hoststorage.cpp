@@ -1,0 +1,271 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "hostprocess.h"
+
+#include <daemon.h>
+
+#include <QtTest>
+
+#include <QJsonDocument>
+#include <QSettings>
+
+#include <random>
+#include <sys/stat.h>
+
+/*! What the host keeps over a restart, an end by force and damage. */
+class TestHostStorage : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void restoresThings();
+    void onlyOneHostAtATime();
+    void sweepsLeftovers();
+    void damagedFileIsLeftAlone_data();
+    void damagedFileIsLeftAlone();
+    void keepsThingsOfUnknownClasses();
+    void circleOfParents();
+    void writesOnlyWhatHasChanged();
+    void killLosesNothingReported();
+
+private:
+    std::unique_ptr<HostProcess> host() const
+    {
+        return std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path());
+    }
+    QString path(const QString &file) const { return m_folder->filePath(file); }
+    QByteArray content(const QString &file) const;
+    void write(const QString &file, const QByteArray &content) const;
+    QJsonArray storedThings() const;
+    void storeThings(const QJsonArray &things) const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+namespace {
+
+QStringList names(const QJsonObject &answer)
+{
+    QStringList names;
+    for (const QJsonValue thing : answer.value("things").toArray())
+        names.append(thing.toObject().value("name").toString());
+    return names;
+}
+
+void addBridge(HostProcess &host, int lamps)
+{
+    host.command(QStringLiteral("discover bridge address=A setup=announces children=%1").arg(lamps));
+    host.command("add 1");
+    while (host.eventsNamed("thingAdded").size() < 1 + lamps && !host.next().isEmpty()) { }
+}
+
+ino_t inode(const QString &file)
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(file).constData(), &status) == 0 ? status.st_ino : 0;
+}
+
+} // namespace
+
+void TestHostStorage::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+}
+
+QByteArray TestHostStorage::content(const QString &file) const
+{
+    QFile opened(path(file));
+    return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
+}
+
+void TestHostStorage::write(const QString &file, const QByteArray &content) const
+{
+    QFile opened(path(file));
+    QVERIFY(opened.open(QIODevice::WriteOnly));
+    QCOMPARE(opened.write(content), qint64(content.size()));
+}
+
+QJsonArray TestHostStorage::storedThings() const
+{
+    return QJsonDocument::fromJson(content("things.json")).object().value("things").toArray();
+}
+
+void TestHostStorage::storeThings(const QJsonArray &things) const
+{
+    write("things.json",
+          QJsonDocument(QJsonObject{
+                            {"things", things}
+    })
+              .toJson());
+}
+
+void TestHostStorage::restoresThings()
+{
+    auto first = host();
+    addBridge(*first, 2);
+    QVERIFY(first->command("set 'Lamp 2' brightness 7").value("ok").toBool());
+    QVERIFY(first->command("set 'Lamp 2' power true").value("ok").toBool());
+    const QJsonArray before = first->command("show 'Lamp 2'").value("things").toArray();
+    QJsonObject expected = before.first().toObject();
+    QCOMPARE(expected.value("states").toObject().value("power"), QJsonValue(true));
+    first.reset();
+
+    auto second = host();
+    second->nextEvent("setupFinished");
+    QCOMPARE(names(second->command("things")), QStringList({ "Bridge A", "Lamp 1", "Lamp 2" }));
+    QJsonObject states = expected.value("states").toObject();
+    states["power"] = false; // not cached
+    expected["states"] = states;
+    expected["setupStatus"] = "ThingSetupStatusComplete";
+    while (second->eventsNamed("setupFinished").size() < 3 && !second->next().isEmpty()) { }
+    QCOMPARE(second->command("show 'Lamp 2'").value("things").toArray().first().toObject(), expected);
+    QCOMPARE(second->eventsNamed("thingAdded").size(), 0);
+}
+
+void TestHostStorage::onlyOneHostAtATime()
+{
+    auto first = host();
+    QVERIFY(first->command("things").value("ok").toBool());
+    auto second = host();
+    QCOMPARE(second->exitStatus(), 1);
+    const QString log = second->log();
+    QVERIFY2(log.contains(m_folder->path() + " is in use by another host (process "), qPrintable(log));
+    first->kill();
+    QVERIFY(host()->command("things").value("ok").toBool());
+}
+
+void TestHostStorage::sweepsLeftovers()
+{
+    const QString settings = "pluginconfig-00000000-0000-4000-8000-000000000001.conf";
+    const QStringList leftovers{ settings + ".lock", settings + ".lock.rmlock", settings + ".AbCdEf",
+                                 "things.json.XyZ123" };
+    for (const QString &file : leftovers)
+        write(file, "half");
+    write("a note of the owner", "whole");
+    addBridge(*host(), 1); // writes both files: with a lock of QSettings in the way it would wait for ever
+    for (const QString &file : leftovers)
+        QVERIFY2(!QFile::exists(path(file)), qPrintable(file));
+    QCOMPARE(content("a note of the owner"), QByteArray("whole"));
+    QVERIFY(QFile::exists(path(settings)));
+}
+
+void TestHostStorage::damagedFileIsLeftAlone_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("truncated") << QByteArray(R"({"things": [)");
+    QTest::newRow("no list") << QByteArray(R"({"things": {}})");
+    QTest::newRow("thing without id") << QByteArray(R"({"things": [{}]})");
+    const QByteArray thing = R"({"id": "00000000-0000-4000-8000-000000000099"})";
+    QTest::newRow("id used twice") << "{\"things\": [" + thing + "," + thing + "]}";
+}
+
+void TestHostStorage::damagedFileIsLeftAlone()
+{
+    QFETCH(QByteArray, content);
+    write("things.json", content);
+    const auto damaged = host();
+    damaged->send("things");
+    QCOMPARE(damaged->exitStatus(), 1);
+    QVERIFY(damaged->log().contains(path("things.json")));
+    QCOMPARE(this->content("things.json"), content);
+}
+
+void TestHostStorage::keepsThingsOfUnknownClasses()
+{
+    auto first = host();
+    addBridge(*first, 2);
+    first->command("discover bridge address=A children=0"); // so that a restart announces none
+    first->command("add 1");
+    first.reset();
+    QJsonArray things = storedThings();
+    QJsonObject stranger = things.at(1).toObject();
+    stranger["class"] = "00000000-0000-4000-8000-000000000077";
+    things[1] = stranger;
+    storeThings(things);
+
+    auto restarted = host();
+    QCOMPARE(names(restarted->command("things")), QStringList({ "Bridge A", "Lamp 2" }));
+    QVERIFY(restarted->command("set 'Lamp 2' brightness 9").value("ok").toBool());
+    restarted->closeInput();
+    QCOMPARE(restarted->exitStatus(), 0);
+    QVERIFY(restarted->log().contains("no class for the stored thing Lamp 1"));
+    QVERIFY(storedThings().contains(stranger));
+    QCOMPARE(storedThings().size(), 3);
+}
+
+void TestHostStorage::circleOfParents()
+{
+    addBridge(*host(), 1);
+    QJsonArray things = storedThings();
+    QJsonObject bridge = things.at(0).toObject();
+    bridge["parentId"] = things.at(1).toObject().value("id");
+    things[0] = bridge;
+    storeThings(things);
+    auto restarted = host();
+    QCOMPARE(names(restarted->command("things")), QStringList({ "Bridge A", "Lamp 1" }));
+    QVERIFY(restarted->command("remove 'Bridge A'").value("ok").toBool());
+    QCOMPARE(names(restarted->command("things")), QStringList());
+}
+
+void TestHostStorage::writesOnlyWhatHasChanged()
+{
+    auto running = host();
+    addBridge(*running, 1);
+    running->command("set 'Lamp 1' power false");
+    const ino_t before = inode(path("things.json"));
+    QVERIFY(running->command("set 'Lamp 1' power true").value("ok").toBool());
+    QCOMPARE(inode(path("things.json")), before);
+    QVERIFY(running->command("set 'Lamp 1' brightness 2").value("ok").toBool());
+    QVERIFY(inode(path("things.json")) != before);
+}
+
+void TestHostStorage::killLosesNothingReported()
+{
+    constexpr int kills = 10;
+    std::mt19937 random(1); // the same moments in every run, as far as the machine allows
+    QStringList added{ "Bridge A", "Lamp 1" };
+    QHash<QString, int> burnt;
+    addBridge(*host(), 1);
+    for (int i = 0; i < kills; ++i) {
+        auto doomed = host();
+        // Lamps appear, while those that are there burn and report it every millisecond.
+        doomed->send(
+            QStringLiteral("discover bridge address=A setup=announces children=%1").arg(qMin(8, i + 2)));
+        doomed->send("add 1");
+        for (const QString &name : qAsConst(added))
+            doomed->send(QStringLiteral("set '%1' order burn").arg(name));
+        for (unsigned objects = 1 + random() % 150; objects > 0; --objects)
+            QVERIFY(!doomed->next().isEmpty());
+        doomed->kill();
+        while (!doomed->next().isEmpty()) { } // what was still in the pipe has been reported as well
+        for (const QJsonObject &event : doomed->eventsNamed("thingAdded"))
+            added.append(event.value("thing").toObject().value("name").toString());
+        for (const QJsonObject &event : doomed->eventsNamed("stateChanged")) {
+            if (event.value("state") == QLatin1String("burnt"))
+                burnt[event.value("name").toString()] = event.value("value").toInt();
+        }
+
+        const QSettings pluginStorage(path("pluginconfig-00000000-0000-4000-8000-000000000001.conf"),
+                                      QSettings::IniFormat);
+        for (const QString &name : qAsConst(added))
+            QVERIFY2(pluginStorage.contains("setUp/" + name), qPrintable(name));
+        auto restarted = host();
+        const QJsonArray things = restarted->command("things").value("things").toArray();
+        QHash<QString, int> found;
+        for (const QJsonValue thing : things) {
+            const QString name = thing.toObject().value("name").toString();
+            QVERIFY2(!found.contains(name), qPrintable(name));
+            found[name] = thing.toObject().value("states").toObject().value("burnt").toInt();
+        }
+        for (const QString &name : qAsConst(added)) {
+            QVERIFY2(found.contains(name), qPrintable(name));
+            QVERIFY2(found.value(name) >= burnt.value(name), qPrintable(name));
+        }
+        added = found.keys(); // one may be stored and not yet reported
+    }
+    QVERIFY(burnt.size() >= 3);
+}
+
+QTEST_GUILESS_MAIN(TestHostStorage)
+#include "tst_hoststorage.moc"
