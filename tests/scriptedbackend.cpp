@@ -109,6 +109,11 @@ void ScriptedBackend::answerRaw(Operation operation, const QByteArray &bytes)
     m_scripts.insert(operation, { Script::Raw, 0, bytes });
 }
 
+void ScriptedBackend::hangUp(Operation operation)
+{
+    m_scripts.insert(operation, { Script::HangUp, 0, {} });
+}
+
 void ScriptedBackend::hold(Operation operation)
 {
     m_scripts.insert(operation, { Script::Hold, 0, {} });
@@ -202,6 +207,8 @@ void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
         break;
     case Script::Raw:
         socket->write(script.bytes);
+        break;
+    case Script::HangUp:
         socket->disconnectFromHost();
         break;
     case Script::Hold:

@@ -44,8 +44,10 @@ public:
 
     /*! Answers \a operation in this way until told otherwise. */
     void answer(Operation operation, int status, const QByteArray &body = "{}");
-    /*! Sends \a bytes in place of a response, and closes the connection. */
+    /*! Sends \a bytes in place of a response. */
     void answerRaw(Operation operation, const QByteArray &bytes);
+    /*! Closes the connection instead of answering. */
+    void hangUp(Operation operation);
     /*! Leaves requests without an answer; release() answers the one that has waited longest. */
     void hold(Operation operation);
     void answerNormally(Operation operation);
@@ -67,7 +69,7 @@ public:
 
 private:
     struct Script {
-        enum { Normal, Respond, Raw, Hold } kind = Normal;
+        enum { Normal, Respond, Raw, HangUp, Hold } kind = Normal;
         int status = 200;
         QByteArray bytes;
     };

@@ -226,22 +226,21 @@ void TestDiscovery::existingGateways()
 void TestDiscovery::laterAnswersAreIgnored()
 {
     Site site;
-    LogRecorder *log = &site.log;
     site.backend.hold(Backend::GroupInfo);
     const Job first = site.discover(site.backend.url(), "yard", "one");
     const Job second = site.discover(site.backend.url(), "depot", "two");
     QTRY_COMPARE(site.backend.requests().size(), 2);
-    QVERIFY(site.backend.release(Backend::GroupInfo));
-    QCOMPARE(Site::result(second), "NoError");
-    QCOMPARE(first->text, "NoError");
-    QCOMPARE(first->offers.size(), 1);
-    QCOMPARE(second->offers.size(), 1);
+    // Both at once: the second may come before the jobs have been disposed of.
+    for (int answers = 0; answers < 2; ++answers)
+        QVERIFY(site.backend.release(Backend::GroupInfo));
+    QTRY_COMPARE(site.log.count("debug: getConnectedInfra() - Received"), 2);
+    for (const Job &job : { first, second }) {
+        QCOMPARE(Site::result(job), "NoError");
+        QCOMPARE(job->offers.size(), 1);
+    }
     QCOMPARE(stored(site), (QStringList{ "groupId depot", "groupSecret two", "url URL" }));
-
-    QVERIFY(site.backend.release(Backend::GroupInfo, R"({"evse_ids":{}})"));
-    QTRY_COMPARE(log->count("debug: getConnectedInfra() - Received"), 2);
-    QCOMPARE(log->warnings(), QStringList());
-    QCOMPARE(log->count("debug: discoverThings() - OCPP reached successfully."), 2);
+    QCOMPARE(site.log.warnings(), QStringList());
+    QCOMPARE(site.log.count("debug: discoverThings() - OCPP reached successfully."), 2);
 }
 
 /*! A discovery elsewhere takes the polling of a working gateway along, until that is set up again. */

@@ -218,9 +218,11 @@ void TestNetworkHandler::failure()
     if (status == -1)
         client.backend.shutDown();
     else if (status == -2)
-        client.backend.answerRaw(operation, "");
-    else if (status == 0) // as a broken proxy may send it; cut off, so that it counts as failed
-        client.backend.answerRaw(operation, "HTTP/1.1 000 Nothing\r\nContent-Length: 10\r\n\r\n{");
+        client.backend.hangUp(operation);
+    else if (status == 0) // as a broken proxy may send it; fails, since the body cannot be unpacked
+        client.backend.answerRaw(operation,
+                                 "HTTP/1.1 000 Nothing\r\nContent-Encoding: gzip\r\nContent-Length: "
+                                 "8\r\n\r\n\xff\xff\xff\xff\xff\xff\xff\xff");
     client.call(operation);
     QTRY_COMPARE(client.log.lines().size(), after.isEmpty() ? 3 : 4);
     const QRegularExpression layout(
