@@ -27,13 +27,14 @@ QString name(Thing::ThingError error)
 } // namespace
 
 // What Qt asks for the current second; the program's own comes before the C library's.
-extern "C" int gettimeofday(timeval *time, void *) noexcept
+extern "C" int gettimeofday(timeval *tv, void *) noexcept
 {
-    *time = { currentSecond, 0 };
+    *tv = { currentSecond, 0 };
     return 0;
 }
 
 // The plugin leaves its client to the end of the process, which a test's daemon does not wait for.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
 extern "C" const char *__lsan_default_suppressions();
 extern "C" const char *__lsan_default_suppressions()
 {
@@ -101,7 +102,7 @@ Job Site::watch(ThingJob *job)
     return outcome;
 }
 
-Job Site::discover(const QString &url, const QString &groupId, const QString &groupSecret)
+Job Site::discover(const QString &url, const QString &groupId, const QString &groupSecret) const
 {
     const ThingClass gateway = daemon->thingClasses().findByName("vela");
     ParamList params;
@@ -116,7 +117,7 @@ Job Site::discover(const QString &url, const QString &groupId, const QString &gr
     return watch(daemon->discover(gateway.id, params));
 }
 
-Job Site::set(const QString &infraId, const QString &state, const QVariant &value)
+Job Site::set(const QString &infraId, const QString &state, const QVariant &value) const
 {
     return watch(daemon->execute(wallbox(infraId), state, value));
 }
@@ -160,13 +161,13 @@ QVariant Site::state(const QString &infraId, const QString &name) const
     return thing ? thing->stateValue(name) : QVariant();
 }
 
-void Site::tick()
+void Site::tick() const
 {
     daemon->hardwareManager()->pluginTimerManager()->tick();
     daemon->hardwareManager()->pluginTimerManager()->tick();
 }
 
-bool Site::poll()
+bool Site::poll() const
 {
     const int before = log.lines().size();
     tick();
@@ -181,7 +182,7 @@ bool Site::poll()
     });
 }
 
-void Site::fireChargeLimitTimer()
+void Site::fireChargeLimitTimer() const
 {
     const QList<QTimer *> timers = chargeLimitTimers();
     for (QTimer *timer : timers)
@@ -205,8 +206,8 @@ QList<PluginTimer *> Site::pluginTimers() const
 
 QStringList Site::story() const
 {
-    static const QRegularExpression classAndId(", class \\w+, id \\{[^}]*\\}");
-    static const QRegularExpression uuid("QUuid\\(\"[^\"]*\"\\)");
+    static const QRegularExpression classAndId(R"(, class \w+, id \{[^}]*\})");
+    static const QRegularExpression uuid(R"re(QUuid\("[^"]*"\))re");
     QStringList lines = log.lines();
     lines.replaceInStrings(classAndId, QString());
     lines.replaceInStrings(uuid, "ID");

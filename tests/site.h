@@ -37,15 +37,15 @@ public:
     /*! Ends the daemon as it is, and starts another on the same storage. */
     void restart();
 
-    Job discover(const QString &url, const QString &groupId, const QString &groupSecret);
-    Job discover() { return discover(backend.url(), "yard", "s3cret"); }
-    Job add(const ThingDescriptor &descriptor) { return watch(daemon->add(descriptor)); }
-    Job setup(Thing *thing) { return watch(daemon->setup(thing)); }
+    Job discover(const QString &url, const QString &groupId, const QString &groupSecret) const;
+    Job discover() const { return discover(backend.url(), "yard", "s3cret"); }
+    Job add(const ThingDescriptor &descriptor) const { return watch(daemon->add(descriptor)); }
+    Job setup(Thing *thing) const { return watch(daemon->setup(thing)); }
     /*! Executes the action that sets \a state. */
-    Job set(const QString &infraId, const QString &state, const QVariant &value);
+    Job set(const QString &infraId, const QString &state, const QVariant &value) const;
     /*! Waits until \a job has finished, and returns its text. */
     static QString result(const Job &job);
-    void remove(Thing *thing) { daemon->remove(thing); }
+    void remove(Thing *thing) const { daemon->remove(thing); }
 
     Things gateways() const;
     Thing *gateway() const { return gateways().value(0); }
@@ -57,10 +57,10 @@ public:
     QVariant state(const QString &infraId, const QString &name) const;
 
     /*! Two seconds pass for the plugin timer. */
-    void tick();
+    void tick() const;
     /*! tick(), and waits until the backend has answered what was sent. False when it has not. */
-    bool poll();
-    void fireChargeLimitTimer();
+    bool poll() const;
+    void fireChargeLimitTimer() const;
     static void moveClock(int seconds);
     QList<QTimer *> chargeLimitTimers() const;
     QList<PluginTimer *> pluginTimers() const;

@@ -41,7 +41,7 @@ private:
 /*! Sets the gateway up again and waits until that and all wallboxes are done; empty when well. */
 QString refresh(Site &site)
 {
-    const QString text = Site::result(site.setup(site.gateway()));
+    QString text = Site::result(site.setup(site.gateway()));
     if (text != "NoError")
         return text;
     const bool settled = QTest::qWaitFor([&site] {

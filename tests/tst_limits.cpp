@@ -35,7 +35,7 @@ namespace {
 QString prepare(Site &site)
 {
     site.backend.setWallbox("EVSE-02", 16);
-    const QString error = site.addGateway();
+    QString error = site.addGateway();
     if (!error.isEmpty())
         return error;
     for (const char *infraId : { "EVSE-01", "EVSE-02" })
@@ -135,15 +135,14 @@ void TestLimits::limitOnTheWire()
     QCOMPARE(Site::result(site.set("EVSE-02", "power", false)), "NoError");
     site.log.clear();
     QVERIFY(site.poll());
-    QCOMPARE(texts(site.backend.limits()),
-             QStringList(R"({"EVSE-01":{"unit":"A","value":10},"EVSE-02":{"unit":"A","value":0}})"));
+    const QString limits = R"({"EVSE-01":{"unit":"A","value":10},"EVSE-02":{"unit":"A","value":0}})";
+    QCOMPARE(texts(site.backend.limits()), QStringList(limits));
     QCOMPARE(site.story().mid(0, 5),
-             (QStringList{
-                 "debug: Sending charge limits QJsonObject({\"EVSE-01\":{\"unit\":\"A\",\"value\":10},"
-                 "\"EVSE-02\":{\"unit\":\"A\",\"value\":0}})",
-                 "debug: Setting profile charge power limit.",
-                 "debug: Send Post Request \"/vela/set_limits/yard\"",
-                 "debug: Update the values for all connected wallboxes.", "debug: Get info EVSE values." }));
+             (QStringList{ "debug: Sending charge limits QJsonObject(" + limits + ')',
+                           "debug: Setting profile charge power limit.",
+                           R"(debug: Send Post Request "/vela/set_limits/yard")",
+                           "debug: Update the values for all connected wallboxes.",
+                           "debug: Get info EVSE values." }));
 }
 
 void TestLimits::onlyTheLastLimitIsSent()

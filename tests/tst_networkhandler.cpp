@@ -42,7 +42,7 @@ public:
         log.clear();
     }
 
-    void call(Backend::Operation operation)
+    void call(Backend::Operation operation) const
     {
         QJsonObject limits{
             {"a", QJsonObject{ { "value", 16 }, { "unit", "A" } }}

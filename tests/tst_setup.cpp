@@ -72,9 +72,9 @@ void TestSetup::gatewayWaitsForTheBackend()
     if (silent)
         site.backend.hold(Backend::GroupInfo);
     const Job setup = site.add(discovery->offers.first());
-    Thing *gateway = site.daemon->findChild<Thing *>();
-    QCOMPARE(gateway->stateValue("connected"), QVariant(true)); // nothing can have been sent yet
-    QCOMPARE(site.backend.requests().size(), 1);                // but the discovery's
+    auto *gateway = site.daemon->findChild<Thing *>();
+    QCOMPARE(gateway->stateValue("connected"), QVariant(true));
+    QCOMPARE(site.backend.requests().size(), 1); // the discovery's: this one is still on its way
     QTRY_COMPARE(site.backend.requests().size(), 2);
     if (!silent)
         QTRY_COMPARE(site.log.warnings().size(), 1);
