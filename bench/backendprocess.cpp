@@ -11,7 +11,7 @@ BackendProcess::BackendProcess(int wallboxes, Yard yard)
     m_process.start(QCoreApplication::applicationDirPath() + QLatin1String("/vela-bench-backend"),
                     { QString::number(wallboxes), nameOf(yard) });
     while (!m_process.canReadLine()) {
-        if (!m_process.waitForReadyRead())
+        if (!m_process.waitForReadyRead(-1)) // however busy the machine is
             qFatal("The backend does not start: %s", qPrintable(m_process.errorString()));
     }
     m_url = QLatin1String("http://127.0.0.1:") + QString::fromLatin1(m_process.readLine().trimmed());
