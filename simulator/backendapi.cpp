@@ -150,7 +150,7 @@ Reply BackendApi::setLimits(const QJsonObject &body) const
     for (auto limit = object.begin(); limit != object.end(); ++limit) {
         const QJsonObject record = limit.value().toObject();
         if (!isLimit(record))
-            return badRequest("a limit must be {\"value\": a number, 0 or more, \"unit\": \"A\"}");
+            return badRequest(R"(a limit must be {"value": a number, 0 or more, "unit": "A"})");
         amperes.insert(limit.key(), record.value(QLatin1String("value")).toDouble());
     }
     m_yard.setLimits(amperes);

@@ -12,14 +12,14 @@ constexpr std::size_t limitsKept = 1000;
 // A yard that shows something from the start: what stands at the first four plugs, and again at the next
 // four.
 constexpr struct {
-    int phases; // 0: no car
     double maxCurrent;
+    int phases; // 0: no car
     bool paused;
 } firstCars[] = {
-    {3,  16, false},
-    { 1, 32, false},
-    { 3, 32, true },
-    { 0, 0,  false},
+    {16,  3, false},
+    { 32, 1, false},
+    { 32, 3, true },
+    { 0,  0, false},
 };
 
 void parkFirstCar(Wallbox &wallbox, int number)
