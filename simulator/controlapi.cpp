@@ -42,6 +42,11 @@ Reply noSuchWallbox(const QString &id)
     return refusal(404, QStringLiteral("there is no wallbox \"%1\"").arg(id));
 }
 
+QByteArray serverSentEvent(const char *name, const Reply &reply)
+{
+    return QByteArrayLiteral("event: ") + name + "\ndata: " + reply.body + "\n\n";
+}
+
 template <typename Row, std::size_t Size> const Row *findPath(const Row (&rows)[Size], const QString &path)
 {
     for (const Row &row : rows) {
@@ -56,6 +61,8 @@ const ControlApi::Reading ControlApi::readings[] = {
     {"/control/state",     &ControlApi::state   },
     { "/control/limits",   &ControlApi::limits  },
     { "/control/requests", &ControlApi::requests},
+    { "/control/history",  &ControlApi::history },
+    { "/control/events",   &ControlApi::events  },
 };
 
 const ControlApi::Control ControlApi::controls[] = {
@@ -176,6 +183,27 @@ Reply ControlApi::requests() const
     return jsonReply({
         {QStringLiteral("requests"), m_log.requests()}
     });
+}
+
+Reply ControlApi::history() const
+{
+    return jsonReply({
+        {QStringLiteral("history"), m_yard.history()}
+    });
+}
+
+// Each event holds what the reading of the same name answers; "requests" only those that it has news of.
+Reply ControlApi::events() const
+{
+    Reply reply;
+    reply.contentType = "text/event-stream";
+    reply.next = [this, seen = 0]() mutable {
+        const QJsonObject news{
+            {QStringLiteral("requests"), m_log.changes(seen)}
+        };
+        return serverSentEvent("state", state()) + serverSentEvent("requests", jsonReply(news));
+    };
+    return reply;
 }
 
 Reply ControlApi::addWallbox(BodyReader &body) const

@@ -22,6 +22,8 @@ class Yard;
  *  GET  /control/state                  the yard, the fault, the number of requests
  *  GET  /control/limits                 {"limits": [...]}, oldest first
  *  GET  /control/requests               {"requests": [...]}, oldest first
+ *  GET  /control/history                {"history": [...]}, oldest first
+ *  GET  /control/events                 state and new requests, as server-sent events
  *  POST /control/wallboxes              {"id", "maxChargingCurrent"}: adds one
  *  POST /control/wallboxes/ID/ACTION    plug, unplug, pause, resume, finish, break, mend, configure, remove
  *  POST /control/fault                  {"status", "delayMs", "garbage", "silent"}; {} is none
@@ -66,6 +68,8 @@ private:
     Reply state() const;
     Reply limits() const;
     Reply requests() const;
+    Reply history() const;
+    Reply events() const;
 
     Reply addWallbox(BodyReader &body) const;
     Reply setFault(BodyReader &body) const;

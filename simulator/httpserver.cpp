@@ -15,6 +15,7 @@ namespace {
 constexpr time_t keepAliveSeconds = 60; // far more than the two seconds between polls
 constexpr size_t keepAliveRequests = 1000000000;
 constexpr size_t largestBody = 1 << 20;
+constexpr std::chrono::milliseconds streamPeriod{ 500 }; // a change on a page seems to come at once
 
 /*! A thread for each connection. Those that are done are collected when the next one comes. */
 class ConnectionThreads : public httplib::TaskQueue {
@@ -66,7 +67,7 @@ void setBody(httplib::Response &response, const Reply &reply)
     response.status = reply.status;
     if (reply.status == 204 || reply.status == 304)
         return; // may have no body, which would pass for the start of the next reply
-    response.set_content(reply.body.constData(), size_t(reply.body.size()), "application/json");
+    response.set_content(reply.body.constData(), size_t(reply.body.size()), reply.contentType);
 }
 
 void explainRefusal(const httplib::Request & /*request*/, httplib::Response &response)
@@ -84,6 +85,12 @@ HttpServer::HttpServer(Answer answer)
     set_keep_alive_max_count(keepAliveRequests);
     set_keep_alive_timeout(keepAliveSeconds);
     set_payload_max_length(largestBody);
+    set_default_headers({
+        {"Cache-Control",                 "no-store"   },
+        { "Cross-Origin-Resource-Policy", "same-origin"},
+        { "X-Content-Type-Options",       "nosniff"    },
+        { "X-Frame-Options",              "DENY"       }
+    });
     set_error_handler(Handler(&explainRefusal));
     // A request that announces no body has none; the library would wait for one.
     set_pre_routing_handler([this](const httplib::Request &request, httplib::Response &response) {
@@ -125,13 +132,37 @@ void HttpServer::end()
     stop();
     const std::lock_guard lock(m_mutex);
     m_isEnding = true;
+    m_ending.notify_all();
     for (const socket_t socket : m_connections)
         ::shutdown(socket, SHUT_RDWR); // its thread wakes up and closes it
 }
 
-void HttpServer::respond(const httplib::Request &request, httplib::Response &response) const
+void HttpServer::respond(const httplib::Request &request, httplib::Response &response)
 {
-    setBody(response, m_answer(request));
+    const Reply reply = m_answer(request);
+    response.set_header("Content-Security-Policy",
+                        reply.policy.isEmpty() ? "default-src 'none'" : reply.policy.toStdString());
+    if (reply.next)
+        setStream(response, reply);
+    else
+        setBody(response, reply);
+}
+
+void HttpServer::setStream(httplib::Response &response, const Reply &reply)
+{
+    response.status = reply.status;
+    const auto provider = [this, next = reply.next](size_t /*offset*/, httplib::DataSink &sink) {
+        const QByteArray chunk = next();
+        return sink.write(chunk.constData(), size_t(chunk.size())) && sleep(streamPeriod);
+    };
+    response.set_chunked_content_provider(reply.contentType, provider);
+}
+
+// False if the end has come meanwhile.
+bool HttpServer::sleep(std::chrono::milliseconds duration)
+{
+    std::unique_lock lock(m_mutex);
+    return !m_ending.wait_for(lock, duration, [this] { return m_isEnding; });
 }
 
 // The library's seam for other kinds of connections; its own would be out of our reach when the end comes.

@@ -7,6 +7,8 @@
 
 #include <httplib.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <set>
@@ -29,7 +31,9 @@ public:
     void end();
 
 private:
-    void respond(const httplib::Request &request, httplib::Response &response) const;
+    void respond(const httplib::Request &request, httplib::Response &response);
+    void setStream(httplib::Response &response, const Reply &reply);
+    bool sleep(std::chrono::milliseconds duration);
     bool process_and_close_socket(socket_t socket) override;
     bool enter(socket_t socket);
     void leave(socket_t socket);
@@ -37,6 +41,7 @@ private:
     Answer m_answer;
     std::mutex m_mutex; // guards all that follows
     std::set<socket_t> m_connections;
+    std::condition_variable m_ending;
     bool m_isEnding = false;
 };
 

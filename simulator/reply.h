@@ -7,10 +7,16 @@
 #include <QJsonObject>
 #include <QString>
 
-/*! What goes back to a client: an HTTP status and a body, by its content type JSON. */
+#include <functional>
+
+/*! What goes back to a client: an HTTP status and a body, which is JSON unless it says otherwise. */
 struct Reply {
     int status = 200;
     QByteArray body;
+    const char *contentType = "application/json";
+    QByteArray policy = {}; //!< Content-Security-Policy: what a page may load and do; empty: nothing
+    /*! Makes a stream of the reply: called again and again for what comes next, instead of the body. */
+    std::function<QByteArray()> next = {};
 };
 
 Reply jsonReply(const QJsonObject &object, int status = 200);

@@ -40,7 +40,7 @@ int RequestLog::begin(const QString &operation, const QString &path, const QByte
         { QStringLiteral("reply"),      QJsonValue()}
     };
     const std::lock_guard lock(m_mutex);
-    m_entries.push_back({ ++m_count, {}, record });
+    m_entries.push_back({ ++m_count, {}, ++m_changeCount, record });
     m_entries.back().record.insert(QStringLiteral("number"), m_count);
     m_entries.back().age.start();
     if (m_entries.size() > requestsKept)
@@ -56,6 +56,7 @@ void RequestLog::end(int number, const Reply &reply)
                                     [number](const Entry &entry) { return entry.number == number; });
     if (entry == m_entries.end())
         return; // it waited for so long that it has dropped out
+    entry->change = ++m_changeCount;
     entry->record.insert(QStringLiteral("status"), reply.status);
     entry->record.insert(QStringLiteral("durationMs"), double(entry->age.nsecsElapsed()) / 1e6);
     entry->record.insert(QStringLiteral("reply"), body);
@@ -63,11 +64,20 @@ void RequestLog::end(int number, const Reply &reply)
 
 QJsonArray RequestLog::requests() const
 {
+    int seen = 0;
+    return changes(seen);
+}
+
+QJsonArray RequestLog::changes(int &seen) const
+{
     const std::lock_guard lock(m_mutex);
-    QJsonArray requests;
-    for (const Entry &entry : m_entries)
-        requests.append(entry.record);
-    return requests;
+    QJsonArray changes;
+    for (const Entry &entry : m_entries) {
+        if (entry.change > seen)
+            changes.append(entry.record);
+    }
+    seen = m_changeCount;
+    return changes;
 }
 
 int RequestLog::count() const

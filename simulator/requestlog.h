@@ -28,6 +28,9 @@ public:
     /*! The last requests, oldest first: {"number", "time", "operation", "path", "request", "status",
      *  "durationMs", "reply"}. Bodies are JSON objects, or a text that describes what is none. */
     QJsonArray requests() const;
+    /*! Those of them that have come or have been answered since the call before that had the same \a seen,
+     *  which is 0 at first. */
+    QJsonArray changes(int &seen) const;
     /*! How many there have been since the start. */
     int count() const;
 
@@ -35,12 +38,14 @@ private:
     struct Entry {
         int number;
         QElapsedTimer age;
+        int change; // the last one, counted through all entries
         QJsonObject record;
     };
 
     mutable std::mutex m_mutex; // guards all that follows
     std::deque<Entry> m_entries;
     int m_count = 0;
+    int m_changeCount = 0;
 };
 
 #endif // REQUESTLOG_H

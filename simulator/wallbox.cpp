@@ -136,6 +136,11 @@ double Wallbox::power() const
     return m_car ? m_car->phases * chargingCurrent() * phaseVoltage : 0;
 }
 
+double Wallbox::offeredPower() const
+{
+    return m_car ? m_car->phases * offeredCurrent() * phaseVoltage : 0;
+}
+
 double Wallbox::offeredCurrent() const
 {
     return std::min(m_limit.value_or(m_maxChargingCurrent), double(m_maxChargingCurrent));

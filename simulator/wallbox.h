@@ -64,6 +64,7 @@ public:
 
     std::array<double, 3> currents() const;                  //!< ampere, phase 1 first
     double power() const;                                    //!< W
+    double offeredPower() const;                             //!< W the car could draw by limit and wallbox
     double sessionEnergy() const { return m_sessionEnergy; } //!< Wh of this session, or of the last one
 
 private:

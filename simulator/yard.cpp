@@ -8,6 +8,8 @@
 
 namespace {
 constexpr std::size_t limitsKept = 1000;
+constexpr std::chrono::seconds memoryPeriod{ 1 };
+constexpr std::size_t memoriesKept = 300;
 
 // A yard that shows something from the start: what stands at the first four plugs, and again at the next
 // four.
@@ -192,6 +194,15 @@ QJsonArray Yard::limits() const
     return limits;
 }
 
+QJsonArray Yard::history() const
+{
+    const std::lock_guard lock(m_mutex);
+    QJsonArray history;
+    for (const QJsonObject &memory : m_history)
+        history.append(memory);
+    return history;
+}
+
 void Yard::catchUp()
 {
     const Clock::time_point now = Clock::now();
@@ -199,6 +210,22 @@ void Yard::catchUp()
     m_lastCatchUp = now;
     for (auto &[id, place] : m_places)
         place.wallbox.advance(elapsed);
+    if (now - m_lastMemory >= memoryPeriod)
+        remember();
+}
+
+void Yard::remember()
+{
+    m_lastMemory = m_lastCatchUp;
+    QJsonObject powers;
+    for (const auto &[id, place] : m_places)
+        powers.insert(id, QJsonArray{ place.wallbox.power(), place.wallbox.offeredPower() });
+    m_history.push_back({
+        {QStringLiteral("time"),       utcNow()},
+        { QStringLiteral("wallboxes"), powers  }
+    });
+    if (m_history.size() > memoriesKept)
+        m_history.pop_front();
 }
 
 QString Yard::freeId() const
@@ -248,6 +275,7 @@ QJsonObject Yard::stateRecord(const QString &id, const Place &place)
         { QStringLiteral("limit"),              limit                                              },
         { QStringLiteral("currents"),           QJsonArray{ currents[0], currents[1], currents[2] }},
         { QStringLiteral("power"),              wallbox.power()                                    },
+        { QStringLiteral("offeredPower"),       wallbox.offeredPower()                             },
         { QStringLiteral("sessionEnergy"),      rounded(wallbox.sessionEnergy())                   }
     };
 }

@@ -55,6 +55,9 @@ public:
     QJsonObject state();
     /*! The last limits received, oldest first: {"number", "time", "id", "value", "applied"}. */
     QJsonArray limits() const;
+    /*! The last five minutes as far as somebody looked on, oldest first: {"time", "wallboxes": {ID: [power,
+     *  offered power]}}, in W. */
+    QJsonArray history() const;
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -64,6 +67,7 @@ private:
     };
 
     void catchUp();
+    void remember();
     QString freeId() const;
     static QJsonObject valueRecord(const Wallbox &wallbox, const QString &time);
     static QJsonObject stateRecord(const QString &id, const Place &place);
@@ -76,6 +80,8 @@ private:
     std::map<QString, Place> m_places;
     std::deque<QJsonObject> m_limits;
     int m_limitCount = 0;
+    std::deque<QJsonObject> m_history;
+    Clock::time_point m_lastMemory;
 };
 
 /*! Now, ISO 8601 in UTC with milliseconds: "2024-05-01T12:00:00.500Z". */

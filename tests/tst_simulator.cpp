@@ -146,7 +146,8 @@ QByteArray exchange(QTcpSocket &socket, const QByteArray &text, const QByteArray
 {
     socket.write(text);
     QByteArray received = socket.readAll();
-    while (!received.contains(end) && socket.waitForReadyRead(5000))
+    const QDeadlineTimer patience(5000);
+    while (!received.contains(end) && socket.waitForReadyRead(int(patience.remainingTime())))
         received += socket.readAll();
     return received;
 }
@@ -182,6 +183,8 @@ private Q_SLOTS:
     void badControlsChangeNothing();
     void foreignPagesAreRefused_data();
     void foreignPagesAreRefused();
+
+    void eventsTellTheNewsOnce();
 
     void faults_data();
     void faults();
@@ -625,6 +628,35 @@ void TestSimulator::foreignPagesAreRefused()
     QCOMPARE(isPluggedIn, status == 200);
 }
 
+void TestSimulator::eventsTellTheNewsOnce()
+{
+    Simulator simulator;
+    QTcpSocket stream;
+    stream.connectToHost(simulator.url().host(), quint16(simulator.url().port()));
+    QVERIFY(stream.waitForConnected());
+    const QByteArray nothing = R"("requests":[])";
+    const QByteArray begin =
+        exchange(stream, "GET /control/events HTTP/1.1\r\nHost: localhost\r\n\r\n", nothing);
+    QVERIFY2(begin.contains("Content-Type: text/event-stream\r\n"), begin);
+    QVERIFY2(begin.contains("\nevent: state\ndata: {"), begin);
+
+    simulator.control("/control/fault", R"({"silent": true})");
+    simulator.startBackend("/is_online");
+    QTRY_COMPARE(simulator.requests().size(), 1);
+    QByteArray asked = exchange(stream, {}, "is_online");
+    asked += exchange(stream, {}, nothing);
+    QCOMPARE(asked.count(R"("operation":"is_online")"), 1);
+    QVERIFY2(asked.contains(R"("status":null)"), asked);
+    simulator.control("/control/fault", "{}");
+    QByteArray answered = exchange(stream, {}, "is_online");
+    answered += exchange(stream, {}, nothing);
+    QCOMPARE(answered.count(R"("operation":"is_online")"), 1);
+    QVERIFY2(answered.contains(R"("status":200)"), answered);
+
+    const QNetworkReply::RawHeaderPair foreign{ "Origin", "http://evil.example" };
+    QCOMPARE(Simulator::finish(simulator.start("GET", "/control/events", {}, { foreign })).status, 403);
+}
+
 void TestSimulator::faults_data()
 {
     QTest::addColumn<QByteArray>("fault");
@@ -743,6 +775,8 @@ void TestSimulator::endsAtOnce()
     simulator.control("/control/fault", R"({"silent": true})"); // leaves an idle connection behind
     simulator.startBackend("/is_online");
     QTRY_COMPARE(simulator.requests().size(), 1);
+    const QNetworkReply *stream = simulator.start("GET", "/control/events");
+    QTRY_VERIFY(stream->bytesAvailable() > 0);
     simulator.process().terminate();
     QVERIFY(simulator.process().waitForFinished(2000));
     QCOMPARE(simulator.process().exitStatus(), QProcess::NormalExit);
