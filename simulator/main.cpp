@@ -5,6 +5,7 @@
 #include "fault.h"
 #include "httpserver.h"
 #include "options.h"
+#include "page.h"
 #include "requestlog.h"
 #include "yard.h"
 
@@ -81,8 +82,11 @@ int main(int argc, char *argv[])
     RequestLog log;
     const BackendApi backend(yard, gate, log);
     const ControlApi control(yard, gate, log, options.listenAddress);
-    HttpServer server([&backend, &control](const httplib::Request &request) {
-        return ControlApi::isControlPath(request.path) ? control.answer(request) : backend.answer(request);
+    const Reply page = pageReply();
+    HttpServer server([&backend, &control, &page](const httplib::Request &request) {
+        if (ControlApi::isControlPath(request.path))
+            return control.answer(request);
+        return request.method == "GET" && request.path == "/" ? page : backend.answer(request);
     });
     const int port = server.bind(options.listenAddress.toStdString(), options.port);
     if (port < 0)

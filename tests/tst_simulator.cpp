@@ -185,6 +185,7 @@ private Q_SLOTS:
     void foreignPagesAreRefused();
 
     void eventsTellTheNewsOnce();
+    void pageKeepsToItself();
 
     void faults_data();
     void faults();
@@ -655,6 +656,16 @@ void TestSimulator::eventsTellTheNewsOnce()
 
     const QNetworkReply::RawHeaderPair foreign{ "Origin", "http://evil.example" };
     QCOMPARE(Simulator::finish(simulator.start("GET", "/control/events", {}, { foreign })).status, 403);
+}
+
+void TestSimulator::pageKeepsToItself()
+{
+    QNetworkReply *reply = m_unchanged->start("GET", "/");
+    QCOMPARE(Simulator::finish(reply).status, 200);
+    QCOMPARE(reply->rawHeader("Content-Type"), QByteArray("text/html; charset=utf-8"));
+    QCOMPARE(reply->rawHeader("X-Frame-Options"), QByteArray("DENY"));
+    const QByteArray policy = reply->rawHeader("Content-Security-Policy");
+    QVERIFY2(policy.startsWith("default-src 'none';") && !policy.contains("unsafe"), policy);
 }
 
 void TestSimulator::faults_data()
