@@ -51,6 +51,12 @@ QList<QByteArray> inputReplies(const uint8_t *data, size_t size)
     return inputBytes(data, size).split('\x1e').mid(0, most);
 }
 
+void runPostedEvents()
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 const PluginMetadata &pluginMetadata()
 {
     static const PluginMetadata metadata = [] {

@@ -19,6 +19,9 @@ QByteArray inputBytes(const uint8_t *data, size_t size);
 /*! The same as up to three replies, an ASCII record separator between them. */
 QList<QByteArray> inputReplies(const uint8_t *data, size_t size);
 
+/*! Does what the event loop would do now, without waiting for timers. */
+void runPostedEvents();
+
 /*! What the plugin says about itself. */
 const PluginMetadata &pluginMetadata();
 

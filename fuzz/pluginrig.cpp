@@ -9,20 +9,7 @@
 
 #include <plugintimer.h>
 
-#include <QCoreApplication>
-
 using namespace std::chrono_literals;
-
-namespace {
-
-/*! What the event loop would do now, without waiting for timers. */
-void runPostedEvents()
-{
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-} // namespace
 
 PluginRig::PluginRig()
 {
