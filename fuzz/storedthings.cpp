@@ -5,6 +5,7 @@
 
 #include "fuzzing.h"
 #include "thingstore.h"
+#include "values.h"
 
 #include <QFile>
 #include <QSet>
@@ -19,7 +20,8 @@ QVariantList recordOf(const Thing *thing)
     const ThingClass thingClass = thing->thingClass();
     for (const ParamType &type : thingClass.paramTypes) {
         record.append(thing->paramValue(type.id));
-        require(record.constLast().userType() == type.type, "a parameter's value is of its type");
+        require(checkValue(record.constLast(), ruleFor(type)).error.isEmpty(),
+                "a parameter keeps to its rule");
     }
     for (const StateType &type : thingClass.stateTypes) {
         record.append(type.cached ? thing->stateValue(type.id) : type.defaultValue);

@@ -4,6 +4,7 @@
 #include "thingstore.h"
 
 #include "hostlogging.h"
+#include "values.h"
 
 #include <QDir>
 #include <QFile>
@@ -45,6 +46,18 @@ QJsonObject toJson(const Thing *thing)
     };
 }
 
+/*! What \a values hold under \a id, if that is what \a rule wants: invalid when it is missing, and with a
+    warning when it does not fit. */
+QVariant storedValue(const QJsonObject &values, const QUuid &id, const ValueRule &rule)
+{
+    if (!values.contains(key(id)))
+        return QVariant();
+    const CheckedValue checked = checkValue(values.value(key(id)).toVariant(), rule);
+    if (!checked.error.isEmpty())
+        qCWarning(dcHost).noquote() << "The stored value" << key(id) << "is not used: it" << checked.error;
+    return checked.value;
+}
+
 /*! A thing as \a json describes it; a value that is missing or no longer fits leaves the default. */
 Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *owner)
 {
@@ -54,13 +67,16 @@ Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *
 
     const QJsonObject params = json.value(QLatin1String("params")).toObject();
     for (const ParamType &type : thingClass.paramTypes) {
-        if (params.contains(key(type.id)))
-            thing->setParamValue(type.id, params.value(key(type.id)).toVariant());
+        const QVariant value = storedValue(params, type.id, ruleFor(type));
+        if (value.isValid())
+            thing->setParamValue(type.id, value);
     }
     const QJsonObject states = json.value(QLatin1String("states")).toObject();
     for (const StateType &type : thingClass.stateTypes) {
-        if (type.cached && states.contains(key(type.id)))
-            thing->setStateValue(type.id, states.value(key(type.id)).toVariant());
+        // Of its type is enough: the limits bind actions, and the plugin moves them.
+        const QVariant value = storedValue(states, type.id, { type.type, {}, {}, type.unit });
+        if (type.cached && value.isValid())
+            thing->setStateValue(type.id, value);
     }
     return thing;
 }

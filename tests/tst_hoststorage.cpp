@@ -25,6 +25,8 @@ private slots:
     void damagedFileIsLeftAlone();
     void keepsThingsOfUnknownClasses();
     void circleOfParents();
+    void valuesThatDoNotFit_data();
+    void valuesThatDoNotFit();
     void writesOnlyWhatHasChanged();
     void killLosesNothingReported();
 
@@ -206,6 +208,40 @@ void TestHostStorage::circleOfParents()
     QCOMPARE(names(restarted->command("things")), QStringList({ "Bridge A", "Lamp 1" }));
     QVERIFY(restarted->command("remove 'Bridge A'").value("ok").toBool());
     QCOMPARE(names(restarted->command("things")), QStringList());
+}
+
+void TestHostStorage::valuesThatDoNotFit_data()
+{
+    QTest::addColumn<QJsonValue>("stored");
+    QTest::newRow("negative, for an unsigned number") << QJsonValue(-5);
+    QTest::newRow("beyond all integers") << QJsonValue(1e300);
+    QTest::newRow("half of one") << QJsonValue(2.5);
+    QTest::newRow("text") << QJsonValue("2");
+    QTest::newRow("null") << QJsonValue();
+}
+
+/*! A limit of -5 A was restored as one of 4294967291 A. */
+void TestHostStorage::valuesThatDoNotFit()
+{
+    QFETCH(QJsonValue, stored);
+    addBridge(*host(), 0);
+    QJsonObject bridge = storedThings().at(0).toObject();
+    QJsonObject params = bridge.value("params").toObject();
+    params["00000000-0000-4000-8000-000000000013"] = stored;
+    bridge["params"] = params;
+    bridge["states"] = QJsonObject{
+        {"00000000-0000-4000-8000-000000000017", stored}
+    };
+    storeThings({ bridge });
+    auto restarted = host();
+    restarted->nextEvent("setupFinished");
+    const QJsonObject shown =
+        restarted->command("show 'Bridge A'").value("things").toArray().first().toObject();
+    QCOMPARE(shown.value("params").toObject().value("children"), QJsonValue(0));
+    QCOMPARE(shown.value("states").toObject().value("setups"), QJsonValue(1));
+    restarted->closeInput();
+    QCOMPARE(restarted->exitStatus(), 0);
+    QCOMPARE(restarted->log().count("The stored value"), 2);
 }
 
 void TestHostStorage::writesOnlyWhatHasChanged()
