@@ -29,6 +29,14 @@ ScriptedBackend::Operation operationOf(const QByteArray &target)
     return target.startsWith("/vela/set_limits/") ? ScriptedBackend::Limits : ScriptedBackend::Unknown;
 }
 
+/*! Ends the connection at once: nothing that is on its way counts any more. */
+void resetConnection(QTcpSocket *socket)
+{
+    const linger atOnce{ 1, 0 };
+    setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    socket->abort();
+}
+
 /*! Takes the first whole request out of \a buffer; false while there is none. */
 bool takeRequest(QByteArray &buffer, ScriptedBackend::Request &request)
 {
@@ -74,10 +82,25 @@ QString ScriptedBackend::url() const
 
 void ScriptedBackend::shutDown()
 {
+    if (!m_server.isListening())
+        return;
     const quint16 port = m_server.serverPort();
     m_server.close();
     // Bound, yet not listening: nobody else gets the port meanwhile.
     m_reservation.bind(QHostAddress::LocalHost, port, QAbstractSocket::ReuseAddressHint);
+    closeConnections();
+}
+
+void ScriptedBackend::startUp()
+{
+    const quint16 port = m_reservation.localPort();
+    m_reservation.close();
+    if (!m_server.listen(QHostAddress::LocalHost, port))
+        qFatal("The scripted backend cannot listen again: %s", qPrintable(m_server.errorString()));
+}
+
+void ScriptedBackend::closeConnections()
+{
     const auto sockets = m_server.findChildren<QTcpSocket *>();
     for (QTcpSocket *socket : sockets)
         socket->abort();
@@ -114,6 +137,11 @@ void ScriptedBackend::hangUp(Operation operation)
     m_scripts.insert(operation, { Script::HangUp, 0, {} });
 }
 
+void ScriptedBackend::reset(Operation operation)
+{
+    m_scripts.insert(operation, { Script::Reset, 0, {} });
+}
+
 void ScriptedBackend::hold(Operation operation)
 {
     m_scripts.insert(operation, { Script::Hold, 0, {} });
@@ -134,6 +162,13 @@ bool ScriptedBackend::release(Operation operation, const QByteArray &body)
 bool ScriptedBackend::release(Operation operation)
 {
     return release(operation, defaultBody(operation));
+}
+
+void ScriptedBackend::releaseAll(Operation operation)
+{
+    answerNormally(operation);
+    while (!m_held.value(operation).isEmpty())
+        release(operation);
 }
 
 QList<ScriptedBackend::Request> ScriptedBackend::requests() const
@@ -210,6 +245,9 @@ void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
         break;
     case Script::HangUp:
         socket->disconnectFromHost();
+        break;
+    case Script::Reset:
+        resetConnection(socket);
         break;
     case Script::Hold:
         m_held[request.operation].append(socket);

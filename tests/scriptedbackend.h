@@ -35,6 +35,10 @@ public:
     QString url() const;
     /*! Refuses connections from now on, and ends those there are. */
     void shutDown();
+    /*! Listens again after shutDown(), on the same port. */
+    void startUp();
+    /*! Ends the connections there are, whether they wait for an answer or for the next request. */
+    void closeConnections();
 
     /*! What the default answers are made of: both by infrastructure id. */
     QJsonObject wallboxes; //!< the group; max_charging_current
@@ -48,6 +52,8 @@ public:
     void answerRaw(Operation operation, const QByteArray &bytes);
     /*! Closes the connection instead of answering. */
     void hangUp(Operation operation);
+    /*! Resets the connection in place of a response. */
+    void reset(Operation operation);
     /*! Leaves requests without an answer; release() answers the one that has waited longest. */
     void hold(Operation operation);
     void answerNormally(Operation operation);
@@ -57,6 +63,8 @@ public:
     bool release(Operation operation, const QByteArray &body);
     /*! The same, with the default answer. */
     bool release(Operation operation);
+    /*! Answers all held requests of \a operation, and later ones at once. */
+    void releaseAll(Operation operation);
 
     QList<Request> requests() const;
     QList<Request> requests(Operation operation) const;
@@ -69,7 +77,7 @@ public:
 
 private:
     struct Script {
-        enum { Normal, Respond, Raw, HangUp, Hold } kind = Normal;
+        enum { Normal, Respond, Raw, HangUp, Reset, Hold } kind = Normal;
         int status = 200;
         QByteArray bytes;
     };
@@ -79,7 +87,7 @@ private:
     QByteArray defaultBody(Operation operation) const;
 
     QTcpServer m_server;
-    QTcpSocket m_reservation;
+    QTcpSocket m_reservation; // keeps the port while the server is shut down
     int m_connections = 0;
     QHash<Operation, Script> m_scripts;
     QHash<Operation, QList<QPointer<QTcpSocket>>> m_held; // children of the server

@@ -3,6 +3,8 @@
 
 #include "site.h"
 
+#include "waiting.h"
+
 #include <hardwaremanager.h>
 #include <plugintimer.h>
 
@@ -79,13 +81,13 @@ QString Site::addGateway()
     const Job setup = add(offer);
     if (result(setup) != "NoError")
         return "set-up: " + setup->text;
-    const bool complete = QTest::qWaitFor([this] { return infraIds() == backend.wallboxes.keys(); });
+    const bool complete = waitFor([this] { return infraIds() == backend.wallboxes.keys(); });
     return complete ? QString() : "wallboxes: " + infraIds().join(' ');
 }
 
 QString Site::result(const Job &job)
 {
-    const bool finished = QTest::qWaitFor([&job] { return job->text != "pending"; });
+    const bool finished = waitFor([&job] { return job->text != "pending"; });
     return finished ? job->text : "still pending";
 }
 
@@ -171,7 +173,7 @@ bool Site::poll() const
 {
     const int before = log.lines().size();
     tick();
-    return QTest::qWaitFor([&] {
+    return waitFor([&] {
         const QString lines = log.lines().mid(before).join('\n');
         const bool limited = !lines.contains("debug: Sending charge limits")
             || lines.contains("debug: setProfileChargePowerLimit() - ")

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "census.h"
+
+#include <QFile>
+#include <QObject>
+#include <QTest>
+
+#include <atomic>
+#include <filesystem>
+#include <iterator>
+#include <malloc.h>
+#include <unistd.h>
+
+// Where Qt lets object inspectors put functions that are called for every object.
+extern Q_CORE_EXPORT quintptr qtHookData[];
+
+namespace {
+
+std::atomic<int> liveObjects{ 0 };
+
+void onAdded(QObject *)
+{
+    ++liveObjects;
+}
+
+void onRemoved(QObject *)
+{
+    --liveObjects;
+}
+
+bool installHooks()
+{
+    constexpr int added = 3;
+    constexpr int removed = 4;
+    qtHookData[added] = reinterpret_cast<quintptr>(&onAdded);
+    qtHookData[removed] = reinterpret_cast<quintptr>(&onRemoved);
+    return true;
+}
+
+const bool hooksInstalled = installHooks();
+
+int openDescriptors()
+{
+    const std::filesystem::directory_iterator entries("/proc/self/fd");
+    return int(std::distance(begin(entries), end(entries))) - 1; // one is for looking
+}
+
+qint64 residentBytes()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    const bool opened = file.open(QIODevice::ReadOnly);
+    return opened ? file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE) : 0;
+}
+
+} // namespace
+
+Census Census::take()
+{
+    Q_ASSERT(hooksInstalled);
+    const struct mallinfo2 memory = mallinfo2();
+    Census census;
+    census.objects = liveObjects;
+    census.descriptors = openDescriptors();
+    census.heap = qint64(memory.uordblks + memory.hblkhd);
+    census.resident = residentBytes();
+    return census;
+}
+
+Census Census::takeSettled()
+{
+    Census census = take();
+    for (Census previous; census.objects != previous.objects || census.descriptors != previous.descriptors;
+         census = take()) {
+        previous = census;
+        QTest::qWait(30);
+    }
+    return census;
+}

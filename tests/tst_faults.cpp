@@ -1,0 +1,320 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "census.h"
+#include "site.h"
+#include "waiting.h"
+
+#include <QtTest>
+
+#include <QRegularExpression>
+
+#include <atomic>
+#include <ctime>
+#include <dlfcn.h>
+#include <netdb.h>
+
+using Backend = ScriptedBackend;
+
+/*! One thing that goes wrong between plugin and backend. */
+struct Fault {
+    void (*strike)(Site &site); //!< before each poll
+    QString logged;             //!< what a poll under it logs, as "ERROR HTTP-STATUS"
+    QString current; //!< what the wallbox shows meanwhile: "1" as before, "2" as the backend has it
+    void (*end)(Site &site);
+};
+Q_DECLARE_METATYPE(Fault)
+
+/*! What goes wrong outside the plugin, over real sockets: seen while it lasts, and gone afterwards. */
+class TestFaults : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void fault_data();
+    void fault();
+    void nameFailure();
+    void wallboxLeavesTheGroup();
+    void clockIsSet_data();
+    void clockIsSet();
+    void zoneChanges();
+};
+
+namespace {
+
+std::atomic<bool> namesResolve{ true };
+
+void setCurrent(Site &site, int ampere)
+{
+    site.backend.values.insert("EVSE-01",
+                               QJsonObject{
+                                   {"status",   "Charging"},
+                                   { "phase_1", ampere    }
+    });
+}
+
+/*! What the wallbox shows, as "CONNECTED CURRENT". */
+QString shown(const Site &site)
+{
+    return (site.state("EVSE-01", "connected").toBool() ? "connected " : "absent ")
+        + site.state("EVSE-01", "currentPhaseA").toString();
+}
+
+/*! The warnings about polls so far, each as "ERROR HTTP-STATUS". */
+QStringList failedPolls(const Site &site)
+{
+    static const QRegularExpression parts(R"(getEvseValues.*QNetworkReply::(\w+).*Error code:\s+(\d+))",
+                                          QRegularExpression::DotMatchesEverythingOption);
+    QStringList result;
+    for (const QString &warning : site.log.warnings()) {
+        const QRegularExpressionMatch match = parts.match(warning);
+        if (match.hasMatch())
+            result.append(match.captured(1) + ' ' + match.captured(2));
+    }
+    return result;
+}
+
+/*! Waits until \a polls have been answered, well or badly, since the log was cleared. */
+bool waitForAnswers(const Site &site, int polls)
+{
+    return waitFor([&site, polls] {
+        return site.log.count("debug: setupConnects() - valuesReceived") + failedPolls(site).size() >= polls;
+    });
+}
+
+/*! Polls over all six connections that Qt opens to a host, so that later polls bring no new objects. */
+bool openAllConnections(Site &site)
+{
+    constexpr int connections = 6;
+    site.backend.forgetRequests();
+    site.backend.hold(Backend::Values);
+    site.log.clear();
+    for (int i = 0; i < connections; ++i)
+        site.tick();
+    const bool arrived = waitFor([&site] { return site.backend.requests().size() == connections; });
+    site.backend.releaseAll(Backend::Values);
+    return arrived && waitForAnswers(site, connections);
+}
+
+/*! Polls until the wallbox shows \a expected; how often, at most \a most times. */
+int pollsUntil(Site &site, const QString &expected, int most)
+{
+    int polls = 0;
+    while (polls < most && shown(site) != expected) {
+        site.poll();
+        ++polls;
+    }
+    return polls;
+}
+
+/*! The backend accepts and does not answer. */
+void hold(Site &site)
+{
+    site.backend.hold(Backend::Values);
+}
+
+void release(Site &site)
+{
+    Site::moveClock(30);
+    site.backend.releaseAll(Backend::Values);
+}
+
+void closeSilent(Site &site)
+{
+    site.backend.answerNormally(Backend::Values);
+    site.backend.closeConnections();
+}
+
+void answerNormally(Site &site)
+{
+    site.backend.answerNormally(Backend::Values);
+}
+
+template <int Status> void answer(Site &site)
+{
+    site.backend.answer(Backend::Values, Status);
+}
+
+} // namespace
+
+// Qt asks this for addresses; the program's own comes before the C library's.
+extern "C" int getaddrinfo(const char *name, const char *service, const addrinfo *hints, addrinfo **result)
+{
+    if (!namesResolve)
+        return EAI_AGAIN;
+    using Function = int (*)(const char *, const char *, const addrinfo *, addrinfo **);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "getaddrinfo"));
+    const bool madeUp = name && QByteArray(name).endsWith(".test");
+    return original(madeUp ? "127.0.0.1" : name, service, hints, result);
+}
+
+void TestFaults::init()
+{
+    namesResolve = true;
+}
+
+void TestFaults::fault_data()
+{
+    QTest::addColumn<Fault>("fault");
+    const auto startUp = [](Site &site) { site.backend.startUp(); };
+    QTest::newRow("refused, then started on the same port")
+        << Fault{ [](Site &site) { site.backend.shutDown(); }, "ConnectionRefusedError 0", "1", startUp };
+    QTest::newRow("restarted between polls") << Fault{ [](Site &site) {
+                                                          site.backend.shutDown();
+                                                          site.backend.startUp();
+                                                      },
+                                                       QString(), "2", [](Site &) {} };
+    QTest::newRow("connection closed between polls")
+        << Fault{ [](Site &site) { site.backend.closeConnections(); }, QString(), "2", [](Site &) {} };
+    QTest::newRow("accepted, answered after 30 s") << Fault{ hold, QString(), "1", release };
+    QTest::newRow("accepted, never answered, then closed") << Fault{ hold, QString(), "1", closeSilent };
+    QTest::newRow("closed without an answer")
+        << Fault{ [](Site &site) { site.backend.answerRaw(Backend::Values, ""); }, "RemoteHostClosedError 0",
+                  "1", answerNormally };
+    QTest::newRow("closed mid-reply")
+        << Fault{ [](Site &site) {
+                     site.backend.answerRaw(Backend::Values,
+                                            "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"success\"");
+                 },
+                  "RemoteHostClosedError 200", "1", answerNormally };
+    QTest::newRow("reset") << Fault{ [](Site &site) { site.backend.reset(Backend::Values); },
+                                     "RemoteHostClosedError 0", "1", answerNormally };
+    QTest::newRow("400") << Fault{ answer<400>, "ProtocolInvalidOperationError 400", "1", answerNormally };
+    QTest::newRow("401") << Fault{ answer<401>, "AuthenticationRequiredError 401", "1", answerNormally };
+    QTest::newRow("404") << Fault{ answer<404>, "ContentNotFoundError 404", "1", answerNormally };
+    QTest::newRow("418") << Fault{ answer<418>, "ProtocolInvalidOperationError 418", "1", answerNormally };
+    QTest::newRow("500") << Fault{ answer<500>, "InternalServerError 500", "1", answerNormally };
+    QTest::newRow("503") << Fault{ answer<503>, "ServiceUnavailableError 503", "1", answerNormally };
+}
+
+void TestFaults::fault()
+{
+    QFETCH(Fault, fault);
+    constexpr int polls = 7; // more than there are connections
+    const QStringList logged =
+        fault.logged.isEmpty() ? QStringList() : QVector<QString>(polls, fault.logged).toList();
+    const bool silent = fault.strike == hold;
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+
+    Census first;
+    for (int round = 1; round <= 3; ++round) {
+        setCurrent(site, 1);
+        QVERIFY(site.poll());
+        QCOMPARE(shown(site), "connected 1");
+        setCurrent(site, 2);
+        site.log.clear();
+        for (int i = 0; i < polls; ++i) {
+            fault.strike(site);
+            site.tick();
+            QVERIFY(silent || waitForAnswers(site, i + 1));
+        }
+        QCOMPARE(failedPolls(site), logged);
+        QCOMPARE(shown(site), "connected " + fault.current);
+
+        fault.end(site);
+        QVERIFY(waitForAnswers(site, polls)); // what waited in the silence is answered now
+        setCurrent(site, 3);
+        QVERIFY(pollsUntil(site, "connected 3", 2) <= 2);
+        QCOMPARE(shown(site), "connected 3");
+        if (round == 1) {
+            QVERIFY(openAllConnections(site));
+            first = Census::takeSettled();
+        }
+    }
+    QVERIFY(openAllConnections(site));
+    QCOMPARE(Census::takeSettled().objects, first.objects);
+    QCOMPARE(Census::take().descriptors, first.descriptors);
+}
+
+void TestFaults::nameFailure()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    setCurrent(site, 1);
+    QVERIFY(site.poll());
+    namesResolve = false;
+    site.discover(site.backend.url().replace("127.0.0.1", "yard.test"), "yard", "s3cret"); // aims all polls
+    QVERIFY(site.poll());
+    const Census first = Census::takeSettled();
+    site.log.clear();
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(site.poll());
+    QCOMPARE(failedPolls(site), QVector<QString>(3, "HostNotFoundError 0").toList());
+    QCOMPARE(shown(site), "connected 1");
+    QCOMPARE(Census::takeSettled().objects, first.objects);
+    QCOMPARE(Census::take().descriptors, first.descriptors);
+
+    namesResolve = true;
+    setCurrent(site, 2);
+    QVERIFY(pollsUntil(site, "connected 2", 2) <= 2);
+    QCOMPARE(shown(site), "connected 2");
+}
+
+void TestFaults::wallboxLeavesTheGroup()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    setCurrent(site, 1);
+    QVERIFY(site.poll());
+    site.backend.values = {
+        {"EVSE-02", QJsonObject{ { "status", "Charging" } }}
+    };
+    QVERIFY(site.poll());
+    QCOMPARE(shown(site), "absent 1");
+    QCOMPARE(site.infraIds(), QStringList("EVSE-01")); // who has joined waits for the next set-up
+    setCurrent(site, 2);
+    QVERIFY(site.poll());
+    QCOMPARE(shown(site), "connected 2");
+}
+
+void TestFaults::clockIsSet_data()
+{
+    QTest::addColumn<int>("seconds");
+    QTest::addColumn<QList<double>>("renewed"); // with the clock set, and after the next action
+    QTest::newRow("an hour forward: silent until the next action") << 3600 << QList<double>{ 8 };
+    QTest::newRow("an hour back: heard") << -3600 << QList<double>{ 10, 8 };
+}
+
+void TestFaults::clockIsSet()
+{
+    QFETCH(int, seconds);
+    QFETCH(QList<double>, renewed);
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 10)), "NoError");
+    QVERIFY(site.poll());
+    site.backend.forgetRequests();
+
+    Site::moveClock(seconds);
+    setCurrent(site, 1);
+    site.fireChargeLimitTimer();
+    QVERIFY(site.poll());
+    QCOMPARE(shown(site), "connected 1");
+    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 8)), "NoError");
+    site.fireChargeLimitTimer();
+    QVERIFY(site.poll());
+    QCOMPARE(site.backend.limits("EVSE-01"), renewed);
+}
+
+void TestFaults::zoneChanges()
+{
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    const auto stamped = [&site](const QString &text, const char *zone) {
+        qputenv("TZ", zone);
+        tzset();
+        site.backend.values.insert("EVSE-01",
+                                   QJsonObject{
+                                       {"timestamp", text}
+        });
+        return site.poll() ? site.state("EVSE-01", "timestamp").toLongLong() : -1;
+    };
+    const qint64 noon = 1714564800;
+    QCOMPARE(stamped("2024-05-01T12:00:00", "UTC0"), noon);
+    QCOMPARE(stamped("2024-05-01T12:00:00", "YARD-2"), noon - 7200); // without a zone it is local time
+    QCOMPARE(stamped("2024-05-01T12:00:00Z", "YARD-2"), noon);
+    QCOMPARE(stamped("2024-05-01T12:00:00+02:00", "UTC0"), noon - 7200);
+}
+
+QTEST_GUILESS_MAIN(TestFaults)
+#include "tst_faults.moc"
