@@ -132,9 +132,9 @@ void ScriptedBackend::answerRaw(Operation operation, const QByteArray &bytes)
     m_scripts.insert(operation, { Script::Raw, 0, bytes });
 }
 
-void ScriptedBackend::hangUp(Operation operation)
+void ScriptedBackend::hangUp(Operation operation, const QByteArray &bytes)
 {
-    m_scripts.insert(operation, { Script::HangUp, 0, {} });
+    m_scripts.insert(operation, { Script::HangUp, 0, bytes });
 }
 
 void ScriptedBackend::reset(Operation operation)
@@ -244,6 +244,7 @@ void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
         socket->write(script.bytes);
         break;
     case Script::HangUp:
+        socket->write(script.bytes);
         socket->disconnectFromHost();
         break;
     case Script::Reset:

@@ -50,8 +50,8 @@ public:
     void answer(Operation operation, int status, const QByteArray &body = "{}");
     /*! Sends \a bytes in place of a response. */
     void answerRaw(Operation operation, const QByteArray &bytes);
-    /*! Closes the connection instead of answering. */
-    void hangUp(Operation operation);
+    /*! Closes the connection instead of answering, after \a bytes. */
+    void hangUp(Operation operation, const QByteArray &bytes = {});
     /*! Resets the connection in place of a response. */
     void reset(Operation operation);
     /*! Leaves requests without an answer; release() answers the one that has waited longest. */

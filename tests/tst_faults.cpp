@@ -168,12 +168,12 @@ void TestFaults::fault_data()
     QTest::newRow("accepted, answered after 30 s") << Fault{ hold, QString(), "1", release };
     QTest::newRow("accepted, never answered, then closed") << Fault{ hold, QString(), "1", closeSilent };
     QTest::newRow("closed without an answer")
-        << Fault{ [](Site &site) { site.backend.answerRaw(Backend::Values, ""); }, "RemoteHostClosedError 0",
-                  "1", answerNormally };
+        << Fault{ [](Site &site) { site.backend.hangUp(Backend::Values); }, "RemoteHostClosedError 0", "1",
+                  answerNormally };
     QTest::newRow("closed mid-reply")
         << Fault{ [](Site &site) {
-                     site.backend.answerRaw(Backend::Values,
-                                            "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"success\"");
+                     site.backend.hangUp(Backend::Values,
+                                         "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"success\"");
                  },
                   "RemoteHostClosedError 200", "1", answerNormally };
     QTest::newRow("reset") << Fault{ [](Site &site) { site.backend.reset(Backend::Values); },
