@@ -76,6 +76,8 @@ private Q_SLOTS:
     void platformReadsIt();
     void entryPoints();
     void metaObject();
+    void generatorSaysWhatIsWrong_data();
+    void generatorSaysWhatIsWrong();
 
 private:
     QPluginLoader m_loader{ VELA_PLUGIN_FILE };
@@ -249,6 +251,41 @@ void TestCatalogue::metaObject()
     QCOMPARE(signatures, (Texts{ "checkAutoCreateFinished()", "missingBootNotification()" }));
     QCOMPARE(meta->propertyCount(), meta->propertyOffset());
     QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
+}
+
+void TestCatalogue::generatorSaysWhatIsWrong_data()
+{
+    QTest::addColumn<QByteArray>("catalogue"); // null: there is no such file
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("no arguments") << QByteArray() << QString() << "usage: ";
+    QTest::newRow("no catalogue") << QByteArray() << "out"
+                                  << "No such file";
+    QTest::newRow("not JSON") << QByteArray("{") << "out"
+                              << " at byte 1";
+    QTest::newRow("no folder") << QByteArray("{}") << "none"
+                               << "cannot be written";
+}
+
+void TestCatalogue::generatorSaysWhatIsWrong()
+{
+    QFETCH(QByteArray, catalogue);
+    QFETCH(QString, folder);
+    const QTemporaryDir work;
+    QVERIFY(QDir(work.path()).mkdir("out"));
+    QFile input(work.filePath("catalogue.json"));
+    if (!catalogue.isNull())
+        QVERIFY(input.open(QIODevice::WriteOnly) && input.write(catalogue) > 0 && input.flush());
+    QProcess generator;
+    generator.start(VELA_CATALOGUE_GENERATOR,
+                    folder.isEmpty() ? QStringList()
+                                     : QStringList{ input.fileName(), work.filePath(folder) });
+    QVERIFY(generator.waitForFinished());
+    QVERIFY(generator.exitCode() != 0);
+    QFETCH(QString, complaint);
+    const QString said = generator.readAllStandardError();
+    QVERIFY2(said.contains(complaint), qPrintable(said));
+    QVERIFY(QDir(work.filePath("out")).isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestCatalogue)

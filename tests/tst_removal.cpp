@@ -19,6 +19,7 @@ private Q_SLOTS:
     void oneOfTwoGateways();
     void comesBack();
     void strayWallboxGoesWhileTheGatewayIsNew();
+    void oneDisappearanceTakesAnotherAlong();
 };
 
 namespace {
@@ -171,10 +172,31 @@ void TestRemoval::strayWallboxGoesWhileTheGatewayIsNew()
     QCOMPARE(
         site.story(steps),
         (QStringList{ "debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler." }));
+    site.tick(); // there is nobody to ask
     // Set up again, the gateway has a client again.
     QCOMPARE(Site::result(site.setup(site.gateway())), "NoError");
     QVERIFY(site.poll());
     QCOMPARE(site.polledIds(), QStringList("EVSE-01"));
+}
+
+/*! Whoever hears that a wallbox is gone may remove others, which the plugin then must not look for. */
+void TestRemoval::oneDisappearanceTakesAnotherAlong()
+{
+    Site site;
+    site.backend.setWallbox("EVSE-02", 16);
+    QCOMPARE(site.addGateway(), QString());
+    QStringList announced;
+    connect(site.daemon->plugin(), &IntegrationPlugin::autoThingDisappeared, this, [&site, &announced] {
+        announced.append("one");
+        const Things wallboxes = site.wallboxes();
+        for (Thing *wallbox : wallboxes)
+            site.remove(wallbox);
+    });
+    site.backend.wallboxes = {};
+    site.backend.setWallbox("EVSE-03", 16);
+    QCOMPARE(Site::result(site.setup(site.gateway())), "NoError");
+    QCOMPARE(announced, QStringList("one"));
+    QTRY_COMPARE(site.infraIds(), QStringList("EVSE-03"));
 }
 
 QTEST_GUILESS_MAIN(TestRemoval)
