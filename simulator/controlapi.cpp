@@ -9,6 +9,8 @@
 
 #include <httplib.h>
 
+#include <utility>
+
 #include <arpa/inet.h>
 
 namespace {
@@ -192,16 +194,20 @@ Reply ControlApi::history() const
     });
 }
 
-// Each event holds what the reading of the same name answers; "requests" only those that it has news of.
+// Each event holds what the reading of the same name answers; "requests" only those that it has news of. The
+// history is told once.
 Reply ControlApi::events() const
 {
     Reply reply;
     reply.contentType = "text/event-stream";
-    reply.next = [this, seen = 0]() mutable {
+    reply.next = [this, seen = 0, isFirst = true]() mutable {
+        QByteArray text = serverSentEvent("state", state());
+        if (std::exchange(isFirst, false))
+            text += serverSentEvent("history", history());
         const QJsonObject news{
             {QStringLiteral("requests"), m_log.changes(seen)}
         };
-        return serverSentEvent("state", state()) + serverSentEvent("requests", jsonReply(news));
+        return text + serverSentEvent("requests", jsonReply(news));
     };
     return reply;
 }

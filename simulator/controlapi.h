@@ -23,7 +23,7 @@ class Yard;
  *  GET  /control/limits                 {"limits": [...]}, oldest first
  *  GET  /control/requests               {"requests": [...]}, oldest first
  *  GET  /control/history                {"history": [...]}, oldest first
- *  GET  /control/events                 state and new requests, as server-sent events
+ *  GET  /control/events                 history, then state and new requests, as server-sent events
  *  POST /control/wallboxes              {"id", "maxChargingCurrent"}: adds one
  *  POST /control/wallboxes/ID/ACTION    plug, unplug, pause, resume, finish, break, mend, configure, remove
  *  POST /control/fault                  {"status", "delayMs", "garbage", "silent"}; {} is none
