@@ -127,40 +127,33 @@ QVariant Thing::stateValue(const QString &stateName) const
     return valueAt(stateIndex(stateName));
 }
 
+/*! The index of a state, with a warning where there is no such state. */
+template <typename Key> int Thing::knownStateIndex(const Key &key) const
+{
+    const int index = stateIndex(key);
+    if (index < 0)
+        qCWarning(dcThing) << this << "has no state" << key;
+    return index;
+}
+
 void Thing::setStateValue(const StateTypeId &stateTypeId, const QVariant &value)
 {
-    const int index = stateIndex(stateTypeId);
-    if (index < 0)
-        qCWarning(dcThing) << this << "has no state" << stateTypeId;
-    else
-        setValueAt(index, value);
+    setValueAt(knownStateIndex(stateTypeId), value);
 }
 
 void Thing::setStateValue(const QString &stateName, const QVariant &value)
 {
-    const int index = stateIndex(stateName);
-    if (index < 0)
-        qCWarning(dcThing) << this << "has no state" << stateName;
-    else
-        setValueAt(index, value);
+    setValueAt(knownStateIndex(stateName), value);
 }
 
 void Thing::setStateMaxValue(const StateTypeId &stateTypeId, const QVariant &maxValue)
 {
-    const int index = stateIndex(stateTypeId);
-    if (index < 0)
-        qCWarning(dcThing) << this << "has no state" << stateTypeId;
-    else
-        setMaxValueAt(index, maxValue);
+    setMaxValueAt(knownStateIndex(stateTypeId), maxValue);
 }
 
 void Thing::setStateMaxValue(const QString &stateName, const QVariant &maxValue)
 {
-    const int index = stateIndex(stateName);
-    if (index < 0)
-        qCWarning(dcThing) << this << "has no state" << stateName;
-    else
-        setMaxValueAt(index, maxValue);
+    setMaxValueAt(knownStateIndex(stateName), maxValue);
 }
 
 Thing::ThingSetupStatus Thing::setupStatus() const
@@ -213,6 +206,8 @@ QVariant Thing::valueAt(int index) const
 
 void Thing::setValueAt(int index, const QVariant &value)
 {
+    if (index < 0)
+        return;
     const StateType &type = m_thingClass.stateTypes.at(index);
     const QVariant newValue = converted(value, type.type);
     if (!newValue.isValid()) {
@@ -227,7 +222,14 @@ void Thing::setValueAt(int index, const QVariant &value)
 
 void Thing::setMaxValueAt(int index, const QVariant &maxValue)
 {
-    const QVariant newMaxValue = converted(maxValue, m_thingClass.stateTypes.at(index).type);
+    if (index < 0)
+        return;
+    const StateType &type = m_thingClass.stateTypes.at(index);
+    const QVariant newMaxValue = converted(maxValue, type.type);
+    if (!newMaxValue.isValid()) {
+        qCWarning(dcThing) << this << "cannot have" << maxValue << "as the maximum of its state" << type.name;
+        return;
+    }
     if (m_states.at(index).maxValue() == newMaxValue)
         return;
     m_states[index].setMaxValue(newMaxValue);

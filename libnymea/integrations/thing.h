@@ -47,6 +47,7 @@ public:
     };
     Q_ENUM(ThingError)
 
+    /*! Where a thing's last set-up stands. */
     enum ThingSetupStatus {
         ThingSetupStatusNone,
         ThingSetupStatusInProgress,
@@ -109,6 +110,7 @@ Q_SIGNALS:
 private:
     int stateIndex(const StateTypeId &stateTypeId) const;
     int stateIndex(const QString &stateName) const;
+    template <typename Key> int knownStateIndex(const Key &key) const;
     QVariant valueAt(int index) const;
     void setValueAt(int index, const QVariant &value);
     void setMaxValueAt(int index, const QVariant &maxValue);
