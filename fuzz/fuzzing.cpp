@@ -14,6 +14,7 @@
 #include <dlfcn.h>
 #include <sanitizer/lsan_interface.h>
 
+// NOLINTNEXTLINE(readability-non-const-parameter): Qt keeps a reference to it.
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     qSetGlobalQHashSeed(0); // the same input takes the same way each time
