@@ -1,0 +1,319 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "site.h"
+
+#include <QtTest>
+
+#include <ctime>
+
+/*! Replies that no sound backend sends, though a broken one or a proxy may. */
+class TestGarbage : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase() { m_site.reset(); }
+    void init();
+    void values_data();
+    void values();
+    void hugeValues_data();
+    void hugeValues();
+    void discovery();
+    void groupInfo_data();
+    void groupInfo();
+    void valuesWithoutEnd();
+
+private:
+    std::unique_ptr<Site> m_site; // with EVSE-01 and EVSE-02; one for all, since each row needs only a poll
+};
+
+namespace {
+
+#ifdef VELA_SANITIZED
+constexpr double allowed = 1000; // ms; sanitizers make everything ten times as slow, and allocating far more
+constexpr int share = 50;        // of the big replies
+#else
+constexpr double allowed = 100; // ms
+constexpr int share = 1;
+#endif
+constexpr int hugeSize = 50000000 / share;
+constexpr int strangers = 10000 / share;
+
+/*! Measures for how long the event loop is not free: the longest event so far, in ms of the thread's own
+   time, so that neither another process nor the backend, which shares the thread, counts. */
+class WatchedApplication : public QCoreApplication {
+public:
+    using QCoreApplication::QCoreApplication;
+
+    bool notify(QObject *receiver, QEvent *event) override
+    {
+        if (m_depth > 0 || isBackend(receiver))
+            return QCoreApplication::notify(receiver, event);
+        ++m_depth;
+        const double start = now();
+        const bool result = QCoreApplication::notify(receiver, event);
+        longest = std::max(longest, now() - start);
+        --m_depth;
+        return result;
+    }
+
+    double longest = 0;
+
+private:
+    static bool isBackend(const QObject *object)
+    {
+        while (object && !qobject_cast<const QTcpServer *>(object))
+            object = object->parent();
+        return object;
+    }
+
+    static double now()
+    {
+        timespec time = {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+    }
+
+    int m_depth = 0;
+};
+
+WatchedApplication *watched()
+{
+    return static_cast<WatchedApplication *>(QCoreApplication::instance());
+}
+
+const QByteArray good = R"({"timestamp":"2024-05-01T12:00:00Z","status":"Charging",)"
+                        R"("phase_1":16,"phase_2":16,"phase_3":16,"meter_value":2500})";
+const QByteArray later = QByteArray(good).replace("2500", "3500");
+
+/*! A values reply with \a record for EVSE-01 and the good one for EVSE-02. */
+QByteArray valuesOf(const QByteArray &record)
+{
+    return R"({"success":true,"values":{"EVSE-01":)" + record + R"(,"EVSE-02":)" + good + "}}";
+}
+
+/*! The record for EVSE-01, and behind it those of \a count wallboxes that nobody knows. */
+QByteArray withStrangers(const QByteArray &record, int count)
+{
+    QByteArray result = record;
+    for (int i = 0; i < count; ++i)
+        result += ",\"STRANGER-" + QByteArray::number(i) + R"(":{"status":"Charging"})";
+    return result;
+}
+
+QByteArray response(const QByteArray &body, const QByteArray &header = QByteArray())
+{
+    return "HTTP/1.1 200 OK\r\n" + header + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n"
+        + body;
+}
+
+} // namespace
+
+void TestGarbage::initTestCase()
+{
+    m_site = std::make_unique<Site>();
+    m_site->backend.setWallbox("EVSE-02", 16);
+    QCOMPARE(m_site->addGateway(), QString());
+}
+
+/*! Each test begins with two wallboxes that charge. */
+void TestGarbage::init()
+{
+    m_site->backend.answer(ScriptedBackend::Values, 200, valuesOf(good));
+    QVERIFY(m_site->poll());
+    m_site->wallbox("EVSE-01")->setStateValue("totalEnergyConsumed", 0);
+    m_site->log.clear();
+    watched()->longest = 0;
+}
+
+void TestGarbage::values_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QStringList>("first");      // what changes at EVSE-01
+    QTest::addColumn<QStringList>("second");     // and at EVSE-02
+    QTest::addColumn<QStringList>("afterwards"); // and at EVSE-01 once the replies are good again
+    const QStringList none;
+
+    const auto empty = [](const char *name, const QByteArray &reply) {
+        const QStringList gone{ "connected false" };
+        QTest::newRow(name) << reply << gone << gone << QStringList("connected true");
+    };
+    empty("HTML", response("<!DOCTYPE html><html><body>Sign in</body></html>"));
+    empty("array at the top", response('[' + valuesOf(good) + ']'));
+    empty("null for values", response(R"({"success":true,"values":null})"));
+    empty("beyond all numbers", response(valuesOf(R"({"phase_1":1e999})")));
+    empty("NaN", response(valuesOf(R"({"phase_1":NaN})")));
+    empty("invalid UTF-8", response(valuesOf("{\"status\":\"Char\xff\"}")));
+    empty("cut JSON", response(valuesOf(good).chopped(1)));
+    empty("deep nesting", response(QByteArray(100000, '[') + QByteArray(100000, ']')));
+    // A success, as every status below 400, and not followed.
+    empty("redirect", "HTTP/1.1 302 Found\r\nLocation: /\r\nContent-Length: 0\r\n\r\n");
+
+    const auto failed = [&none](const char *name, const QByteArray &reply) {
+        QTest::newRow(name) << reply << none << none << none;
+    };
+    failed("cut body", response(valuesOf(later)).chopped(1));
+    failed("no HTTP", "SSH-2.0-OpenSSH_9.2\r\n");
+    failed("gzip that is none", response(valuesOf(later), "Content-Encoding: gzip\r\n"));
+
+    const auto record = [&none](const char *name, const QByteArray &text, const QStringList &changes,
+                                const QStringList &afterwards) {
+        QTest::newRow(name) << response(valuesOf(text)) << changes << none << afterwards;
+    };
+    const QStringList power{ "currentPower 11040", "currentPhaseA 16", "currentPhaseB 16", "currentPhaseC 16",
+                             "phaseCount 3" };
+    const QStringList noPower{ "currentPower 0", "currentPhaseA 0", "currentPhaseB 0", "currentPhaseC 0",
+                               "phaseCount 1" };
+    const QStringList defaults =
+        QStringList{ "sessionEnergy 0", "state Unavailable", "charging false" } + noPower;
+    const QStringList charging =
+        QStringList{ "sessionEnergy 2.5", "state Charging", "charging true" } + power;
+    record("null", "null", defaults, charging);
+    record("nulls", R"({"timestamp":null,"status":null,"phase_1":null,"meter_value":null})", defaults,
+           charging);
+    record("numbers as text", R"({"status":"Charging","phase_1":"16","meter_value":"2500"})",
+           QStringList("sessionEnergy 0") + noPower, QStringList("sessionEnergy 2.5") + power);
+    record("negative currents", R"({"status":"Charging","phase_1":-16,"meter_value":2500})", noPower, power);
+    record("1e308 A", R"({"status":"Charging","phase_1":1e308,"phase_2":1e308,"meter_value":2500})",
+           { "currentPower inf", "currentPhaseA 1e+308", "currentPhaseB 1e+308", "currentPhaseC 0",
+             "phaseCount 2" },
+           power);
+
+    // What a meter shows is counted, however much it is.
+    const QStringList oneMore{ "sessionEnergy 3.5", "totalEnergyConsumed 1" };
+    const QStringList oneLess{ "sessionEnergy 2.5" };
+    record("1e308 Wh", QByteArray(good).replace("2500", "1e308"),
+           { "sessionEnergy 1e+305", "totalEnergyConsumed 1e+305" }, oneLess);
+    record("unknown ids", withStrangers(later, strangers), oneMore, oneLess);
+    record("duplicate keys", QByteArray(later).replace("{", R"({"meter_value":1,)"), oneMore, oneLess);
+
+    const QByteArray gzipped = QByteArray::fromBase64(
+        "H4sIAAAAAAACA6tWKi5NTk4tLlayKikqTdVRKkvMKU0F8qqVXMOCXXUNDEHMkszc1OKSxNwCJSslIwMj"
+        "E10DU6BMiKGRlYEBEEUp6SgBpUtKgfqUnDMSi9Iz89KBYgUZicWp8UATDM1gHCNkjjGEk5takloUD7ZY"
+        "ycrY1MCgVgdquRGdLTcCWV5bCwBREUT+FQEAAA==");
+    QTest::newRow("gzip") << response(gzipped, "Content-Encoding: gzip\r\n") << oneMore << none << oneLess;
+    empty("cut gzip", response(gzipped.chopped(20), "Content-Encoding: gzip\r\n"));
+}
+
+void TestGarbage::values()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(QStringList, first);
+    QFETCH(QStringList, second);
+    QFETCH(QStringList, afterwards);
+    const StateWatch firstWatch(m_site->wallbox("EVSE-01"));
+    const StateWatch secondWatch(m_site->wallbox("EVSE-02"));
+    m_site->backend.answerRaw(ScriptedBackend::Values, reply);
+    QVERIFY(m_site->poll());
+    QVERIFY2(watched()->longest < allowed, qPrintable(QString::number(watched()->longest)));
+    QCOMPARE(firstWatch.changes, first);
+    QCOMPARE(secondWatch.changes, second);
+    QCOMPARE(m_site->log.warnings().size(), first.isEmpty() ? 1 : 0);
+
+    m_site->backend.answer(ScriptedBackend::Values, 200, valuesOf(good));
+    QVERIFY(m_site->poll());
+    QVERIFY(m_site->poll());
+    QCOMPARE(firstWatch.changes, first + afterwards);
+    QCOMPARE(secondWatch.changes, second.isEmpty() ? second : second + QStringList("connected true"));
+}
+
+void TestGarbage::hugeValues_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<double>("allowedTime"); // ms
+    QTest::addColumn<QString>("change");
+    QTest::newRow("HTML") << "<html>" + QByteArray(hugeSize, ' ') << allowed << "connected false";
+    // To be read whole it takes more than 0.1 s: some 20 ms a megabyte.
+    QTest::newRow("JSON") << valuesOf(withStrangers(later, hugeSize / 40)) << 30 * allowed
+                          << "totalEnergyConsumed 1";
+}
+
+/*! 50 MB in one reply, without debug output, which would be longer still. */
+void TestGarbage::hugeValues()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(double, allowedTime);
+    QFETCH(QString, change);
+    const StateWatch watch(m_site->wallbox("EVSE-01"));
+    QLoggingCategory::setFilterRules("Vela.debug=false");
+    m_site->backend.answer(ScriptedBackend::Values, 200, body);
+    m_site->tick();
+    QTRY_VERIFY_WITH_TIMEOUT(watch.changes.contains(change), 30000);
+    QLoggingCategory::setFilterRules(QString());
+    qInfo("%d bytes keep the event loop busy for %.1f ms", body.size(), watched()->longest);
+    QVERIFY(watched()->longest < allowedTime);
+    m_site->backend.answer(ScriptedBackend::Values, 200, valuesOf(good));
+    QVERIFY(m_site->poll());
+    QCOMPARE(m_site->state("EVSE-01", "connected"), QVariant(true));
+    QCOMPARE(m_site->state("EVSE-01", "sessionEnergy"), QVariant(2.5));
+}
+
+void TestGarbage::discovery()
+{
+    for (const char *body : { "<html>Sign in</html>", "[]", "null", R"({"evse_ids":["EVSE-01"]})",
+                              "{\"evse_ids\":{\"\xff\":{}}}" }) {
+        m_site->backend.answer(ScriptedBackend::GroupInfo, 200, body);
+        QCOMPARE(Site::result(m_site->discover()),
+                 "SetupFailed: The OCPP Backend could not be reached!\nPlease check the entered URL.");
+    }
+    m_site->backend.answerNormally(ScriptedBackend::GroupInfo);
+    const Job discovery = m_site->discover();
+    QCOMPARE(Site::result(discovery), QString("NoError"));
+    QCOMPARE(discovery->offers.size(), 1);
+}
+
+void TestGarbage::groupInfo_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("wallboxes");
+    QTest::newRow("HTML") << QByteArray("<html>Sign in</html>") << 0;
+    QTest::newRow("no object") << QByteArray(R"({"evse_ids":["EVSE-01"]})") << 0;
+    QTest::newRow("odd maxima") << QByteArray(
+        R"({"evse_ids":{"A":{"max_charging_current":1e308},"B":null,"C":{"max_charging_current":"16"}}})")
+                                << 3;
+    QTest::newRow("unknown ids") << "{\"evse_ids\":{\"EVSE-01\":{}" + withStrangers("", strangers) + "}}"
+                                 << 32;
+}
+
+/*! A set-up with garbage for an answer: the next one puts everything right. */
+void TestGarbage::groupInfo()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(int, wallboxes);
+    m_site->backend.answer(ScriptedBackend::GroupInfo, 200, body);
+    QCOMPARE(Site::result(m_site->setup(m_site->gateway())), QString("NoError"));
+    QTRY_COMPARE(m_site->wallboxes().size(), wallboxes);
+    QVERIFY2(watched()->longest < allowed, qPrintable(QString::number(watched()->longest)));
+    m_site->backend.answerNormally(ScriptedBackend::GroupInfo);
+    QCOMPARE(Site::result(m_site->setup(m_site->gateway())), QString("NoError"));
+    QTRY_COMPARE(m_site->infraIds(), (QStringList{ "EVSE-01", "EVSE-02" }));
+    QVERIFY(m_site->poll());
+    QCOMPARE(m_site->state("EVSE-01", "state"), QVariant("Charging"));
+}
+
+/*! Other polls go on by other connections, and what never ends is never applied. */
+void TestGarbage::valuesWithoutEnd()
+{
+    m_site->backend.hold(ScriptedBackend::Values);
+    m_site->backend.forgetRequests();
+    m_site->tick();
+    QTRY_COMPARE(m_site->backend.requests(ScriptedBackend::Values).size(), 1);
+    QVERIFY(m_site->backend.sendPart(ScriptedBackend::Values, "HTTP/1.1 200 OK\r\n\r\n" + valuesOf(later)));
+    m_site->backend.answer(ScriptedBackend::Values, 200, valuesOf(good));
+    const StateWatch watch(m_site->wallbox("EVSE-01"));
+    for (int i = 0; i < 20; ++i) {
+        QVERIFY(m_site->backend.sendPart(ScriptedBackend::Values, QByteArray(1000000, ' ')));
+        QVERIFY(m_site->poll());
+    }
+    QVERIFY2(watched()->longest < allowed, qPrintable(QString::number(watched()->longest)));
+    QCOMPARE(watch.changes, QStringList());
+}
+
+int main(int argc, char *argv[])
+{
+    WatchedApplication application(argc, argv);
+    TestGarbage test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_garbage.moc"
