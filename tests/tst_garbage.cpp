@@ -203,7 +203,7 @@ void TestGarbage::values()
     QFETCH(QStringList, afterwards);
     const StateWatch firstWatch(m_site->wallbox("EVSE-01"));
     const StateWatch secondWatch(m_site->wallbox("EVSE-02"));
-    m_site->backend.answerRaw(ScriptedBackend::Values, reply);
+    m_site->backend.hangUp(ScriptedBackend::Values, reply);
     QVERIFY(m_site->poll());
     QVERIFY2(watched()->longest < allowed, qPrintable(QString::number(watched()->longest)));
     QCOMPARE(firstWatch.changes, first);
