@@ -41,8 +41,9 @@ void print(const Soak &soak, qint64 milliseconds)
     const Soak::Figures &figures = soak.figures();
     std::printf("%d polls of 32 wallboxes in %.0f s, %d of them failed; %d lives\n", figures.polls,
                 double(milliseconds) / 1000, figures.failedPolls, figures.lives);
-    std::printf("%d actions, %d requests with limits; limits renewed %d times, due in silence %d times\n",
-                figures.actions, figures.limits, figures.renewals, figures.silentRenewals);
+    std::printf("%d actions, %d requests with limits, %d lost to faults; limits renewed %d times\n",
+                figures.actions, figures.limits, figures.lostLimits, figures.renewals);
+    std::printf("limits due in silence, and not sent: %d times\n", figures.silentRenewals);
     std::printf("%d sessions; faults:", soak.sessions());
     for (auto it = figures.faults.cbegin(); it != figures.faults.cend(); ++it)
         std::printf(" %s %d;", qPrintable(it.key()), it.value());

@@ -247,7 +247,8 @@ QString Soak::poll(int ticks)
     m_site.log.clear();
     const QJsonObject limits = m_limits.take();
     const auto limited = [this, &limits] {
-        return limits.isEmpty() || !m_site.backend.requests(Backend::Limits).isEmpty();
+        return limits.isEmpty() || !m_site.backend.requests(Backend::Limits).isEmpty()
+            || (m_disturbed && m_site.log.count("warning: setProfileChargePowerLimit()") > 0);
     };
     const bool answered = ticks == 1 ? pollOnce() : pollInSilence(ticks);
     if (!answered || !waitFor(limited))
@@ -309,7 +310,8 @@ QString Soak::judgeLimits(const QJsonObject &expected)
     const QList<QJsonObject> received = m_site.backend.limits();
     m_site.backend.forgetRequests();
     m_figures.limits += received.size();
-    // Qt sends a request again when its connection ends before any answer.
+    m_figures.lostLimits += !expected.isEmpty() && received.isEmpty();
+    // Qt sends a request again when its connection ends before any answer; at times it gives up at once.
     const int most = m_disturbed ? received.size() : 1;
     const int wanted = expected.isEmpty() ? 0 : most;
     if (received.count(expected) != wanted || received.size() != wanted)

@@ -24,6 +24,7 @@ public:
         int lives = 0;
         int actions = 0;
         int limits = 0;         //!< requests
+        int lostLimits = 0;     //!< requests that failed under a fault, with a warning
         int renewals = 0;       //!< of all limits, while actions came
         int silentRenewals = 0; //!< due, but nothing had been heard for more than 30 s
         QMap<QString, int> faults;

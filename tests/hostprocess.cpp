@@ -5,25 +5,29 @@
 
 #include <QJsonDocument>
 
+#include <utility>
+
 namespace {
 constexpr int patience = 20000; // ms, far above what anything here takes
 }
 
-HostProcess::HostProcess(const QString &plugin, const QString &storage, const QStringList &options)
+HostProcess::HostProcess(const QString &plugin, const QString &storage, const QStringList &options,
+                         std::unique_ptr<QProcess> process)
+    : m_process(std::move(process))
 {
     const QStringList arguments{ QStringLiteral("--json"), QStringLiteral("--plugin"), plugin,
                                  QStringLiteral("--storage"), storage };
-    m_process.start(QStringLiteral(VELA_HOST), arguments + options);
+    m_process->start(QStringLiteral(VELA_HOST), arguments + options);
 }
 
 HostProcess::~HostProcess()
 {
-    if (m_process.state() == QProcess::NotRunning)
+    if (m_process->state() == QProcess::NotRunning)
         return;
     send(QStringLiteral("quit"));
-    if (!m_process.waitForFinished(patience))
-        m_process.kill();
-    m_process.waitForFinished(patience);
+    if (!m_process->waitForFinished(patience))
+        m_process->kill();
+    m_process->waitForFinished(patience);
 }
 
 QJsonObject HostProcess::command(const QString &line)
@@ -38,16 +42,16 @@ QJsonObject HostProcess::command(const QString &line)
 
 void HostProcess::send(const QString &line)
 {
-    m_process.write(line.toUtf8() + '\n');
+    m_process->write(line.toUtf8() + '\n');
 }
 
-QJsonObject HostProcess::next()
+QJsonObject HostProcess::next(int patience)
 {
-    while (!m_process.canReadLine()) {
-        if (!m_process.waitForReadyRead(patience))
+    while (!m_process->canReadLine()) {
+        if (!m_process->waitForReadyRead(patience))
             return {};
     }
-    QJsonObject object = QJsonDocument::fromJson(m_process.readLine()).object();
+    QJsonObject object = QJsonDocument::fromJson(m_process->readLine()).object();
     if (object.contains(QLatin1String("event")))
         events.append(object);
     return object;
@@ -74,27 +78,27 @@ QVector<QJsonObject> HostProcess::eventsNamed(const QString &name) const
 
 void HostProcess::closeInput()
 {
-    m_process.closeWriteChannel();
+    m_process->closeWriteChannel();
 }
 
 void HostProcess::kill()
 {
-    m_process.kill();
-    m_process.waitForFinished(patience);
+    m_process->kill();
+    m_process->waitForFinished(patience);
 }
 
 void HostProcess::terminate()
 {
-    m_process.terminate();
+    m_process->terminate();
 }
 
 int HostProcess::exitStatus()
 {
-    const bool ended = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(patience);
-    return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    const bool ended = m_process->state() == QProcess::NotRunning || m_process->waitForFinished(patience);
+    return ended && m_process->exitStatus() == QProcess::NormalExit ? m_process->exitCode() : -1;
 }
 
 QString HostProcess::log()
 {
-    return QString::fromUtf8(m_process.readAllStandardError());
+    return QString::fromUtf8(m_process->readAllStandardError());
 }

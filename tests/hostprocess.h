@@ -9,17 +9,20 @@
 #include <QProcess>
 #include <QVector>
 
+#include <memory>
+
 /*! The host program with --json, at the test's command. Ends with this object, by quit or else by kill. */
 class HostProcess {
 public:
-    HostProcess(const QString &plugin, const QString &storage, const QStringList &options = {});
+    HostProcess(const QString &plugin, const QString &storage, const QStringList &options = {},
+                std::unique_ptr<QProcess> process = std::make_unique<QProcess>());
     ~HostProcess();
 
     /*! Sends a command and waits for its answer, which is empty when none came in time. */
     QJsonObject command(const QString &line);
     void send(const QString &line);
     /*! The next object of the host's output; empty when none came in time or the host has ended. */
-    QJsonObject next();
+    QJsonObject next(int patience = 20000 /* ms */);
     /*! Reads on until an event of that name, and returns it. */
     QJsonObject nextEvent(const QString &name);
 
@@ -35,7 +38,7 @@ public:
     QString log();
 
 private:
-    QProcess m_process;
+    const std::unique_ptr<QProcess> m_process;
 };
 
 #endif // HOSTPROCESS_H
