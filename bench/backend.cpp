@@ -38,7 +38,8 @@ QByteArray takeRequest(QByteArray &buffer)
     return head;
 }
 
-class Backend : public QTcpServer {
+class Backend : public QTcpServer
+{
 public:
     Backend(int wallboxes, Yard yard)
         : m_groupInfo(response(groupInfoReply(wallboxes)))

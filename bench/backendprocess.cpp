@@ -9,7 +9,7 @@ BackendProcess::BackendProcess(int wallboxes, Yard yard)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QCoreApplication::applicationDirPath() + QLatin1String("/vela-bench-backend"),
-                    { QString::number(wallboxes), nameOf(yard) });
+                    {QString::number(wallboxes), nameOf(yard)});
     while (!m_process.canReadLine()) {
         if (!m_process.waitForReadyRead(-1)) // however busy the machine is
             qFatal("The backend does not start: %s", qPrintable(m_process.errorString()));

@@ -9,7 +9,8 @@
 #include <QProcess>
 
 /*! vela-bench-backend, running as long as this lives. */
-class BackendProcess {
+class BackendProcess
+{
 public:
     /*! Returns once the backend listens; ends the program if it does not. */
     BackendProcess(int wallboxes, Yard yard);

@@ -13,13 +13,14 @@ namespace {
 
 constexpr int differentPolls = 16;
 
-constexpr struct {
+constexpr struct
+{
     Yard yard;
     const char *name;
 } yardTable[] = {
-    {Yard::Still,     "still"   },
-    { Yard::Mixed,    "mixed"   },
-    { Yard::Charging, "charging"},
+    {Yard::Still,    "still"   },
+    {Yard::Mixed,    "mixed"   },
+    {Yard::Charging, "charging"},
 };
 
 /*! Currents in tenths of an ampere, since a meter sends few digits; phase 1 carries \a deciampere. */
@@ -27,12 +28,12 @@ QJsonObject record(const QString &time, const QString &status, int deciampere, i
 {
     const auto phase = [deciampere](int less) { return qMax(0, deciampere - less) / 10.; };
     return {
-        {QStringLiteral("timestamp"),    time      },
-        { QStringLiteral("status"),      status    },
-        { QStringLiteral("phase_1"),     phase(0)  },
-        { QStringLiteral("phase_2"),     phase(10) },
-        { QStringLiteral("phase_3"),     phase(20) },
-        { QStringLiteral("meter_value"), meterValue}
+        {QStringLiteral("timestamp"),   time      },
+        {QStringLiteral("status"),      status    },
+        {QStringLiteral("phase_1"),     phase(0)  },
+        {QStringLiteral("phase_2"),     phase(10) },
+        {QStringLiteral("phase_3"),     phase(20) },
+        {QStringLiteral("meter_value"), meterValue}
     };
 }
 
@@ -102,7 +103,7 @@ QVector<QByteArray> valuesReplies(int wallboxes, Yard yard)
             records.insert(ids.at(wallbox), record(wallbox, poll, yard));
         replies.append(compact({
             {QStringLiteral("success"), true   },
-            { QStringLiteral("values"), records}
+            {QStringLiteral("values"),  records}
         }));
     }
     return replies;

@@ -14,7 +14,8 @@
 using namespace std::chrono_literals;
 
 /*! A gateway that can tell whose signal its handlers are answering. */
-class Gateway : public Thing {
+class Gateway : public Thing
+{
 public:
     using Thing::Thing;
     QObject *caller() const { return sender(); }

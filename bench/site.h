@@ -19,7 +19,8 @@ class Gateway;
 /*! The built plugin in a daemon of the least kind: one gateway, which has been set up and polled once, and
     any number of wallbox things. More than 32 share the wallbox classes, which a daemon would not allow but
     which makes no difference to a poll. Nobody listens to the things. One site at a time. */
-class Site : private ThingManager {
+class Site : private ThingManager
+{
 public:
     /*! Loads \a pluginFile and aims it at the backend at \a url, which must know \a wallboxes wallboxes. */
     Site(const QString &pluginFile, const QString &url, int wallboxes);

@@ -40,7 +40,7 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
     const QStringList names = workloadNames();
-    for (const Yard yard : { Yard::Still, Yard::Mixed, Yard::Charging }) {
+    for (const Yard yard : {Yard::Still, Yard::Mixed, Yard::Charging}) {
         for (const QString &name : names)
             registerWorkload(name, yard);
     }

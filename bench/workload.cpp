@@ -16,7 +16,8 @@
 namespace {
 
 /*! Gives out the replies of one kind in turn. */
-class Ring {
+class Ring
+{
 public:
     Ring(int wallboxes, Yard yard)
         : m_replies(valuesReplies(wallboxes, yard))
@@ -30,7 +31,8 @@ private:
     int m_next = 0;
 };
 
-class Parse : public Workload {
+class Parse : public Workload
+{
 public:
     Parse(int wallboxes, Yard yard)
         : m_ring(wallboxes, yard)
@@ -44,7 +46,8 @@ private:
     QJsonDocument m_document;
 };
 
-class Apply : public Workload {
+class Apply : public Workload
+{
 public:
     Apply(int wallboxes, Yard yard)
         : m_backend(wallboxes, yard)
@@ -65,17 +68,18 @@ private:
     Ring m_ring;
 };
 
-class Post : public Workload {
+class Post : public Workload
+{
 public:
     Post(int wallboxes, Yard yard)
         : m_backend(wallboxes, yard)
         , m_request(QUrl(m_backend.url() + QLatin1String("/vela/get_values/yard")))
-        , m_body(QJsonDocument(
-                     QJsonObject{
-                         {QStringLiteral("evse_ids"), QJsonArray::fromStringList(infraIds(wallboxes))},
-                         { QStringLiteral("secret"),  QStringLiteral("s3cret")                       }
+        , m_body(
+              QJsonDocument(QJsonObject{
+                                {QStringLiteral("evse_ids"), QJsonArray::fromStringList(infraIds(wallboxes))},
+                                {QStringLiteral("secret"),   QStringLiteral("s3cret")                       }
     })
-                     .toJson())
+                  .toJson())
     {
         m_request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
         m_request.setRawHeader("Authorization", "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f");
@@ -102,7 +106,8 @@ private:
     QEventLoop m_loop;
 };
 
-class Poll : public Workload {
+class Poll : public Workload
+{
 public:
     Poll(const QString &pluginFile, int wallboxes, Yard yard)
         : m_backend(wallboxes, yard)
@@ -122,8 +127,8 @@ private:
 
 QStringList workloadNames()
 {
-    return { QStringLiteral("parse"), QStringLiteral("apply"), QStringLiteral("post"), QStringLiteral("poll"),
-             QStringLiteral("poll-nolog") };
+    return {QStringLiteral("parse"), QStringLiteral("apply"), QStringLiteral("post"), QStringLiteral("poll"),
+            QStringLiteral("poll-nolog")};
 }
 
 std::unique_ptr<Workload> makeWorkload(const QString &name, int wallboxes, Yard yard)

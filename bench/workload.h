@@ -9,7 +9,8 @@
 #include <memory>
 
 /*! Something to be repeated and measured. */
-class Workload {
+class Workload
+{
 public:
     virtual ~Workload() = default;
     virtual void run() = 0;

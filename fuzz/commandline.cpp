@@ -18,13 +18,14 @@
 // In place of the host's loader: the plugin is linked in.
 LoadedPlugin loadPlugin(const QString &)
 {
-    return { new IntegrationPluginVela, pluginMetadata(), QString() };
+    return {new IntegrationPluginVela, pluginMetadata(), QString()};
 }
 
 namespace {
 
 /*! Says nothing and counts the answers. */
-class AnswerCounter : public Output {
+class AnswerCounter : public Output
+{
 public:
     void refused(const QString &, const QString &reason) override
     {
@@ -48,10 +49,11 @@ public:
 };
 
 /*! The host without its streams; whatever it asks the backend is answered at once. */
-class Host {
+class Host
+{
 public:
     Host()
-        : daemon({ QString(), m_storage.path(), std::chrono::milliseconds(0) })
+        : daemon({QString(), m_storage.path(), std::chrono::milliseconds(0)})
     {
         require(daemon.load().isEmpty(), "the daemon starts");
         Commands commands(&daemon, &answers);

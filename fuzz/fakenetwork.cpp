@@ -11,7 +11,8 @@
 
 namespace {
 
-class FakeReply : public QNetworkReply {
+class FakeReply : public QNetworkReply
+{
 public:
     FakeReply(const QNetworkRequest &request, QObject *parent)
         : QNetworkReply(parent)

@@ -39,7 +39,8 @@ int indexOf(const char *name)
     return -1;
 }
 
-const struct {
+const struct
+{
     int connected = indexOf("connected");
     int pluggedIn = indexOf("pluggedIn");
     int charging = indexOf("charging");
@@ -48,8 +49,7 @@ const struct {
     int total = indexOf("totalEnergyConsumed");
     int timestamp = indexOf("timestamp");
     int phaseCount = indexOf("phaseCount");
-    std::array<int, 3> currents{ indexOf("currentPhaseA"), indexOf("currentPhaseB"),
-                                 indexOf("currentPhaseC") };
+    std::array<int, 3> currents{indexOf("currentPhaseA"), indexOf("currentPhaseB"), indexOf("currentPhaseC")};
 } at;
 
 void checkStatus(const Values &values)
@@ -123,7 +123,7 @@ void rewind(PluginRig *rig)
         rig->poll(R"({"success":true,"values":{
             "EVSE-01":{"timestamp":"2024-05-01T12:00:00Z","status":"Charging","phase_1":6,"meter_value":1500},
             "EVSE-02":{"timestamp":"2024-05-01T12:00:00Z","status":"SuspendedEV","meter_value":700}}})");
-        return QVector<Values>{ valuesOf(rig->wallboxes().at(0)), valuesOf(rig->wallboxes().at(1)) };
+        return QVector<Values>{valuesOf(rig->wallboxes().at(0)), valuesOf(rig->wallboxes().at(1))};
     }();
     for (int wallbox = 0; wallbox < start.size(); ++wallbox) {
         const States states = rig->wallboxes().at(wallbox)->states();

@@ -26,7 +26,7 @@ void checkClass(const ThingClass &thingClass, QSet<QUuid> *ids)
     int writable = 0;
     for (const StateType &type : thingClass.stateTypes) {
         require(isFresh(type.id) && !type.name.isEmpty(), "a state has an id of its own and a name");
-        for (const QVariant &value : { type.defaultValue, type.minValue, type.maxValue })
+        for (const QVariant &value : {type.defaultValue, type.minValue, type.maxValue})
             require(!value.isValid() || value.userType() == type.type, "values are of their state's type");
         writable += type.writable ? 1 : 0;
     }

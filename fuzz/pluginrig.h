@@ -10,7 +10,8 @@
 
 /*! The plugin on a test bench: does for it what a daemon does, at once and in memory, with one gateway.
     The backend's replies come from the caller. */
-class PluginRig : public ThingManager {
+class PluginRig : public ThingManager
+{
 public:
     PluginRig();
     ~PluginRig() override;

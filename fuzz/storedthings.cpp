@@ -16,7 +16,7 @@ namespace {
 /*! Everything that is stored of a thing; its values are of the types of its class. */
 QVariantList recordOf(const Thing *thing)
 {
-    QVariantList record{ thing->id(), thing->thingClassId(), thing->name(), thing->parentId() };
+    QVariantList record{thing->id(), thing->thingClassId(), thing->name(), thing->parentId()};
     const ThingClass thingClass = thing->thingClass();
     for (const ParamType &type : thingClass.paramTypes) {
         record.append(thing->paramValue(type.id));

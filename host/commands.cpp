@@ -12,7 +12,8 @@
 
 using namespace std::chrono_literals;
 
-struct Commands::Command {
+struct Commands::Command
+{
     const char *name;
     const char *arguments; // what follows, for the reader and for counting; optional in brackets
     const char *summary;
@@ -58,18 +59,18 @@ Commands::Commands(Daemon *daemon, Output *output, QObject *parent)
 const QVector<Commands::Command> &Commands::table()
 {
     static const QVector<Command> commands{
-        {"classes",   "",                        "list the plugin's thing classes",        &Commands::classes },
-        { "discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",             &Commands::discover},
-        { "add",      "N",                       "add or reconfigure the N-th offer",      &Commands::add     },
-        { "things",   "",                        "list all things",                        &Commands::things  },
-        { "show",     "THING",                   "show a thing's parameters and states",   &Commands::show    },
-        { "set",      "THING STATE VALUE",       "set a writable state",                   &Commands::set     },
-        { "setup",    "THING",                   "run a thing's set-up again",             &Commands::setup   },
-        { "remove",   "THING",                   "remove a thing, its children first",     &Commands::remove  },
-        { "watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it", &Commands::watch   },
-        { "wait",     "SECONDS",                 "let time pass",                          &Commands::wait    },
-        { "help",     "",                        "show this list",                         &Commands::help    },
-        { "quit",     "",                        "end the host; its things stay stored",   &Commands::quit    },
+        {"classes",  "",                        "list the plugin's thing classes",        &Commands::classes },
+        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",             &Commands::discover},
+        {"add",      "N",                       "add or reconfigure the N-th offer",      &Commands::add     },
+        {"things",   "",                        "list all things",                        &Commands::things  },
+        {"show",     "THING",                   "show a thing's parameters and states",   &Commands::show    },
+        {"set",      "THING STATE VALUE",       "set a writable state",                   &Commands::set     },
+        {"setup",    "THING",                   "run a thing's set-up again",             &Commands::setup   },
+        {"remove",   "THING",                   "remove a thing, its children first",     &Commands::remove  },
+        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it", &Commands::watch   },
+        {"wait",     "SECONDS",                 "let time pass",                          &Commands::wait    },
+        {"help",     "",                        "show this list",                         &Commands::help    },
+        {"quit",     "",                        "end the host; its things stay stored",   &Commands::quit    },
     };
     return commands;
 }
@@ -199,7 +200,7 @@ QString Commands::set(const QStringList &arguments)
         return QStringLiteral("%1 has no state \"%2\" that can be set; there are %3.")
             .arg(found.thing->name(), stateName, namesOf(thingClass.actionTypes));
     // The limits are the daemon's to check: they move.
-    const ValueRule rule{ action.paramTypes.constFirst().type, {}, {}, Types::UnitNone };
+    const ValueRule rule{action.paramTypes.constFirst().type, {}, {}, Types::UnitNone};
     const CheckedValue value = parseValue(arguments.at(2), rule);
     if (!value.error.isEmpty())
         return QStringLiteral("%1 %2.").arg(stateName, value.error);
@@ -258,8 +259,8 @@ QString Commands::help(const QStringList &)
     QVector<CommandHelp> entries;
     for (const Command &command : table())
         entries.append(
-            { QStringLiteral("%1 %2").arg(QLatin1String(command.name), QLatin1String(command.arguments)),
-              QLatin1String(command.summary) });
+            {QStringLiteral("%1 %2").arg(QLatin1String(command.name), QLatin1String(command.arguments)),
+             QLatin1String(command.summary)});
     m_command.clear();
     m_output->help(entries);
     return QString();

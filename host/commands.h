@@ -10,7 +10,8 @@
 #include <QTimer>
 
 /*! Understands the host's commands and has the daemon carry them out, one after the other. */
-class Commands : public QObject {
+class Commands : public QObject
+{
     Q_OBJECT
 public:
     /*! Both must outlive this object. */

@@ -226,7 +226,7 @@ ThingActionInfo *Daemon::execute(Thing *thing, const Action &action)
 ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const QVariant &value)
 {
     const ActionType type = thing->thingClass().actionTypes.findByName(stateName);
-    return execute(thing, Action(type.id, thing->id(), { { Param(ParamTypeId(type.id), value) } }));
+    return execute(thing, Action(type.id, thing->id(), {{Param(ParamTypeId(type.id), value)}}));
 }
 
 void Daemon::remove(Thing *thing)

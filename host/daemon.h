@@ -21,10 +21,12 @@
 
     What a signal or a job's finished() reports has been stored before. State changes are reported together
     once a turn of the event loop, and always before any other report that follows them. */
-class Daemon : public ThingManager {
+class Daemon : public ThingManager
+{
     Q_OBJECT
 public:
-    struct Options {
+    struct Options
+    {
         QString pluginFile;
         QString storageFolder;
         std::chrono::milliseconds jobTimeout = std::chrono::seconds(30); //!< 0: jobs may wait for ever

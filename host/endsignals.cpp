@@ -11,7 +11,7 @@
 
 namespace {
 
-int pipeEnds[2] = { -1, -1 }; // for reading, for writing; until the process ends
+int pipeEnds[2] = {-1, -1}; // for reading, for writing; until the process ends
 
 // A handler may do next to nothing; writing is allowed.
 void onSignal(int)
@@ -35,6 +35,6 @@ EndSignals::EndSignals(QObject *parent)
     struct sigaction action = {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;
-    for (const int number : { SIGINT, SIGTERM, SIGHUP })
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
         ::sigaction(number, &action, nullptr);
 }

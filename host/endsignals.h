@@ -7,7 +7,8 @@
 #include <QObject>
 
 /*! Turns SIGINT, SIGTERM and SIGHUP into a signal from the event loop. One object a process. */
-class EndSignals : public QObject {
+class EndSignals : public QObject
+{
     Q_OBJECT
 public:
     explicit EndSignals(QObject *parent = nullptr);

@@ -31,8 +31,8 @@ QSize screenSize()
 {
     winsize size = {};
     if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0)
-        return { 80, 24 };
-    return { size.ws_col, size.ws_row };
+        return {80, 24};
+    return {size.ws_col, size.ws_row};
 }
 
 } // namespace
@@ -58,7 +58,7 @@ void HumanOutput::commandRead()
 
 void HumanOutput::refused(const QString &, const QString &reason)
 {
-    write({ QStringLiteral("Error: ") + reason });
+    write({QStringLiteral("Error: ") + reason});
 }
 
 void HumanOutput::done(const QString &command)
@@ -72,7 +72,7 @@ void HumanOutput::help(const QVector<CommandHelp> &commands)
 {
     QVector<QStringList> rows;
     for (const CommandHelp &command : commands)
-        rows.append({ command.usage, command.summary });
+        rows.append({command.usage, command.summary});
     write(aligned(rows));
 }
 
@@ -83,9 +83,9 @@ void HumanOutput::classes(const ThingClasses &classes)
         QStringList params;
         for (const ParamType &type : thingClass.discoveryParamTypes)
             params.append(type.name);
-        rows.append({ thingClass.name, thingClass.displayName,
-                      (QStringList(thingClass.createMethods.join(QLatin1Char(','))) + params)
-                          .join(QLatin1Char(' ')) });
+        rows.append(
+            {thingClass.name, thingClass.displayName,
+             (QStringList(thingClass.createMethods.join(QLatin1Char(','))) + params).join(QLatin1Char(' '))});
     }
     write(aligned(rows));
 }
@@ -98,9 +98,9 @@ void HumanOutput::discovered(const ThingDiscoveryInfo *info, const ThingClasses 
     QVector<QStringList> rows;
     for (int i = 0; i < offers.size(); ++i) {
         const ThingDescriptor &offer = offers.at(i);
-        rows.append({ QString::number(i + 1), offer.title(), offer.description(),
-                      classes.findById(offer.thingClassId()).name,
-                      offer.thingId().isNull() ? QStringLiteral("new") : QStringLiteral("exists already") });
+        rows.append({QString::number(i + 1), offer.title(), offer.description(),
+                     classes.findById(offer.thingClassId()).name,
+                     offer.thingId().isNull() ? QStringLiteral("new") : QStringLiteral("exists already")});
     }
     write(offers.isEmpty() ? QStringList(QStringLiteral("Nothing was found.")) : aligned(rows));
 }
@@ -110,14 +110,14 @@ void HumanOutput::jobDone(const QString &command, const ThingJob *job, const Thi
     if (job->status() != Thing::ThingErrorNoError)
         refused(command, errorText(job));
     else if (thing && command == QLatin1String("set"))
-        write({ QStringLiteral("Done: %1 %2").arg(thing->name(), mainStates(thing)) });
+        write({QStringLiteral("Done: %1 %2").arg(thing->name(), mainStates(thing))});
 }
 
 void HumanOutput::things(const Things &things)
 {
     QVector<QStringList> rows;
     for (const Thing *thing : things)
-        rows.append({ thing->name(), thing->thingClass().name, setupText(thing), mainStates(thing) });
+        rows.append({thing->name(), thing->thingClass().name, setupText(thing), mainStates(thing)});
     write(rows.isEmpty() ? QStringList(QStringLiteral("There are no things yet.")) : aligned(rows));
 }
 
@@ -128,20 +128,20 @@ void HumanOutput::thing(const Thing *thing, const Thing *parent)
     if (!thing->setupDisplayMessage().isEmpty())
         setup += QStringLiteral(": ") + thing->setupDisplayMessage();
     const QVector<QStringList> facts{
-        {QStringLiteral("name"),    thing->name()                                   },
-        { QStringLiteral("id"),     thing->id().toString(QUuid::WithoutBraces)      },
-        { QStringLiteral("class"),  thingClass.name                                 },
-        { QStringLiteral("parent"), parent ? parent->name() : QStringLiteral("none")},
-        { QStringLiteral("set-up"), setup                                           }
+        {QStringLiteral("name"),   thing->name()                                   },
+        {QStringLiteral("id"),     thing->id().toString(QUuid::WithoutBraces)      },
+        {QStringLiteral("class"),  thingClass.name                                 },
+        {QStringLiteral("parent"), parent ? parent->name() : QStringLiteral("none")},
+        {QStringLiteral("set-up"), setup                                           }
     };
     QVector<QStringList> rows;
     for (const ParamType &type : thingClass.paramTypes)
         rows.append(
-            { QStringLiteral("parameter ") + type.name, valueText(thing->paramValue(type.id), type.unit) });
+            {QStringLiteral("parameter ") + type.name, valueText(thing->paramValue(type.id), type.unit)});
     for (const StateType &type : thingClass.stateTypes) {
         const State state = thing->state(type.id);
-        rows.append({ QStringLiteral("state ") + type.name, valueText(state.value(), type.unit),
-                      limitsText(state, type) });
+        rows.append({QStringLiteral("state ") + type.name, valueText(state.value(), type.unit),
+                     limitsText(state, type)});
     }
     write(aligned(facts) + aligned(rows));
 }
@@ -176,7 +176,7 @@ void HumanOutput::stateChanged(const Thing *thing, const StateType &stateType, c
 void HumanOutput::watched(const Things &wallboxes)
 {
     if (wallboxes.isEmpty())
-        return write({ QStringLiteral("There are no wallboxes yet.") });
+        return write({QStringLiteral("There are no wallboxes yet.")});
     m_watching = true;
     QVector<LiveRow> rows;
     for (const Thing *wallbox : wallboxes) {

@@ -7,7 +7,8 @@
 #include "output.h"
 
 /*! Text for people, with a prompt and a table redrawn in place where they sit at a terminal. */
-class HumanOutput : public Output {
+class HumanOutput : public Output
+{
 public:
     HumanOutput();
 

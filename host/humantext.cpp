@@ -65,7 +65,7 @@ QString setupText(const Thing *thing)
 QString mainStates(const Thing *thing)
 {
     QStringList texts;
-    for (const char *name : { "connected", "state", "power", "maxChargingCurrent", "currentPower" }) {
+    for (const char *name : {"connected", "state", "power", "maxChargingCurrent", "currentPower"}) {
         const StateType type = thing->thingClass().stateTypes.findByName(QLatin1String(name));
         if (!type.id.isNull())
             texts.append(stateText(thing, type));

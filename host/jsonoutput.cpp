@@ -210,7 +210,7 @@ void JsonOutput::things(const Things &things)
 
 void JsonOutput::thing(const Thing *thing, const Thing *)
 {
-    writeThings(QStringLiteral("show"), QJsonArray{ thingObject(thing) });
+    writeThings(QStringLiteral("show"), QJsonArray{thingObject(thing)});
 }
 
 void JsonOutput::thingAdded(const Thing *thing)

@@ -9,7 +9,8 @@
 #include <QJsonObject>
 
 /*! One JSON object a line, for programs. */
-class JsonOutput : public Output {
+class JsonOutput : public Output
+{
 public:
     void refused(const QString &command, const QString &reason) override;
     void done(const QString &command) override;

@@ -8,7 +8,8 @@
 #include <QSocketNotifier>
 
 /*! Reads UTF-8 lines from a file descriptor as they arrive, without holding up the event loop. */
-class LineReader : public QObject {
+class LineReader : public QObject
+{
     Q_OBJECT
 public:
     /*! \a fd stays the caller's: a terminal, pipe, FIFO, socket or file. */

@@ -22,27 +22,29 @@ enum Column {
     ColumnCount
 };
 
-constexpr struct {
+constexpr struct
+{
     const char *title;
     const char *unit;
     int width;      // for the name and the bar the least
     bool isNumber;  // to the right
     int importance; // the least important column goes first where there is no room
 } columns[ColumnCount] = {
-    {"Wallbox",     "",           7,  false, 9},
-    { "OCPP state", "",           13, false, 8},
-    { "Car",        "",           8,  false, 4},
-    { "",           "",           6,  false, 3},
-    { "Current",    "A of limit", 10, true,  7},
-    { "Power",      "kW",         6,  true,  6},
-    { "Session",    "kWh",        7,  true,  5},
-    { "Total",      "kWh",        8,  true,  1},
-    { "Age",        "",           3,  true,  2},
+    {"Wallbox",    "",           7,  false, 9},
+    {"OCPP state", "",           13, false, 8},
+    {"Car",        "",           8,  false, 4},
+    {"",           "",           6,  false, 3},
+    {"Current",    "A of limit", 10, true,  7},
+    {"Power",      "kW",         6,  true,  6},
+    {"Session",    "kWh",        7,  true,  5},
+    {"Total",      "kWh",        8,  true,  1},
+    {"Age",        "",           3,  true,  2},
 };
 constexpr int mostForName = 28;
 constexpr int mostForBar = 20;
 
-struct Layout {
+struct Layout
+{
     int widths[ColumnCount]; // 0: left out
 };
 
@@ -135,13 +137,14 @@ QString ageText(qint64 timestamp, qint64 now)
     if (timestamp == 0)
         return QStringLiteral("-");
     const qint64 age = std::max<qint64>(0, now - timestamp);
-    constexpr struct {
+    constexpr struct
+    {
         qint64 seconds;
         char sign;
     } units[] = {
         {86400, 'd'},
-        { 3600, 'h'},
-        { 60,   'm'}
+        {3600,  'h'},
+        {60,    'm'}
     };
     for (const auto &unit : units) {
         if (age >= 2 * unit.seconds)
@@ -157,18 +160,19 @@ QString stateText(const LiveRow &row)
 
 QString stateColour(const LiveRow &row)
 {
-    constexpr struct {
+    constexpr struct
+    {
         const char *state;
         const char *colour;
     } colours[] = {
-        {"Charging",       "32"  },
-        { "Preparing",     "33"  },
-        { "SuspendedEV",   "33"  },
-        { "SuspendedEVSE", "33"  },
-        { "Finishing",     "33"  },
-        { "Faulted",       "1;31"},
-        { "Reserved",      "36"  },
-        { "Available",     "36"  }
+        {"Charging",      "32"  },
+        {"Preparing",     "33"  },
+        {"SuspendedEV",   "33"  },
+        {"SuspendedEVSE", "33"  },
+        {"Finishing",     "33"  },
+        {"Faulted",       "1;31"},
+        {"Reserved",      "36"  },
+        {"Available",     "36"  }
     };
     const QString state = stateText(row);
     for (const auto &entry : colours) {
@@ -180,15 +184,15 @@ QString stateColour(const LiveRow &row)
 
 QString rowLine(const LiveRow &row, const Layout &layout, const TableStyle &style, qint64 now)
 {
-    const QStringList cells{ row.name,
-                             stateText(row),
-                             carText(row),
-                             bar(row, layout.widths[BarColumn], style.unicode),
-                             currentText(row),
-                             decimals(row.power / 1000, 2),
-                             decimals(row.sessionEnergy, 2),
-                             decimals(row.totalEnergy, 1),
-                             ageText(row.timestamp, now) };
+    const QStringList cells{row.name,
+                            stateText(row),
+                            carText(row),
+                            bar(row, layout.widths[BarColumn], style.unicode),
+                            currentText(row),
+                            decimals(row.power / 1000, 2),
+                            decimals(row.sessionEnergy, 2),
+                            decimals(row.totalEnergy, 1),
+                            ageText(row.timestamp, now)};
     return line(cells, layout, style, style.colour ? stateColour(row) : QString());
 }
 
@@ -202,8 +206,8 @@ QString totalLine(const QVector<LiveRow> &rows, const Layout &layout, const Tabl
 {
     const auto charging =
         std::count_if(rows.cbegin(), rows.cend(), [](const LiveRow &row) { return row.charging; });
-    QStringList cells{ QStringLiteral("Total"), QStringLiteral("%1 of %2").arg(charging).arg(rows.size()),
-                       QStringLiteral("charging") };
+    QStringList cells{QStringLiteral("Total"), QStringLiteral("%1 of %2").arg(charging).arg(rows.size()),
+                      QStringLiteral("charging")};
     cells << QString() << QString() << decimals(sum(rows, &LiveRow::power) / 1000, 2)
           << decimals(sum(rows, &LiveRow::sessionEnergy), 2) << decimals(sum(rows, &LiveRow::totalEnergy), 1);
     return line(cells, layout, style);
@@ -221,8 +225,8 @@ LiveRow liveRow(const Thing *wallbox)
     row.pluggedIn = value("pluggedIn").toBool();
     row.charging = value("charging").toBool();
     row.enabled = value("power").toBool();
-    row.current = std::max({ value("currentPhaseA").toDouble(), value("currentPhaseB").toDouble(),
-                             value("currentPhaseC").toDouble() });
+    row.current = std::max({value("currentPhaseA").toDouble(), value("currentPhaseB").toDouble(),
+                            value("currentPhaseC").toDouble()});
     row.limit = value("maxChargingCurrent").toDouble();
     row.power = value("currentPower").toDouble();
     row.sessionEnergy = value("sessionEnergy").toDouble();
@@ -240,7 +244,7 @@ QStringList liveTable(const QVector<LiveRow> &rows, const TableStyle &style, qin
         titles.append(QLatin1String(column.title));
         units.append(QLatin1String(column.unit));
     }
-    QStringList lines{ line(titles, layout, style), line(units, layout, style) };
+    QStringList lines{line(titles, layout, style), line(units, layout, style)};
     for (const LiveRow &row : rows.mid(0, style.maxRows))
         lines.append(rowLine(row, layout, style, now));
     if (rows.size() > style.maxRows)

@@ -11,7 +11,8 @@
 
 /*! What the live table shows of one wallbox, taken from the states of the platform's "evcharger" interface.
  */
-struct LiveRow {
+struct LiveRow
+{
     QString name;
     QString state;          //!< OCPP connector status
     bool connected = false; //!< the backend's last answer named the wallbox
@@ -27,7 +28,8 @@ struct LiveRow {
 };
 LiveRow liveRow(const Thing *wallbox);
 
-struct TableStyle {
+struct TableStyle
+{
     int width = 80;   //!< columns of the screen
     int maxRows = 32; //!< wallboxes to be shown at most
     bool colour = false;

@@ -46,8 +46,8 @@ QString defaultPlugin()
 } // namespace
 
 OptionReader::OptionReader()
-    : m_help({ QStringLiteral("h"), QStringLiteral("help") }, QStringLiteral("Shows this text."))
-    , m_version({ QStringLiteral("v"), QStringLiteral("version") }, QStringLiteral("Shows the version."))
+    : m_help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this text."))
+    , m_version({QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Shows the version."))
     , m_plugin(QStringLiteral("plugin"),
                QStringLiteral("The plugin; by default the one built with the host."), QStringLiteral("FILE"))
     , m_storage(QStringLiteral("storage"),
@@ -67,7 +67,7 @@ OptionReader::OptionReader()
             QStringLiteral("RULES"))
 {
     m_parser.setApplicationDescription(QString::fromLatin1(description));
-    m_parser.addOptions({ m_help, m_version, m_plugin, m_storage, m_json, m_jobTimeout, m_log });
+    m_parser.addOptions({m_help, m_version, m_plugin, m_storage, m_json, m_jobTimeout, m_log});
 }
 
 void OptionReader::parse(int argc, char **argv)

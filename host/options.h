@@ -8,14 +8,16 @@
 
 #include <QCommandLineParser>
 
-struct HostOptions {
+struct HostOptions
+{
     Daemon::Options daemon;
     bool json = false;
 };
 
 /*! Reads the command line, in two steps: the log rules are needed before QCoreApplication exists, and paths
    that are relative to the program only after. */
-class OptionReader {
+class OptionReader
+{
 public:
     OptionReader();
 

@@ -9,13 +9,15 @@
 
 #include <QVector>
 
-struct CommandHelp {
+struct CommandHelp
+{
     QString usage;
     QString summary;
 };
 
 /*! How the host speaks: one answer to each command, and events as they happen. */
-class Output {
+class Output
+{
 public:
     virtual ~Output() = default;
 

@@ -9,7 +9,8 @@
 class IntegrationPlugin;
 
 /*! A plugin from its file, or the sentence that says why there is none. */
-struct LoadedPlugin {
+struct LoadedPlugin
+{
     IntegrationPlugin *plugin = nullptr; //!< the caller's; deleted, a later load makes a new one
     PluginMetadata metadata;
     QString error; //!< names the file

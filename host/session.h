@@ -10,7 +10,8 @@
 #include <QQueue>
 
 /*! Brings the commands of standard input to the daemon, in order, and the daemon's news to the output. */
-class Session : public QObject {
+class Session : public QObject
+{
     Q_OBJECT
 public:
     /*! Both must outlive this object. */

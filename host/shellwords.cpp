@@ -5,7 +5,8 @@
 
 namespace {
 
-class Splitter {
+class Splitter
+{
 public:
     explicit Splitter(const QString &line)
         : m_line(line)
@@ -17,7 +18,7 @@ public:
         while (m_position < m_line.size() && m_result.error.isEmpty() && !atComment())
             step();
         endWord();
-        return m_result.error.isEmpty() ? m_result : ShellWords{ {}, m_result.error };
+        return m_result.error.isEmpty() ? m_result : ShellWords{{}, m_result.error};
     }
 
 private:

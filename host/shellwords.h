@@ -7,7 +7,8 @@
 #include <QStringList>
 
 /*! The words of a line, or why it has none. */
-struct ShellWords {
+struct ShellWords
+{
     QStringList words;
     QString error; //!< a sentence; empty when all is well
 };

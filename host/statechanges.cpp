@@ -38,7 +38,7 @@ void StateChanges::onStateValueChanged(Thing *thing, const StateTypeId &stateTyp
     if (last == value)
         return;
     last = value;
-    m_changes.append({ thing, stateTypeId, value });
+    m_changes.append({thing, stateTypeId, value});
     if (m_changes.size() == 1)
         emit available();
 }

@@ -9,14 +9,16 @@
 #include <QHash>
 #include <QVector>
 
-struct StateChange {
+struct StateChange
+{
     Thing *thing; //!< the daemon's
     StateTypeId stateTypeId;
     QVariant value;
 };
 
 /*! Collects what happens to the values of watched things' states, in order, until it is taken. */
-class StateChanges : public QObject {
+class StateChanges : public QObject
+{
     Q_OBJECT
 public:
     void watch(Thing *thing);

@@ -53,8 +53,8 @@ void StorageFolder::sweep() const
 {
     // Left by a kill in the middle of a write: the temporary files of QSaveFile and QSettings, and the lock
     // files of QSettings, which waits for ever on one that names its own process id.
-    const QStringList leftovers{ QStringLiteral("*.json.??????"), QStringLiteral("*.conf.??????"),
-                                 QStringLiteral("*.conf.lock"), QStringLiteral("*.lock.rmlock") };
+    const QStringList leftovers{QStringLiteral("*.json.??????"), QStringLiteral("*.conf.??????"),
+                                QStringLiteral("*.conf.lock"), QStringLiteral("*.lock.rmlock")};
     const QDir folder(m_path);
     const QStringList files = folder.entryList(leftovers, QDir::Files | QDir::Hidden);
     for (const QString &file : files)

@@ -8,7 +8,8 @@
 #include <QString>
 
 /*! The folder that holds a daemon's things and its plugin's storage, for one daemon at a time. */
-class StorageFolder {
+class StorageFolder
+{
 public:
     explicit StorageFolder(const QString &path);
 

@@ -48,10 +48,10 @@ FoundThing findThing(const Things &things, const QString &text)
             return thing->name().startsWith(text) || idText(thing).startsWith(text);
         });
     if (found.size() == 1)
-        return { found.first(), QString() };
+        return {found.first(), QString()};
     if (found.size() > 1)
-        return { nullptr, QStringLiteral("\"%1\" could be any of %2.").arg(text, listed(found)) };
+        return {nullptr, QStringLiteral("\"%1\" could be any of %2.").arg(text, listed(found))};
     if (things.isEmpty())
-        return { nullptr, QStringLiteral("There is no thing \"%1\"; there are no things yet.").arg(text) };
-    return { nullptr, QStringLiteral("There is no thing \"%1\"; there are %2.").arg(text, listed(things)) };
+        return {nullptr, QStringLiteral("There is no thing \"%1\"; there are no things yet.").arg(text)};
+    return {nullptr, QStringLiteral("There is no thing \"%1\"; there are %2.").arg(text, listed(things))};
 }

@@ -7,7 +7,8 @@
 #include <integrations/thing.h>
 
 /*! The thing that a user means, or the sentence that says why it is not clear. */
-struct FoundThing {
+struct FoundThing
+{
     Thing *thing = nullptr; //!< one of those searched
     QString error;
 };

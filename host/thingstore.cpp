@@ -37,12 +37,12 @@ QJsonObject toJson(const Thing *thing)
     }
 
     return {
-        {QStringLiteral("id"),        key(thing->id())                                               },
-        { QStringLiteral("class"),    key(thing->thingClassId())                                     },
-        { QStringLiteral("name"),     thing->name()                                                  },
-        { QStringLiteral("parentId"), thing->parentId().isNull() ? QString() : key(thing->parentId())},
-        { QStringLiteral("params"),   params                                                         },
-        { QStringLiteral("states"),   states                                                         }
+        {QStringLiteral("id"),       key(thing->id())                                               },
+        {QStringLiteral("class"),    key(thing->thingClassId())                                     },
+        {QStringLiteral("name"),     thing->name()                                                  },
+        {QStringLiteral("parentId"), thing->parentId().isNull() ? QString() : key(thing->parentId())},
+        {QStringLiteral("params"),   params                                                         },
+        {QStringLiteral("states"),   states                                                         }
     };
 }
 
@@ -74,7 +74,7 @@ Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *
     const QJsonObject states = json.value(QLatin1String("states")).toObject();
     for (const StateType &type : thingClass.stateTypes) {
         // Of its type is enough: the limits bind actions, and the plugin moves them.
-        const QVariant value = storedValue(states, type.id, { type.type, {}, {}, type.unit });
+        const QVariant value = storedValue(states, type.id, {type.type, {}, {}, type.unit});
         if (type.cached && value.isValid())
             thing->setStateValue(type.id, value);
     }

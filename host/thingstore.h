@@ -11,7 +11,8 @@
 
 /*! The file things.json: the things with their parameters and cached states, under the ids of the metadata.
  */
-class ThingStore {
+class ThingStore
+{
 public:
     explicit ThingStore(const QString &folder);
 

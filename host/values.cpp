@@ -88,7 +88,7 @@ QString rangeError(const QVariant &value, const ValueRule &rule)
 
 ValueRule ruleFor(const ParamType &paramType)
 {
-    return { paramType.type, paramType.minValue, paramType.maxValue, paramType.unit };
+    return {paramType.type, paramType.minValue, paramType.maxValue, paramType.unit};
 }
 
 CheckedValue checkValue(const QVariant &value, const ValueRule &rule)
@@ -96,8 +96,8 @@ CheckedValue checkValue(const QVariant &value, const ValueRule &rule)
     const QVariant result = typed(value, rule.type);
     const QString error = result.isValid() ? rangeError(result, rule) : wanted(rule.type);
     if (error.isEmpty())
-        return { result, QString() };
-    return { QVariant(), QStringLiteral("%1, not \"%2\"").arg(error, value.toString()) };
+        return {result, QString()};
+    return {QVariant(), QStringLiteral("%1, not \"%2\"").arg(error, value.toString())};
 }
 
 CheckedValue parseValue(const QString &text, const ValueRule &rule)
@@ -117,10 +117,10 @@ CheckedParams checkParams(const ParamList &params, const ParamTypes &paramTypes)
     for (const Param &param : params) {
         const ParamType type = paramTypes.findById(param.paramTypeId());
         if (type.id.isNull())
-            return { {}, QStringLiteral("There is no parameter %1.").arg(param.paramTypeId().toString()) };
+            return {{}, QStringLiteral("There is no parameter %1.").arg(param.paramTypeId().toString())};
         const CheckedValue checked = checkValue(param.value(), ruleFor(type));
         if (!checked.error.isEmpty())
-            return { {}, QStringLiteral("Parameter %1 %2.").arg(type.name, checked.error) };
+            return {{}, QStringLiteral("Parameter %1 %2.").arg(type.name, checked.error)};
         result.params.append(Param(type.id, checked.value));
     }
     return result;
@@ -130,11 +130,11 @@ CheckedParams checkAction(const Thing *thing, const Action &action)
 {
     const ActionType type = thing->thingClass().actionTypes.findById(action.actionTypeId());
     if (type.id.isNull())
-        return { {}, QStringLiteral("%1 has no such action.").arg(thing->name()) };
+        return {{}, QStringLiteral("%1 has no such action.").arg(thing->name())};
     ParamTypes paramTypes = type.paramTypes;
     for (ParamType &paramType : paramTypes) {
         if (!action.params().hasParam(paramType.id))
-            return { {}, QStringLiteral("Parameter %1 is missing.").arg(paramType.name) };
+            return {{}, QStringLiteral("Parameter %1 is missing.").arg(paramType.name)};
         const State state = thing->state(StateTypeId(paramType.id));
         if (state.stateTypeId().isNull())
             continue;

@@ -11,7 +11,8 @@
 #include <types/statetype.h>
 
 /*! What a value of a parameter, state or action must be. */
-struct ValueRule {
+struct ValueRule
+{
     QMetaType::Type type = QMetaType::UnknownType;
     QVariant minValue; //!< invalid: no minimum
     QVariant maxValue; //!< invalid: no maximum
@@ -20,7 +21,8 @@ struct ValueRule {
 ValueRule ruleFor(const ParamType &paramType);
 
 /*! A value of the rule's type, or the reason why there is none. */
-struct CheckedValue {
+struct CheckedValue
+{
     QVariant value;
     QString error; //!< continues a sentence that begins with the value's name, as "must be from 6 to 32 A"
 };
@@ -31,7 +33,8 @@ CheckedValue parseValue(const QString &text, const ValueRule &rule);
 
 /*! The parameters with values of their types, or the sentence that says what is wrong with the first bad one.
     Parameters that are not given are not added. */
-struct CheckedParams {
+struct CheckedParams
+{
     ParamList params;
     QString error;
 };

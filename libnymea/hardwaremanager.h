@@ -11,7 +11,8 @@
 class PluginTimerManager;
 
 /*! The daemon's shared resources, as far as plugins here use them. */
-class LIBNYMEA_EXPORT HardwareManager : public QObject {
+class LIBNYMEA_EXPORT HardwareManager : public QObject
+{
     Q_OBJECT
 public:
     explicit HardwareManager(QObject *parent = nullptr);

@@ -13,7 +13,8 @@
 #include <chrono>
 
 /*! A plugin's repeating timer with a period in whole seconds. Owned by the manager that registered it. */
-class LIBNYMEA_EXPORT PluginTimer : public QObject {
+class LIBNYMEA_EXPORT PluginTimer : public QObject
+{
     Q_OBJECT
 public:
     /*! Period in seconds. */
@@ -38,7 +39,8 @@ private:
 };
 
 /*! Gives out the plugins' timers and drives them from one clock that ticks every second. */
-class LIBNYMEA_EXPORT PluginTimerManager : public QObject {
+class LIBNYMEA_EXPORT PluginTimerManager : public QObject
+{
     Q_OBJECT
 public:
     explicit PluginTimerManager(QObject *parent = nullptr);

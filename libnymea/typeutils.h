@@ -13,7 +13,8 @@
 /*! Declares an identifier type of its own, so that ids of different kinds are not mixed up. A UUID;
     default constructed it is null. Hashes and compares as QUuid does. */
 #define DECLARE_TYPE_ID(type)                                                                                \
-    class type##Id : public QUuid {                                                                          \
+    class type##Id : public QUuid                                                                            \
+    {                                                                                                        \
     public:                                                                                                  \
         type##Id() = default;                                                                                \
         type##Id(const QUuid &uuid)                                                                          \
@@ -37,7 +38,8 @@ DECLARE_TYPE_ID(StateType)
 DECLARE_TYPE_ID(ActionType)
 
 /*! Value types that metadata and code share. */
-class LIBNYMEA_EXPORT Types {
+class LIBNYMEA_EXPORT Types
+{
     Q_GADGET
 public:
     /*! Units of parameter and state values; the metadata writes the name without "Unit". */

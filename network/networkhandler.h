@@ -21,11 +21,13 @@ class QNetworkReply;
     when the reply has finished. There is no time limit and no retry: without an answer there is no signal.
     Operations may overlap; results come in the order in which the replies finish. Deleting the handler ends
     outstanding requests; their callbacks never run. */
-class NetworkHandler : public QObject {
+class NetworkHandler : public QObject
+{
     Q_OBJECT
 public:
     /*! Where the backend is and what opens the group. */
-    struct ServerInfo {
+    struct ServerInfo
+    {
         QUrl url; //!< scheme, host and port count; a path is replaced by the endpoint's
         QString groupId;
         QString groupSecret; //!< sent in every body, never logged

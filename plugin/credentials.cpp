@@ -32,9 +32,9 @@ bool isComplete(const Credentials &credentials)
 
 Credentials enteredCredentials(const ParamList &params)
 {
-    return { params.paramValue(velaDiscoveryBackendUrlParamTypeId).toString(),
-             params.paramValue(velaDiscoveryGroupIdParamTypeId).toString(),
-             params.paramValue(velaDiscoveryGroupSecretParamTypeId).toString() };
+    return {params.paramValue(velaDiscoveryBackendUrlParamTypeId).toString(),
+            params.paramValue(velaDiscoveryGroupIdParamTypeId).toString(),
+            params.paramValue(velaDiscoveryGroupSecretParamTypeId).toString()};
 }
 
 bool completeCredentials(Credentials *credentials, const QSettings &storage)
@@ -48,8 +48,8 @@ bool completeCredentials(Credentials *credentials, const QSettings &storage)
 
 Credentials storedCredentials(const QSettings &storage)
 {
-    return { storage.value(urlKey).toString(), storage.value(groupIdKey).toString(),
-             storage.value(groupSecretKey).toString() };
+    return {storage.value(urlKey).toString(), storage.value(groupIdKey).toString(),
+            storage.value(groupSecretKey).toString()};
 }
 
 void writeCredentials(QSettings *storage, const Credentials &credentials)

@@ -11,7 +11,8 @@ class QSettings;
 
 /*! What leads to a group at a backend. One set for the whole plugin, kept in the plugin storage; the
     functions take the storage with the group open that is named by the gateway class. */
-struct Credentials {
+struct Credentials
+{
     QString url;
     QString groupId;
     QString groupSecret; //!< never logged

@@ -20,7 +20,8 @@ struct Credentials;
     The operations stand in the order in which the daemon calls them, all on its main thread. The backend
     client and both timers are shared by all gateways; they are made on first need and released together
     when the last thing goes. */
-class IntegrationPluginVela : public IntegrationPlugin {
+class IntegrationPluginVela : public IntegrationPlugin
+{
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "io.nymea.IntegrationPlugin" FILE "integrationpluginvela.json")
     Q_INTERFACES(IntegrationPlugin)

@@ -14,23 +14,22 @@ constexpr double volt = 230.0;
 constexpr double wattHoursPerKiloWattHour = 1000.0;
 constexpr double smallestCurrent = 1.0; // A; what a meter shows below is noise
 
-// clang-format off
 // ChargePointStatus, OCPP 1.6, in the standard's order.
-constexpr struct {
+constexpr struct
+{
     const char *status;
     bool charging;
 } statusTable[] = {
-    { "Available",     false },
-    { "Preparing",     false },
-    { "Charging",      true  },
-    { "SuspendedEVSE", false },
-    { "SuspendedEV",   false },
-    { "Finishing",     false },
-    { "Reserved",      false },
-    { "Unavailable",   false },
-    { "Faulted",       false },
+    {"Available",     false},
+    {"Preparing",     false},
+    {"Charging",      true },
+    {"SuspendedEVSE", false},
+    {"SuspendedEV",   false},
+    {"Finishing",     false},
+    {"Reserved",      false},
+    {"Unavailable",   false},
+    {"Faulted",       false},
 };
-// clang-format on
 
 void mapStatus(const QString &status, LiveValues &values)
 {

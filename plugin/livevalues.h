@@ -10,7 +10,8 @@
 #include <optional>
 
 /*! What one wallbox record of a values reply says about its thing. Plain values, no owner. */
-struct LiveValues {
+struct LiveValues
+{
     QString timestampText;           //!< as received; empty when the record has none
     std::optional<qint64> timestamp; //!< s since the Unix epoch; none when the text is empty or unreadable
     double sessionEnergy = 0;        //!< kWh drawn in the running session

@@ -26,12 +26,12 @@ QString Finding::sentence() const
 
 Finding problem(const char *code, const QString &text)
 {
-    return { Finding::Kind::Problem, QString::fromLatin1(code), text, {}, {} };
+    return {Finding::Kind::Problem, QString::fromLatin1(code), text, {}, {}};
 }
 
 Finding remark(const char *code, const QString &text)
 {
-    return { Finding::Kind::Remark, QString::fromLatin1(code), text, {}, {} };
+    return {Finding::Kind::Remark, QString::fromLatin1(code), text, {}, {}};
 }
 
 int count(const Findings &findings, Finding::Kind kind)

@@ -8,7 +8,8 @@
 #include <QVector>
 
 /*! Something about the backend that the installer should know. */
-struct Finding {
+struct Finding
+{
     enum class Kind {
         Problem, //!< the plugin would not work with this backend, or not with one of its wallboxes
         Remark,  //!< it would, but not quite as one might expect

@@ -22,7 +22,7 @@ Findings judgeMaxCurrent(const QString &wallbox, const QJsonValue &record)
         QStringLiteral("\"max_charging_current\" is %1; the plugin takes whole amperes from 6 to 32");
     if (ampere == 0 && value != QJsonValue(0))
         text += QLatin1String(" and would read 0");
-    return { problem("unusable-max-current", text).quoting(inWords(value)).about(wallbox) };
+    return {problem("unusable-max-current", text).quoting(inWords(value)).about(wallbox)};
 }
 
 } // namespace
@@ -66,15 +66,15 @@ QStringList describeWallboxes(const QJsonObject &evseIds)
 Findings judgeLimitRequest(const LimitRequest &limit, const QJsonObject &evseIds)
 {
     if (!evseIds.contains(limit.wallbox))
-        return { problem("limit-not-sent", QStringLiteral("not a wallbox of this group; no limit was sent"))
-                     .about(limit.wallbox) };
+        return {problem("limit-not-sent", QStringLiteral("not a wallbox of this group; no limit was sent"))
+                    .about(limit.wallbox)};
     const int largest = evseIds.value(limit.wallbox).toObject().value(maxCurrentKey).toInt();
     if (limit.ampere > largest)
-        return { problem(
-                     "limit-not-sent",
-                     QStringLiteral("%1 A is more than the %2 A that the group allows it; no limit was sent")
-                         .arg(limit.ampere)
-                         .arg(largest))
-                     .about(limit.wallbox) };
+        return {
+            problem("limit-not-sent",
+                    QStringLiteral("%1 A is more than the %2 A that the group allows it; no limit was sent")
+                        .arg(limit.ampere)
+                        .arg(largest))
+                .about(limit.wallbox)};
     return {};
 }

@@ -15,7 +15,8 @@ constexpr int smallestCurrent = 6; // A
 constexpr int largestCurrent = 32; // A
 
 /*! The charge limit that the user wants to try. */
-struct LimitRequest {
+struct LimitRequest
+{
     QString wallbox;   //!< infrastructure id
     double ampere = 0; //!< 0 forbids charging
 };

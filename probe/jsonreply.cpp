@@ -37,18 +37,17 @@ Findings judgeMember(const QByteArray &body, QLatin1String key, const char *code
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(body, &error);
     if (body.isEmpty())
-        return { problem("not-json", QStringLiteral("the reply has no body; the plugin reads JSON")) };
+        return {problem("not-json", QStringLiteral("the reply has no body; the plugin reads JSON"))};
     if (error.error != QJsonParseError::NoError)
-        return { problem("not-json", QStringLiteral("the reply is not JSON: %1"))
-                     .quoting(QStringLiteral("%1 at byte %2").arg(error.errorString()).arg(error.offset)) };
+        return {problem("not-json", QStringLiteral("the reply is not JSON: %1"))
+                    .quoting(QStringLiteral("%1 at byte %2").arg(error.errorString()).arg(error.offset))};
     if (!document.isObject())
-        return { problem("not-json",
-                         QStringLiteral("the reply is a JSON array; the plugin reads an object")) };
+        return {problem("not-json", QStringLiteral("the reply is a JSON array; the plugin reads an object"))};
     const QJsonValue member = document.object().value(key);
     if (member.isObject())
         return {};
-    return { problem(code,
-                     QLatin1Char('"') + key
-                         + QLatin1String("\" is %1; the plugin reads an object of wallboxes by id"))
-                 .quoting(inWords(member)) };
+    return {problem(code,
+                    QLatin1Char('"') + key
+                        + QLatin1String("\" is %1; the plugin reads an object of wallboxes by id"))
+                .quoting(inWords(member))};
 }

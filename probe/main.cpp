@@ -31,7 +31,7 @@ int main(int argc, char *argv[])
 
     const Options options = readOptions(QCoreApplication::arguments());
     const QString secret = readSecret(options.secretFile);
-    Probe probe({ options.url, options.groupId, secret, options.limit, options.timeout });
+    Probe probe({options.url, options.groupId, secret, options.limit, options.timeout});
     if (!options.json)
         QObject::connect(&probe, &Probe::stepDone, &probe,
                          [](const StepReport &report) { print(stepText(report) + QLatin1Char('\n')); });

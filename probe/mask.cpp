@@ -14,7 +14,7 @@ namespace {
 
 QString asJson(const QString &text)
 {
-    const QString array = QString::fromUtf8(QJsonDocument(QJsonArray{ text }).toJson(QJsonDocument::Compact));
+    const QString array = QString::fromUtf8(QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact));
     return array.mid(2, array.size() - 4); // without [" and "]
 }
 

@@ -9,7 +9,8 @@
 #include <QStringList>
 
 /*! Hides secrets in texts, wherever a backend or an error message may repeat them. */
-class Mask {
+class Mask
+{
 public:
     /*! Hides \a secret from now on, as it is and as JSON, URLs and HTML write it. */
     void hide(const QString &secret);

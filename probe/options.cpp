@@ -51,13 +51,13 @@ void addOptions(QCommandLineParser &parser)
         text("Print the version.")
     });
     parser.addOption(
-        { secretFileOption, text("Read the secret from this file, its only line."), text("FILE") });
-    parser.addOption({ setLimitOption,
-                       text("Also set a charge limit, once: 0 (no charging) or whole amperes from 6 to 32."),
-                       text("EVSE=AMPERE") });
-    parser.addOption({ timeoutOption, text("Give each step up after this time, 10 if not set."),
-                       text("SECONDS"), text("10") });
-    parser.addOption({ jsonOption, text("Print one JSON document in place of text.") });
+        {secretFileOption, text("Read the secret from this file, its only line."), text("FILE")});
+    parser.addOption({setLimitOption,
+                      text("Also set a charge limit, once: 0 (no charging) or whole amperes from 6 to 32."),
+                      text("EVSE=AMPERE")});
+    parser.addOption({timeoutOption, text("Give each step up after this time, 10 if not set."),
+                      text("SECONDS"), text("10")});
+    parser.addOption({jsonOption, text("Print one JSON document in place of text.")});
 }
 
 LimitRequest readLimit(const QString &text)
@@ -69,7 +69,7 @@ LimitRequest readLimit(const QString &text)
     const bool isUsable = ampere == 0 || (ampere >= smallestCurrent && ampere <= largestCurrent);
     if (separator < 1 || !isNumber || !isUsable)
         failUsage(QStringLiteral("--set-limit takes EVSE=AMPERE, with 0 or 6 to 32 whole amperes"));
-    return { text.left(separator), double(ampere) };
+    return {text.left(separator), double(ampere)};
 }
 
 std::chrono::milliseconds readTimeout(const QString &text)

@@ -13,12 +13,13 @@
 #include <optional>
 
 /*! What the command line asks for. */
-struct Options {
+struct Options
+{
     QString url;
     QString groupId;
     QString secretFile; //!< empty when none is named
     std::optional<LimitRequest> limit;
-    std::chrono::milliseconds timeout{ 0 };
+    std::chrono::milliseconds timeout{0};
     bool json = false;
 };
 

@@ -63,7 +63,7 @@ void Probe::start()
 {
     StepReport report;
     report.step = Step::Url;
-    report.details = QStringList{ displayUrl(m_target.url), QLatin1String("group ") + m_target.groupId };
+    report.details = QStringList{displayUrl(m_target.url), QLatin1String("group ") + m_target.groupId};
     report.details.removeAll(QString()); // a hopeless URL cannot be shown: it may hide a password anywhere
     report.findings = judgeUrl(m_target.url);
     add(report);

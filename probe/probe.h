@@ -19,17 +19,19 @@
 class NetworkHandler;
 
 /*! What to check, and how. */
-struct ProbeTarget {
+struct ProbeTarget
+{
     QString url; //!< as the user would enter it in nymea
     QString groupId;
     QString secret;
-    std::optional<LimitRequest> limit;      //!< none: no limit is sent
-    std::chrono::milliseconds timeout{ 0 }; //!< for each step
+    std::optional<LimitRequest> limit;    //!< none: no limit is sent
+    std::chrono::milliseconds timeout{0}; //!< for each step
 };
 
 /*! Talks to a backend as the plugin does, one request after the other, and judges every answer. Unlike the
     plugin it gives up waiting, so that it ends. */
-class Probe : public QObject {
+class Probe : public QObject
+{
     Q_OBJECT
 public:
     explicit Probe(const ProbeTarget &target);

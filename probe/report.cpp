@@ -16,17 +16,18 @@ namespace {
 constexpr int longestText = 200;  // characters of anything that the backend or the user said
 constexpr int longestReply = 200; // characters of a reply's body
 
-struct StepName {
+struct StepName
+{
     const char *id; // for machines
     const char *title;
 };
 
 constexpr StepName stepNames[] = {
-    {"url",           "URL"         },
-    { "online-check", "Online check"},
-    { "group-info",   "Group info"  },
-    { "live-values",  "Live values" },
-    { "charge-limit", "Charge limit"},
+    {"url",          "URL"         },
+    {"online-check", "Online check"},
+    {"group-info",   "Group info"  },
+    {"live-values",  "Live values" },
+    {"charge-limit", "Charge limit"},
 };
 
 const StepName &nameOf(Step step)

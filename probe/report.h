@@ -12,7 +12,8 @@
 class Mask;
 
 /*! What became of one step. */
-struct StepReport {
+struct StepReport
+{
     Step step = Step::Url;
     QString skipped;     //!< why the step was not tried; empty when it was
     QString url;         //!< that was posted to; empty for steps without a request

@@ -16,34 +16,36 @@ constexpr auto pollPeriod = 2s; // the plugin's
 // Qt opens six connections to a host. Answers slower than this let polls wait in ever longer queues.
 constexpr auto longestBearable = 6 * pollPeriod;
 
-struct HttpMeaning {
+struct HttpMeaning
+{
     int status;
     const char *code;
     const char *text;
 };
 
 constexpr HttpMeaning httpMeanings[] = {
-    {400,  "bad-request",    "the backend takes the request as malformed"                    },
-    { 401, "token-refused",  "the backend refuses the access token: is it one for Vela?"     },
-    { 403, "secret-refused", "the backend refuses access: the group secret is probably wrong"},
-    { 404, "unknown-group",  "the backend does not know this group, or is not at this URL"   },
-    { 405, "post-refused",   "what is at this URL takes no POST: it is not the backend"      },
-    { 418, "http-error",     "the backend declines to serve this group"                      },
+    {400, "bad-request",    "the backend takes the request as malformed"                    },
+    {401, "token-refused",  "the backend refuses the access token: is it one for Vela?"     },
+    {403, "secret-refused", "the backend refuses access: the group secret is probably wrong"},
+    {404, "unknown-group",  "the backend does not know this group, or is not at this URL"   },
+    {405, "post-refused",   "what is at this URL takes no POST: it is not the backend"      },
+    {418, "http-error",     "the backend declines to serve this group"                      },
 };
 
-struct NetworkMeaning {
+struct NetworkMeaning
+{
     QNetworkReply::NetworkError error;
     const char *code;
     const char *text;
 };
 
 constexpr NetworkMeaning networkMeanings[] = {
-    {QNetworkReply::ConnectionRefusedError,   "unreachable",       "nothing listens there: is the port right?"   },
-    { QNetworkReply::HostNotFoundError,       "unreachable",       "the host name is unknown: is it spelt right?"},
-    { QNetworkReply::TimeoutError,            "unreachable",       "nothing answers there: is the address right?"},
-    { QNetworkReply::ProtocolUnknownError,    "unusable-url",      "the URL is neither http nor https"           },
-    { QNetworkReply::SslHandshakeFailedError, "tls-failed",        "this machine does not trust the certificate" },
-    { QNetworkReply::RemoteHostClosedError,   "connection-closed", "the backend cut the connection off"          },
+    {QNetworkReply::ConnectionRefusedError,  "unreachable",       "nothing listens there: is the port right?"   },
+    {QNetworkReply::HostNotFoundError,       "unreachable",       "the host name is unknown: is it spelt right?"},
+    {QNetworkReply::TimeoutError,            "unreachable",       "nothing answers there: is the address right?"},
+    {QNetworkReply::ProtocolUnknownError,    "unusable-url",      "the URL is neither http nor https"           },
+    {QNetworkReply::SslHandshakeFailedError, "tls-failed",        "this machine does not trust the certificate" },
+    {QNetworkReply::RemoteHostClosedError,   "connection-closed", "the backend cut the connection off"          },
 };
 
 const NetworkMeaning *findMeaning(QNetworkReply::NetworkError error)
@@ -93,14 +95,14 @@ bool isUnreadRedirect(const Answer &answer)
 Findings judgeFailure(Step step, const Answer &answer)
 {
     if (answer.timedOut)
-        return { judgeSilence(step, answer) };
+        return {judgeSilence(step, answer)};
     if (!answer.succeeded())
-        return { answer.status >= 400 ? judgeHttpError(step, answer) : judgeNetworkError(answer) };
+        return {answer.status >= 400 ? judgeHttpError(step, answer) : judgeNetworkError(answer)};
     if (isUnreadRedirect(answer))
-        return { problem("redirect",
-                         QStringLiteral("the backend points to \"%1\", but the plugin follows no redirect: "
-                                        "enter the URL that is really meant"))
-                     .quoting(answer.redirect) };
+        return {problem("redirect",
+                        QStringLiteral("the backend points to \"%1\", but the plugin follows no redirect: "
+                                       "enter the URL that is really meant"))
+                    .quoting(answer.redirect)};
     return {};
 }
 
@@ -110,14 +112,14 @@ Findings judgeDuration(Step step, const Answer &answer)
     if (answer.timedOut || answer.duration <= pollPeriod)
         return {};
     if (step == Step::LiveValues && answer.duration > longestBearable)
-        return { problem("too-slow",
-                         QStringLiteral("the answer took %1 s: at one poll every 2 s over at most 6 "
-                                        "connections the polls would pile up without end")
-                             .arg(seconds)) };
-    return { remark("slow",
-                    QStringLiteral("the answer took %1 s, longer than the 2 s between two polls: at that "
-                                   "pace requests overlap, and what nymea shows lags behind")
-                        .arg(seconds)) };
+        return {problem("too-slow",
+                        QStringLiteral("the answer took %1 s: at one poll every 2 s over at most 6 "
+                                       "connections the polls would pile up without end")
+                            .arg(seconds))};
+    return {remark("slow",
+                   QStringLiteral("the answer took %1 s, longer than the 2 s between two polls: at that "
+                                  "pace requests overlap, and what nymea shows lags behind")
+                       .arg(seconds))};
 }
 
 } // namespace
@@ -127,12 +129,11 @@ Findings judgeUrl(const QString &url)
     const QUrl parsed(url, QUrl::TolerantMode);
     const QString scheme = parsed.scheme();
     if (scheme != QLatin1String("http") && scheme != QLatin1String("https"))
-        return { problem("unusable-url",
-                         QStringLiteral("the URL must begin with http:// or https://; the plugin takes it "
-                                        "as it is and adds nothing")) };
+        return {problem("unusable-url",
+                        QStringLiteral("the URL must begin with http:// or https://; the plugin takes it "
+                                       "as it is and adds nothing"))};
     if (!parsed.isValid() || parsed.host().isEmpty())
-        return { problem("unusable-url",
-                         QStringLiteral("the URL names no host, or is not valid otherwise")) };
+        return {problem("unusable-url", QStringLiteral("the URL names no host, or is not valid otherwise"))};
 
     Findings findings;
     if (!parsed.path().isEmpty() && parsed.path() != QLatin1String("/"))

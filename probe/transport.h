@@ -22,13 +22,14 @@ enum class Step {
 };
 
 /*! How one request ended. */
-struct Answer {
+struct Answer
+{
     QNetworkReply::NetworkError error = QNetworkReply::NoError;
     QString errorText; //!< Qt's words for error; empty without one
     int status = 0;    //!< of HTTP; 0 without any response
     QString redirect;  //!< where a 3xx status points to
     QByteArray body;   //!< as received, even beside an error
-    std::chrono::milliseconds duration{ 0 };
+    std::chrono::milliseconds duration{0};
     bool timedOut = false; //!< given up by the probe; all but duration is then empty
 
     /*! Whether the plugin would read the body: it asks for no more than an end without error. */

@@ -15,8 +15,8 @@ constexpr qint64 largestClockDifference = 300; // s
 
 const QLatin1String valuesKey("values");
 const QLatin1String meterKey("meter_value");
-const QLatin1String phaseKeys[] = { QLatin1String("phase_1"), QLatin1String("phase_2"),
-                                    QLatin1String("phase_3") };
+const QLatin1String phaseKeys[] = {QLatin1String("phase_1"), QLatin1String("phase_2"),
+                                   QLatin1String("phase_3")};
 
 bool isAbsent(const QJsonValue &value)
 {
@@ -28,10 +28,10 @@ Findings judgeStatus(const QJsonObject &record)
     const QJsonValue value = record.value(QLatin1String("status"));
     if (value.isString() && mapLiveValues(record).state == value.toString())
         return {};
-    return { problem("unknown-status",
-                     QStringLiteral("\"status\" is %1, which is no connector status of OCPP 1.6 in its exact "
-                                    "spelling; the plugin shows \"Unavailable\" and no current"))
-                 .quoting(inWords(value)) };
+    return {problem("unknown-status",
+                    QStringLiteral("\"status\" is %1, which is no connector status of OCPP 1.6 in its exact "
+                                   "spelling; the plugin shows \"Unavailable\" and no current"))
+                .quoting(inWords(value))};
 }
 
 Findings judgeClock(const QDateTime &time, const QDateTime &now)
@@ -40,24 +40,23 @@ Findings judgeClock(const QDateTime &time, const QDateTime &now)
     if (std::abs(difference) <= largestClockDifference)
         return {};
     const QLatin1String direction(difference > 0 ? "behind" : "ahead of");
-    return { remark("clock-difference",
-                    QStringLiteral("\"timestamp\" is %1 s %2 this machine's clock: either the values are old "
-                                   "or a clock is wrong")
-                        .arg(std::abs(difference))
-                        .arg(direction)) };
+    return {remark("clock-difference",
+                   QStringLiteral("\"timestamp\" is %1 s %2 this machine's clock: either the values are old "
+                                  "or a clock is wrong")
+                       .arg(std::abs(difference))
+                       .arg(direction))};
 }
 
 Findings judgeTimestamp(const QJsonObject &record, const QDateTime &now)
 {
     const QJsonValue value = record.value(QLatin1String("timestamp"));
     if (isAbsent(value) || value == QJsonValue(QString()))
-        return { remark("no-timestamp",
-                        QStringLiteral("\"timestamp\" is missing; nymea shows no new time")) };
+        return {remark("no-timestamp", QStringLiteral("\"timestamp\" is missing; nymea shows no new time"))};
     if (!mapLiveValues(record).timestamp)
-        return { problem("unreadable-timestamp",
-                         QLatin1String("\"timestamp\" is %1; the plugin reads an ISO 8601 text, as ")
-                             + now.toUTC().toString(Qt::ISODate))
-                     .quoting(inWords(value)) };
+        return {problem("unreadable-timestamp",
+                        QLatin1String("\"timestamp\" is %1; the plugin reads an ISO 8601 text, as ")
+                            + now.toUTC().toString(Qt::ISODate))
+                    .quoting(inWords(value))};
 
     const QDateTime time = QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
     Findings findings;
@@ -74,10 +73,10 @@ Findings judgeNumber(const QJsonObject &record, QLatin1String key)
     const QJsonValue value = record.value(key);
     if (value.isDouble() || isAbsent(value))
         return {};
-    return { problem("not-a-number",
-                     QLatin1Char('"') + key
-                         + QLatin1String("\" is %1; the plugin reads a number and would take 0"))
-                 .quoting(inWords(value)) };
+    return {problem("not-a-number",
+                    QLatin1Char('"') + key
+                        + QLatin1String("\" is %1; the plugin reads a number and would take 0"))
+                .quoting(inWords(value))};
 }
 
 Findings judgeMeasurements(const QJsonObject &record)
@@ -102,12 +101,12 @@ Findings judgeMeasurements(const QJsonObject &record)
 Findings judgeRecord(const QJsonValue &value, const QDateTime &now)
 {
     if (value.isUndefined())
-        return { problem("no-values",
-                         QStringLiteral("listed in the group, but without values; the plugin shows it as not "
-                                        "connected")) };
+        return {problem("no-values",
+                        QStringLiteral("listed in the group, but without values; the plugin shows it as not "
+                                       "connected"))};
     if (!value.isObject())
-        return { problem("no-record", QStringLiteral("its values are %1; the plugin reads an object"))
-                     .quoting(inWords(value)) };
+        return {problem("no-record", QStringLiteral("its values are %1; the plugin reads an object"))
+                    .quoting(inWords(value))};
     const QJsonObject record = value.toObject();
     return judgeStatus(record) + judgeTimestamp(record, now) + judgeMeasurements(record);
 }

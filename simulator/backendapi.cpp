@@ -40,17 +40,17 @@ bool isLimit(const QJsonObject &limit)
 Reply misbehave(const Fault &fault)
 {
     if (fault.garbage)
-        return { fault.status != 0 ? fault.status : 200, QByteArrayLiteral("\x1f<garbage \"values\": {[") };
+        return {fault.status != 0 ? fault.status : 200, QByteArrayLiteral("\x1f<garbage \"values\": {[")};
     return refusal(fault.status,
                    QStringLiteral("the backend is told to answer with status %1").arg(fault.status));
 }
 } // namespace
 
 const BackendApi::Operation BackendApi::operations[] = {
-    {"is_online",       "/is_online",            &BackendApi::isOnline },
-    { "get_group_info", "/vela/get_group_info/", &BackendApi::groupInfo},
-    { "get_values",     "/vela/get_values/",     &BackendApi::values   },
-    { "set_limits",     "/vela/set_limits/",     &BackendApi::setLimits},
+    {"is_online",      "/is_online",            &BackendApi::isOnline },
+    {"get_group_info", "/vela/get_group_info/", &BackendApi::groupInfo},
+    {"get_values",     "/vela/get_values/",     &BackendApi::values   },
+    {"set_limits",     "/vela/set_limits/",     &BackendApi::setLimits},
 };
 
 BackendApi::BackendApi(Yard &yard, FaultGate &gate, RequestLog &log)

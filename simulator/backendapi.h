@@ -24,7 +24,8 @@ class Yard;
  *  Refused are, in this order: an unknown path (404), another method (405), a wrong token (401), a body that
  * is not JSON or has no secret (400), a wrong secret (403), an unknown group (404), a body of the wrong shape
  *  (400). A refused request changes nothing; the reply's "error" says why. */
-class BackendApi {
+class BackendApi
+{
 public:
     /*! All three must outlive this object. */
     BackendApi(Yard &yard, FaultGate &gate, RequestLog &log);
@@ -32,7 +33,8 @@ public:
     Reply answer(const httplib::Request &request) const;
 
 private:
-    struct Operation {
+    struct Operation
+    {
         const char *name;
         const char *path; // ends in '/' where the group id follows
         Reply (BackendApi::*answer)(const QJsonObject &body) const;

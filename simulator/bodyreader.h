@@ -11,7 +11,8 @@
  *
  *  Ask for every member that the operation knows, then look at complaint() before anything is changed: a
  *  member that nobody has asked for is a complaint as well, so that a slip of the pen is never ignored. */
-class BodyReader {
+class BodyReader
+{
 public:
     /*! An empty \a body counts as an empty object. */
     explicit BodyReader(const QByteArray &body);

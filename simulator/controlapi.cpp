@@ -60,30 +60,30 @@ template <typename Row, std::size_t Size> const Row *findPath(const Row (&rows)[
 } // namespace
 
 const ControlApi::Reading ControlApi::readings[] = {
-    {"/control/state",     &ControlApi::state   },
-    { "/control/limits",   &ControlApi::limits  },
-    { "/control/requests", &ControlApi::requests},
-    { "/control/history",  &ControlApi::history },
-    { "/control/events",   &ControlApi::events  },
+    {"/control/state",    &ControlApi::state   },
+    {"/control/limits",   &ControlApi::limits  },
+    {"/control/requests", &ControlApi::requests},
+    {"/control/history",  &ControlApi::history },
+    {"/control/events",   &ControlApi::events  },
 };
 
 const ControlApi::Control ControlApi::controls[] = {
     {"/control/wallboxes", &ControlApi::addWallbox},
-    { "/control/fault",    &ControlApi::setFault  },
-    { "/control/speed",    &ControlApi::setSpeed  },
-    { "/control/group",    &ControlApi::setGroup  },
+    {"/control/fault",     &ControlApi::setFault  },
+    {"/control/speed",     &ControlApi::setSpeed  },
+    {"/control/group",     &ControlApi::setGroup  },
 };
 
 const ControlApi::Action ControlApi::actions[] = {
-    {"plug",       &ControlApi::plug                        },
-    { "unplug",    &ControlApi::operate<&Wallbox::unplug>   },
-    { "pause",     &ControlApi::operate<&Wallbox::pause>    },
-    { "resume",    &ControlApi::operate<&Wallbox::resume>   },
-    { "finish",    &ControlApi::operate<&Wallbox::finish>   },
-    { "break",     &ControlApi::operate<&Wallbox::breakDown>},
-    { "mend",      &ControlApi::operate<&Wallbox::mend>     },
-    { "configure", &ControlApi::configure                   },
-    { "remove",    &ControlApi::remove                      },
+    {"plug",      &ControlApi::plug                        },
+    {"unplug",    &ControlApi::operate<&Wallbox::unplug>   },
+    {"pause",     &ControlApi::operate<&Wallbox::pause>    },
+    {"resume",    &ControlApi::operate<&Wallbox::resume>   },
+    {"finish",    &ControlApi::operate<&Wallbox::finish>   },
+    {"break",     &ControlApi::operate<&Wallbox::breakDown>},
+    {"mend",      &ControlApi::operate<&Wallbox::mend>     },
+    {"configure", &ControlApi::configure                   },
+    {"remove",    &ControlApi::remove                      },
 };
 
 ControlApi::ControlApi(Yard &yard, FaultGate &gate, RequestLog &log, const QString &listenAddress)

@@ -34,7 +34,8 @@ class Yard;
  *  what does not exist (404), the wrong method (405), what the wallbox's state does not allow (409), and a
  * body that is wrong or holds an unknown member (400); the reply's "error" says why, and nothing has changed.
  *  simulator/README.md has a curl line for each. */
-class ControlApi {
+class ControlApi
+{
 public:
     /*! All three must outlive this object. \a listenAddress is a name under which a page may know us. */
     ControlApi(Yard &yard, FaultGate &gate, RequestLog &log, const QString &listenAddress);
@@ -43,15 +44,18 @@ public:
     Reply answer(const httplib::Request &request) const;
 
 private:
-    struct Reading {
+    struct Reading
+    {
         const char *path;
         Reply (ControlApi::*answer)() const;
     };
-    struct Control {
+    struct Control
+    {
         const char *path;
         Reply (ControlApi::*answer)(BodyReader &body) const;
     };
-    struct Action {
+    struct Action
+    {
         const char *name;
         Reply (ControlApi::*answer)(const QString &id, BodyReader &body) const;
     };

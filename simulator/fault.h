@@ -10,18 +10,20 @@
 #include <mutex>
 
 /*! How the backend misbehaves. Everything may be combined; nothing set means that it behaves. */
-struct Fault {
-    int status = 0;                       //!< answers with this HTTP status and does nothing; 0: off
-    std::chrono::milliseconds delay{ 0 }; //!< waits this long before it looks at a request
-    bool garbage = false;                 //!< answers with bytes that are no JSON and does nothing
-    bool silent = false;                  //!< looks at no request until this is over
+struct Fault
+{
+    int status = 0;                     //!< answers with this HTTP status and does nothing; 0: off
+    std::chrono::milliseconds delay{0}; //!< waits this long before it looks at a request
+    bool garbage = false;               //!< answers with bytes that are no JSON and does nothing
+    bool silent = false;                //!< looks at no request until this is over
 
     /*! Only what is set: {"status", "delayMs", "garbage", "silent"}. */
     QJsonObject toJson() const;
 };
 
 /*! Where every request to the backend waits out a silence or a delay. Safe to call from any thread. */
-class FaultGate {
+class FaultGate
+{
 public:
     /*! Takes the place of the fault before. Requests that a silence or a delay held back go on once that is
      *  over. */

@@ -15,10 +15,11 @@ namespace {
 constexpr time_t keepAliveSeconds = 60; // far more than the two seconds between polls
 constexpr size_t keepAliveRequests = 1000000000;
 constexpr size_t largestBody = 1 << 20;
-constexpr std::chrono::milliseconds streamPeriod{ 500 }; // a change on a page seems to come at once
+constexpr std::chrono::milliseconds streamPeriod{500}; // a change on a page seems to come at once
 
 /*! A thread for each connection. Those that are done are collected when the next one comes. */
-class ConnectionThreads : public httplib::TaskQueue {
+class ConnectionThreads : public httplib::TaskQueue
+{
 public:
     void enqueue(std::function<void()> task) override
     {
@@ -32,7 +33,8 @@ public:
     void shutdown() override { collect(true); }
 
 private:
-    struct Connection {
+    struct Connection
+    {
         std::thread thread;
         std::atomic_bool isDone = false;
     };
@@ -86,10 +88,10 @@ HttpServer::HttpServer(Answer answer)
     set_keep_alive_timeout(keepAliveSeconds);
     set_payload_max_length(largestBody);
     set_default_headers({
-        {"Cache-Control",                 "no-store"   },
-        { "Cross-Origin-Resource-Policy", "same-origin"},
-        { "X-Content-Type-Options",       "nosniff"    },
-        { "X-Frame-Options",              "DENY"       }
+        {"Cache-Control",                "no-store"   },
+        {"Cross-Origin-Resource-Policy", "same-origin"},
+        {"X-Content-Type-Options",       "nosniff"    },
+        {"X-Frame-Options",              "DENY"       }
     });
     set_error_handler(Handler(&explainRefusal));
     // A request that announces no body has none; the library would wait for one.

@@ -16,7 +16,8 @@
 /*! httplib's server, with a thread for each connection, so that no request holds up another, and with an end
  *  that does not wait for clients: connections are cut, whether they are idle or in the middle of a request.
  */
-class HttpServer : private httplib::Server {
+class HttpServer : private httplib::Server
+{
 public:
     /*! Called from many threads at once. */
     using Answer = std::function<Reply(const httplib::Request &)>;

@@ -24,8 +24,8 @@ constexpr char description[] =
 
 QCommandLineOption option(const char *name, const char *help, const char *valueName, const char *preset)
 {
-    return { QString::fromLatin1(name), QString::fromLatin1(help), QString::fromLatin1(valueName),
-             QString::fromLatin1(preset) };
+    return {QString::fromLatin1(name), QString::fromLatin1(help), QString::fromLatin1(valueName),
+            QString::fromLatin1(preset)};
 }
 
 QList<QCommandLineOption> allOptions()

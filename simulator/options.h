@@ -8,7 +8,8 @@
 #include <QStringList>
 
 /*! What the command line asks for. */
-struct Options {
+struct Options
+{
     Yard::Settings yard;
     QString listenAddress;
     int port = 0; //!< 0: any that is free

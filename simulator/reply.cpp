@@ -6,7 +6,7 @@
 
 Reply jsonReply(const QJsonObject &object, int status)
 {
-    return { status, QJsonDocument(object).toJson(QJsonDocument::Compact) };
+    return {status, QJsonDocument(object).toJson(QJsonDocument::Compact)};
 }
 
 Reply refusal(int status, const QString &reason)

@@ -10,7 +10,8 @@
 #include <functional>
 
 /*! What goes back to a client: an HTTP status and a body, which is JSON unless it says otherwise. */
-struct Reply {
+struct Reply
+{
     int status = 200;
     QByteArray body;
     const char *contentType = "application/json";

@@ -31,16 +31,16 @@ QJsonValue masked(const QByteArray &body)
 int RequestLog::begin(const QString &operation, const QString &path, const QByteArray &body)
 {
     const QJsonObject record{
-        {QStringLiteral("time"),        utcNow()    },
-        { QStringLiteral("operation"),  operation   },
-        { QStringLiteral("path"),       path        },
-        { QStringLiteral("request"),    masked(body)},
-        { QStringLiteral("status"),     QJsonValue()},
-        { QStringLiteral("durationMs"), QJsonValue()},
-        { QStringLiteral("reply"),      QJsonValue()}
+        {QStringLiteral("time"),       utcNow()    },
+        {QStringLiteral("operation"),  operation   },
+        {QStringLiteral("path"),       path        },
+        {QStringLiteral("request"),    masked(body)},
+        {QStringLiteral("status"),     QJsonValue()},
+        {QStringLiteral("durationMs"), QJsonValue()},
+        {QStringLiteral("reply"),      QJsonValue()}
     };
     const std::lock_guard lock(m_mutex);
-    m_entries.push_back({ ++m_count, {}, ++m_changeCount, record });
+    m_entries.push_back({++m_count, {}, ++m_changeCount, record});
     m_entries.back().record.insert(QStringLiteral("number"), m_count);
     m_entries.back().age.start();
     if (m_entries.size() > requestsKept)

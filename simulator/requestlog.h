@@ -18,7 +18,8 @@
  *  A record is there from the moment its request has arrived; "status", "durationMs" and "reply" are null as
  *  long as it has no answer. The group secret is masked, and headers, with the token among them, are not
  * kept. */
-class RequestLog {
+class RequestLog
+{
 public:
     /*! Notes a request and returns its number, counted from 1. */
     int begin(const QString &operation, const QString &path, const QByteArray &body);
@@ -35,7 +36,8 @@ public:
     int count() const;
 
 private:
-    struct Entry {
+    struct Entry
+    {
         int number;
         QElapsedTimer age;
         int change; // the last one, counted through all entries

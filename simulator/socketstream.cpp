@@ -51,7 +51,7 @@ ssize_t SocketStream::write(const char *data, size_t size)
 
 bool SocketStream::isReady(short events, std::chrono::milliseconds patience) const
 {
-    pollfd descriptor{ m_socket, events, 0 };
+    pollfd descriptor{m_socket, events, 0};
     int ready = -1;
     do {
         ready = ::poll(&descriptor, 1, int(patience.count()));

@@ -13,7 +13,8 @@
  *  Differs from the library's own in two ways: what is read is acknowledged at once, since a client that
  * writes head and body separately waits 40 ms for a delayed acknowledgement; and one stream serves all
  * requests of a connection, so that a request which came along with the one before is not lost. */
-class SocketStream : public httplib::Stream {
+class SocketStream : public httplib::Stream
+{
 public:
     explicit SocketStream(socket_t socket);
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 namespace {
-constexpr Seconds preparationTime{ 3 }; // long enough for the poll of every other second to see it
+constexpr Seconds preparationTime{3}; // long enough for the poll of every other second to see it
 
 QString noCar()
 {

@@ -19,7 +19,8 @@ constexpr double maximumCurrent = 63; // A
 constexpr double phaseVoltage = 230;  // V
 
 /*! The car at the plug, as far as a wallbox can tell. */
-struct Car {
+struct Car
+{
     int phases = 3;         //!< 1 to 3
     double maxCurrent = 16; //!< ampere on each phase, minimumCurrent to maximumCurrent
 };
@@ -28,7 +29,8 @@ struct Car {
  *
  *  The operations of a hand return an empty text when done, otherwise the reason why they cannot be done in
  *  the state the wallbox is in; then nothing has changed. */
-class Wallbox {
+class Wallbox
+{
 public:
     /*! \a maxChargingCurrent: the installation's limit in whole ampere on each phase. */
     explicit Wallbox(int maxChargingCurrent = 32);
@@ -74,7 +76,7 @@ private:
     int m_maxChargingCurrent;
     std::optional<double> m_limit;
     std::optional<Car> m_car;
-    Seconds m_untilReady{ 0 };
+    Seconds m_untilReady{0};
     bool m_paused = false;
     bool m_finished = false;
     bool m_broken = false;

@@ -8,20 +8,21 @@
 
 namespace {
 constexpr std::size_t limitsKept = 1000;
-constexpr std::chrono::seconds memoryPeriod{ 1 };
+constexpr std::chrono::seconds memoryPeriod{1};
 constexpr std::size_t memoriesKept = 300;
 
 // A yard that shows something from the start: what stands at the first four plugs, and again at the next
 // four.
-constexpr struct {
+constexpr struct
+{
     double maxCurrent;
     int phases; // 0: no car
     bool paused;
 } firstCars[] = {
-    {16,  3, false},
-    { 32, 1, false},
-    { 32, 3, true },
-    { 0,  0, false},
+    {16, 3, false},
+    {32, 1, false},
+    {32, 3, true },
+    {0,  0, false},
 };
 
 void parkFirstCar(Wallbox &wallbox, int number)
@@ -29,7 +30,7 @@ void parkFirstCar(Wallbox &wallbox, int number)
     const auto &car = firstCars[(number - 1) % std::size(firstCars)];
     if (car.phases == 0)
         return;
-    wallbox.plugIn({ car.phases, car.maxCurrent });
+    wallbox.plugIn({car.phases, car.maxCurrent});
     if (car.paused)
         wallbox.pause();
     while (wallbox.status() == QLatin1String("Preparing")) // it came before we did
@@ -114,11 +115,11 @@ void Yard::setLimits(const QMap<QString, double> &limits)
             place->second.limitTime = time;
         }
         m_limits.push_back({
-            {QStringLiteral("number"),   ++m_limitCount},
-            { QStringLiteral("time"),    time          },
-            { QStringLiteral("id"),      limit.key()   },
-            { QStringLiteral("value"),   limit.value() },
-            { QStringLiteral("applied"), isKnown       }
+            {QStringLiteral("number"),  ++m_limitCount},
+            {QStringLiteral("time"),    time          },
+            {QStringLiteral("id"),      limit.key()   },
+            {QStringLiteral("value"),   limit.value() },
+            {QStringLiteral("applied"), isKnown       }
         });
     }
     while (m_limits.size() > limitsKept)
@@ -131,7 +132,7 @@ bool Yard::addWallbox(QString id, int maxChargingCurrent)
     catchUp();
     if (id.isEmpty())
         id = freeId();
-    return m_places.try_emplace(id, Place{ Wallbox(maxChargingCurrent), {} }).second;
+    return m_places.try_emplace(id, Place{Wallbox(maxChargingCurrent), {}}).second;
 }
 
 bool Yard::removeWallbox(const QString &id)
@@ -178,10 +179,10 @@ QJsonObject Yard::state()
     for (const auto &[id, place] : m_places)
         wallboxes.append(stateRecord(id, place));
     return {
-        {QStringLiteral("time"),       utcNow() },
-        { QStringLiteral("group"),     m_group  },
-        { QStringLiteral("speed"),     m_speed  },
-        { QStringLiteral("wallboxes"), wallboxes}
+        {QStringLiteral("time"),      utcNow() },
+        {QStringLiteral("group"),     m_group  },
+        {QStringLiteral("speed"),     m_speed  },
+        {QStringLiteral("wallboxes"), wallboxes}
     };
 }
 
@@ -219,10 +220,10 @@ void Yard::remember()
     m_lastMemory = m_lastCatchUp;
     QJsonObject powers;
     for (const auto &[id, place] : m_places)
-        powers.insert(id, QJsonArray{ place.wallbox.power(), place.wallbox.offeredPower() });
+        powers.insert(id, QJsonArray{place.wallbox.power(), place.wallbox.offeredPower()});
     m_history.push_back({
-        {QStringLiteral("time"),       utcNow()},
-        { QStringLiteral("wallboxes"), powers  }
+        {QStringLiteral("time"),      utcNow()},
+        {QStringLiteral("wallboxes"), powers  }
     });
     if (m_history.size() > memoriesKept)
         m_history.pop_front();
@@ -240,12 +241,12 @@ QJsonObject Yard::valueRecord(const Wallbox &wallbox, const QString &time)
 {
     const auto currents = wallbox.currents();
     return {
-        {QStringLiteral("timestamp"),    time                            },
-        { QStringLiteral("status"),      wallbox.status()                },
-        { QStringLiteral("phase_1"),     currents[0]                     },
-        { QStringLiteral("phase_2"),     currents[1]                     },
-        { QStringLiteral("phase_3"),     currents[2]                     },
-        { QStringLiteral("meter_value"), rounded(wallbox.sessionEnergy())}
+        {QStringLiteral("timestamp"),   time                            },
+        {QStringLiteral("status"),      wallbox.status()                },
+        {QStringLiteral("phase_1"),     currents[0]                     },
+        {QStringLiteral("phase_2"),     currents[1]                     },
+        {QStringLiteral("phase_3"),     currents[2]                     },
+        {QStringLiteral("meter_value"), rounded(wallbox.sessionEnergy())}
     };
 }
 
@@ -255,27 +256,27 @@ QJsonObject Yard::stateRecord(const QString &id, const Place &place)
     QJsonValue car;
     if (wallbox.car())
         car = QJsonObject{
-            {QStringLiteral("phases"),      wallbox.car()->phases    },
-            { QStringLiteral("maxCurrent"), wallbox.car()->maxCurrent},
-            { QStringLiteral("paused"),     wallbox.isPaused()       }
+            {QStringLiteral("phases"),     wallbox.car()->phases    },
+            {QStringLiteral("maxCurrent"), wallbox.car()->maxCurrent},
+            {QStringLiteral("paused"),     wallbox.isPaused()       }
         };
     QJsonValue limit;
     if (wallbox.limit())
         limit = QJsonObject{
             {QStringLiteral("value"), *wallbox.limit()},
-            { QStringLiteral("time"), place.limitTime }
+            {QStringLiteral("time"),  place.limitTime }
         };
     const auto currents = wallbox.currents();
     return {
-        {QStringLiteral("id"),                  id                                                 },
-        { QStringLiteral("status"),             wallbox.status()                                   },
-        { QStringLiteral("broken"),             wallbox.isBroken()                                 },
-        { QStringLiteral("maxChargingCurrent"), wallbox.maxChargingCurrent()                       },
-        { QStringLiteral("car"),                car                                                },
-        { QStringLiteral("limit"),              limit                                              },
-        { QStringLiteral("currents"),           QJsonArray{ currents[0], currents[1], currents[2] }},
-        { QStringLiteral("power"),              wallbox.power()                                    },
-        { QStringLiteral("offeredPower"),       wallbox.offeredPower()                             },
-        { QStringLiteral("sessionEnergy"),      rounded(wallbox.sessionEnergy())                   }
+        {QStringLiteral("id"),                 id                                               },
+        {QStringLiteral("status"),             wallbox.status()                                 },
+        {QStringLiteral("broken"),             wallbox.isBroken()                               },
+        {QStringLiteral("maxChargingCurrent"), wallbox.maxChargingCurrent()                     },
+        {QStringLiteral("car"),                car                                              },
+        {QStringLiteral("limit"),              limit                                            },
+        {QStringLiteral("currents"),           QJsonArray{currents[0], currents[1], currents[2]}},
+        {QStringLiteral("power"),              wallbox.power()                                  },
+        {QStringLiteral("offeredPower"),       wallbox.offeredPower()                           },
+        {QStringLiteral("sessionEnergy"),      rounded(wallbox.sessionEnergy())                 }
     };
 }

@@ -20,9 +20,11 @@
  *
  *  Safe to call from any thread. The model is brought up to now, elapsed time by speed, whenever it is looked
  *  at or touched; in between nothing runs. Time stamps are the clock's, UTC, whatever the speed. */
-class Yard {
+class Yard
+{
 public:
-    struct Settings {
+    struct Settings
+    {
         QString group;
         QString secret;
         int wallboxes = 0; //!< "EVSE-01" and so on, of which every fourth has no car
@@ -61,7 +63,8 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-    struct Place {
+    struct Place
+    {
         Wallbox wallbox;
         QString limitTime; // when its limit was received, ISO 8601; empty before the first
     };

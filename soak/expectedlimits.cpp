@@ -40,6 +40,6 @@ void ExpectedLimits::queue(const QString &infraId, double ampere)
     m_waiting.insert(infraId,
                      QJsonObject{
                          {"value", ampere},
-                         { "unit", "A"   }
+                         {"unit",  "A"   }
     });
 }

@@ -12,7 +12,8 @@
 class Thing;
 
 /*! Which charge limits a plugin must send, worked out from what it has been asked for. Times in s. */
-class ExpectedLimits {
+class ExpectedLimits
+{
 public:
     /*! An action is about to set \a state of \a thing to \a value. */
     void act(const Thing *thing, const QString &state, const QVariant &value, qint64 now);

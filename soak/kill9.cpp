@@ -26,21 +26,23 @@ constexpr int wallboxes = 8;
 enum Phase { Start, Discovery, AutoCreation, Polling, Actions, Removal, PhaseCount };
 
 // The kill comes at random within so many milliseconds, from so many on.
-const struct {
+const struct
+{
     const char *name;
     int from;
     int within;
 } phases[] = {
-    {"start",          0,    150},
-    { "discovery",     0,    30 },
-    { "auto-creation", 0,    120},
-    { "polling",       1980, 60 }, // after the last poll's news: around the next poll
-    { "actions",       0,    60 },
-    { "removal",       0,    60 },
+    {"start",         0,    150},
+    {"discovery",     0,    30 },
+    {"auto-creation", 0,    120},
+    {"polling",       1980, 60 }, // after the last poll's news: around the next poll
+    {"actions",       0,    60 },
+    {"removal",       0,    60 },
 };
 
 /*! Kills hosts on one storage folder, and looks at what the next one finds there. */
-class Killer {
+class Killer
+{
 public:
     Killer(const QString &backend, unsigned seed, bool asProcessOne)
         : m_backend(backend)
@@ -106,7 +108,7 @@ QString Killer::lastStart()
 void Killer::start()
 {
     m_sinceStart.start();
-    const QStringList options{ "--log", "*.debug=false" };
+    const QStringList options{"--log", "*.debug=false"};
     if (!m_asProcessOne) {
         m_host = std::make_unique<HostProcess>(VELA_PLUGIN_FILE, m_folder.path(), options);
         return;
@@ -272,7 +274,7 @@ int main(int argc, char **argv)
     const QCommandLineOption kills("kills", "How often to kill.", "N", "200");
     const QCommandLineOption seed("seed", "The same moments for the same number, as far as that goes.", "N",
                                   "1");
-    parser.addOptions({ kills, seed });
+    parser.addOptions({kills, seed});
     parser.addHelpOption();
     parser.process(app);
 
@@ -281,7 +283,7 @@ int main(int argc, char **argv)
                              : "SKIPPED: hosts have ids of their own; the same for all takes root\n");
     QProcess simulator;
     simulator.start(VELA_SIMULATOR,
-                    { "--port", "0", "--speed", "600", "--wallboxes", QString::number(wallboxes) });
+                    {"--port", "0", "--speed", "600", "--wallboxes", QString::number(wallboxes)});
     if (!simulator.waitForReadyRead())
         qFatal("The simulator does not start");
     std::mt19937 random(parser.value(seed).toUInt());

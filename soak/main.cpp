@@ -66,7 +66,7 @@ int main(int argc, char **argv)
     const QCommandLineOption polls("polls", "How often to poll, at least.", "N", "200000");
     const QCommandLineOption seed("seed", "What happens at random is the same for the same number.", "N",
                                   "1");
-    parser.addOptions({ polls, seed });
+    parser.addOptions({polls, seed});
     parser.addHelpOption();
     parser.process(app);
 

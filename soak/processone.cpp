@@ -31,7 +31,7 @@ bool ProcessOne::isPermitted()
     const Namespace attempt;
     ProcessOne process;
     process.start(QStringLiteral("sh"),
-                  { QStringLiteral("-c"), QStringLiteral("test $$ = 1 && test -e /proc/1") });
+                  {QStringLiteral("-c"), QStringLiteral("test $$ = 1 && test -e /proc/1")});
     return process.waitForFinished() && process.exitCode() == 0;
 }
 

@@ -7,14 +7,16 @@
 #include <QProcess>
 
 /*! A process that is number 1 of a namespace of its own, as the daemon of a container is. */
-class ProcessOne : public QProcess {
+class ProcessOne : public QProcess
+{
     Q_OBJECT
 public:
     /*! Whether this process may make such namespaces. */
     static bool isPermitted();
 
     /*! Processes that are started while it lives go to a new namespace. */
-    class Namespace {
+    class Namespace
+    {
     public:
         Namespace();
         ~Namespace();

@@ -9,7 +9,7 @@
 namespace {
 
 // Grow only; what was stored last may be newer than what was reported.
-const QStringList growing{ "totalEnergyConsumed", "timestamp" };
+const QStringList growing{"totalEnergyConsumed", "timestamp"};
 
 QString infraId(const QJsonObject &thing)
 {
@@ -86,7 +86,7 @@ QString Reported::changed(const QJsonObject &thing) const
 {
     const QJsonObject reported = m_things.value(thing.value("id").toString());
     const QString name = thing.value("name").toString();
-    for (const char *member : { "name", "class", "parentId", "params" }) {
+    for (const char *member : {"name", "class", "parentId", "params"}) {
         if (thing.value(QLatin1String(member)) != reported.value(QLatin1String(member)))
             return QString("%1 has another %2").arg(name, member);
     }

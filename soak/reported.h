@@ -11,7 +11,8 @@
 #include <QString>
 
 /*! What a host has reported over all its lives, and what must therefore still be there. */
-class Reported {
+class Reported
+{
 public:
     /*! Takes note of one object of the host's output. */
     void note(const QJsonObject &object);

@@ -19,21 +19,22 @@ using Backend = ScriptedBackend;
 namespace {
 
 /*! How a silence may end. Answered means that every request has found an answer. */
-struct End {
+struct End
+{
     const char *name;
     void (*bring)(Site &site);
     bool answered;
 };
 
 const End ends[] = {
-    {"the backend answers",       [](Site &site) { site.backend.releaseAll(Backend::Values); }, true },
-    { "the backend is restarted",
+    {"the backend answers",      [](Site &site) { site.backend.releaseAll(Backend::Values); }, true },
+    {"the backend is restarted",
      [](Site &site) {
-          site.backend.answerNormally(Backend::Values);
-          site.backend.shutDown();
-          site.backend.startUp();
-      },                                                                                        true },
-    { "the gateway is removed",   [](Site &site) { site.remove(site.gateway()); },              false},
+         site.backend.answerNormally(Backend::Values);
+         site.backend.shutDown();
+         site.backend.startUp();
+     },                                                                                        true },
+    {"the gateway is removed",   [](Site &site) { site.remove(site.gateway()); },              false},
 };
 
 void print(const char *when, const Census &census)
@@ -96,7 +97,7 @@ int main(int argc, char **argv)
     parser.setApplicationDescription("Measures what polls cost while the backend accepts and never answers.");
     const QCommandLineOption polls("polls", "Polls in silence; 1800 are an hour.", "N", "1800");
     const QCommandLineOption wallboxes("wallboxes", "How many wallboxes.", "N", "4");
-    parser.addOptions({ polls, wallboxes });
+    parser.addOptions({polls, wallboxes});
     parser.addHelpOption();
     parser.process(app);
 

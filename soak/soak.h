@@ -16,9 +16,11 @@
 
     It goes through tenths of several lives each; a life begins with the discovery of the gateway and ends
    with the removal of the last thing. Actions, renewals, jumps of the clock and faults come at random. */
-class Soak {
+class Soak
+{
 public:
-    struct Figures {
+    struct Figures
+    {
         int polls = 0;
         int failedPolls = 0;
         int lives = 0;

@@ -58,12 +58,12 @@ void Yard::write(const QString &infraId)
     m_backend->values.insert(
         infraId,
         QJsonObject{
-            {"timestamp", QDateTime::fromSecsSinceEpoch(m_timestamp, Qt::UTC).toString(Qt::ISODateWithMs) },
-            { "status",          meter % 5 == 0 ? "SuspendedEV" : "Charging"                                          },
-            { "phase_1",          6 + meter % 10},
-            { "phase_2",          meter % 3                                          },
-            { "phase_3",          0.5},
-            { "meter_value",          meter                                      },
+            {"timestamp", QDateTime::fromSecsSinceEpoch(m_timestamp, Qt::UTC).toString(Qt::ISODateWithMs)},
+            {"status",           meter % 5 == 0 ? "SuspendedEV" : "Charging"                                            },
+            {"phase_1",           6 + meter % 10},
+            {"phase_2",           meter % 3                                            },
+            {"phase_3",           0.5},
+            {"meter_value",           meter                                        },
     });
 }
 
@@ -80,7 +80,7 @@ void Yard::read(const QString &infraId)
 
 void Yard::forget(const QString &infraId)
 {
-    m_wallboxes[infraId] = { m_wallboxes.value(infraId).meter };
+    m_wallboxes[infraId] = {m_wallboxes.value(infraId).meter};
 }
 
 double Yard::total(const QString &infraId) const

@@ -15,7 +15,8 @@ class ScriptedBackend;
 
     Counts in another way than the plugin does: by sessions, each worth its last reading less its first one
     above 0. */
-class Yard {
+class Yard
+{
 public:
     /*! Lists \a count wallboxes in \a backend's group, and writes their values there. */
     Yard(ScriptedBackend *backend, int count, std::mt19937 *random);
@@ -38,7 +39,8 @@ public:
     int sessions() const { return m_sessions; }
 
 private:
-    struct Wallbox {
+    struct Wallbox
+    {
         int meter = 0;     // Wh of the session
         int firstRead = 0; // Wh, above 0 once the session has been read
         int lastRead = 0;  // Wh

@@ -18,7 +18,7 @@ extern Q_CORE_EXPORT quintptr qtHookData[];
 
 namespace {
 
-std::atomic<int> liveObjects{ 0 };
+std::atomic<int> liveObjects{0};
 
 void onAdded(QObject *)
 {

@@ -7,7 +7,8 @@
 #include <QtGlobal>
 
 /*! What this process holds at the moment; what grows from one census to the next is leaking. */
-struct Census {
+struct Census
+{
     int objects = 0;     //!< QObjects of all threads, replies and sockets among them
     int descriptors = 0; //!< open files and sockets
     qint64 heap = 0;     //!< bytes that have been allocated and not freed; 0 under a sanitizer

@@ -89,8 +89,8 @@ void FakePlugin::announceLamps(const Thing *bridge)
     const uint known = static_cast<uint>(myThings().filterByParentId(bridge->id()).size());
     for (uint i = known + 1; i <= lamps; ++i) {
         ThingDescriptor descriptor(lamp.id, QStringLiteral("Lamp %1").arg(i), QString(), bridge->id());
-        descriptor.setParams(QList<Param>{ paramOf(lamp.paramTypes, "number", i) });
-        emit autoThingsAppeared(QList<ThingDescriptor>{ descriptor });
+        descriptor.setParams(QList<Param>{paramOf(lamp.paramTypes, "number", i)});
+        emit autoThingsAppeared(QList<ThingDescriptor>{descriptor});
     }
 }
 
@@ -98,12 +98,12 @@ void FakePlugin::announceNonsense(const Thing *bridge)
 {
     const ThingClass lamp = classNamed(metadata(), "lamp");
     ThingDescriptor tooMuch(lamp.id, QStringLiteral("too much"), QString(), bridge->id());
-    tooMuch.setParams(QList<Param>{ paramOf(lamp.paramTypes, "number", 9) });
+    tooMuch.setParams(QList<Param>{paramOf(lamp.paramTypes, "number", 9)});
     ThingDescriptor text(lamp.id, QStringLiteral("no number"), QString(), bridge->id());
-    text.setParams(QList<Param>{ paramOf(lamp.paramTypes, "number", QStringLiteral("1")) });
+    text.setParams(QList<Param>{paramOf(lamp.paramTypes, "number", QStringLiteral("1"))});
     const ThingDescriptor noClass(ThingClassId(), QStringLiteral("no class"), QString(), bridge->id());
     const ThingDescriptor noParent(lamp.id, QStringLiteral("no parent"), QString(), ThingId::createThingId());
-    emit autoThingsAppeared(QList<ThingDescriptor>{ tooMuch, text, noClass, noParent });
+    emit autoThingsAppeared(QList<ThingDescriptor>{tooMuch, text, noClass, noParent});
     emit autoThingDisappeared(ThingId::createThingId());
 }
 
@@ -137,7 +137,7 @@ void FakePlugin::obey(ThingActionInfo *info, const QString &order)
         return emit autoThingDisappeared(info->thing()->id());
     }
     if (order == QLatin1String("blink")) {
-        for (const bool on : { true, false, true, false })
+        for (const bool on : {true, false, true, false})
             info->thing()->setStateValue(QStringLiteral("power"), on);
     }
     if (order == QLatin1String("burn"))

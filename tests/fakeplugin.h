@@ -9,7 +9,8 @@
 /*! A plugin that does to its daemon what few real ones do. A bridge's parameter "setup" says how its set-up
     goes: "succeeds", "fails", "hangs", or "announces" (finishes, then announces
     lamps, all in one call), "announces and fails" or "announces nonsense". */
-class FakePlugin : public IntegrationPlugin {
+class FakePlugin : public IntegrationPlugin
+{
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "io.nymea.IntegrationPlugin" FILE "fakeplugin.json")
     Q_INTERFACES(IntegrationPlugin)

@@ -15,8 +15,8 @@ HostProcess::HostProcess(const QString &plugin, const QString &storage, const QS
                          std::unique_ptr<QProcess> process)
     : m_process(std::move(process))
 {
-    const QStringList arguments{ QStringLiteral("--json"), QStringLiteral("--plugin"), plugin,
-                                 QStringLiteral("--storage"), storage };
+    const QStringList arguments{QStringLiteral("--json"), QStringLiteral("--plugin"), plugin,
+                                QStringLiteral("--storage"), storage};
     m_process->start(QStringLiteral(VELA_HOST), arguments + options);
 }
 

@@ -12,7 +12,8 @@
 #include <memory>
 
 /*! The host program with --json, at the test's command. Ends with this object, by quit or else by kill. */
-class HostProcess {
+class HostProcess
+{
 public:
     HostProcess(const QString &plugin, const QString &storage, const QStringList &options = {},
                 std::unique_ptr<QProcess> process = std::make_unique<QProcess>());

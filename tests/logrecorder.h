@@ -8,7 +8,8 @@
 
 /*! Keeps what is logged in one category, for as long as it lives; other messages go their usual way.
     One recorder at a time. */
-class LogRecorder {
+class LogRecorder
+{
 public:
     explicit LogRecorder(const char *category = "Vela");
     ~LogRecorder();

@@ -32,7 +32,7 @@ ScriptedBackend::Operation operationOf(const QByteArray &target)
 /*! Ends the connection at once: nothing that is on its way counts any more. */
 void resetConnection(QTcpSocket *socket)
 {
-    const linger atOnce{ 1, 0 };
+    const linger atOnce{1, 0};
     setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
     socket->abort();
 }
@@ -124,27 +124,27 @@ void ScriptedBackend::setStatus(const QString &infraId, const QString &status)
 
 void ScriptedBackend::answer(Operation operation, int status, const QByteArray &body)
 {
-    m_scripts.insert(operation, { Script::Respond, status, body });
+    m_scripts.insert(operation, {Script::Respond, status, body});
 }
 
 void ScriptedBackend::answerRaw(Operation operation, const QByteArray &bytes)
 {
-    m_scripts.insert(operation, { Script::Raw, 0, bytes });
+    m_scripts.insert(operation, {Script::Raw, 0, bytes});
 }
 
 void ScriptedBackend::hangUp(Operation operation, const QByteArray &bytes)
 {
-    m_scripts.insert(operation, { Script::HangUp, 0, bytes });
+    m_scripts.insert(operation, {Script::HangUp, 0, bytes});
 }
 
 void ScriptedBackend::reset(Operation operation)
 {
-    m_scripts.insert(operation, { Script::Reset, 0, {} });
+    m_scripts.insert(operation, {Script::Reset, 0, {}});
 }
 
 void ScriptedBackend::hold(Operation operation)
 {
-    m_scripts.insert(operation, { Script::Hold, 0, {} });
+    m_scripts.insert(operation, {Script::Hold, 0, {}});
 }
 
 void ScriptedBackend::answerNormally(Operation operation)
@@ -270,7 +270,7 @@ QByteArray ScriptedBackend::defaultBody(Operation operation) const
     if (operation == Values)
         body = {
             {"success", true  },
-            { "values", values}
+            {"values",  values}
         };
     return QJsonDocument(body).toJson();
 }

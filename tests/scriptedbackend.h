@@ -14,12 +14,14 @@
 
     Without a script it accepts everything: it is online, answers with the wallboxes and values below and
     takes all limits. Connections are kept alive. It lives in the test's thread, on a free port. */
-class ScriptedBackend : public QObject {
+class ScriptedBackend : public QObject
+{
     Q_OBJECT
 public:
     enum Operation { Online, GroupInfo, Values, Limits, Unknown };
 
-    struct Request {
+    struct Request
+    {
         Operation operation = Unknown;
         QByteArray target;                     //!< as on the request line, percent-encoded
         QHash<QByteArray, QByteArray> headers; //!< names in lower case
@@ -78,7 +80,8 @@ public:
     int openConnections() const;
 
 private:
-    struct Script {
+    struct Script
+    {
         enum { Normal, Respond, Raw, HangUp, Reset, Hold } kind = Normal;
         int status = 200;
         QByteArray bytes;

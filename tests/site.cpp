@@ -31,7 +31,7 @@ QString name(Thing::ThingError error)
 // What Qt asks for the current second; the program's own comes before the C library's.
 extern "C" int gettimeofday(timeval *tv, void *) noexcept
 {
-    *tv = { currentSecond, 0 };
+    *tv = {currentSecond, 0};
     return 0;
 }
 
@@ -58,7 +58,7 @@ Site::~Site()
 
 void Site::start()
 {
-    daemon = std::make_unique<Daemon>(Daemon::Options{ VELA_PLUGIN_FILE, m_storage.path(), 0ms });
+    daemon = std::make_unique<Daemon>(Daemon::Options{VELA_PLUGIN_FILE, m_storage.path(), 0ms});
     daemon->hardwareManager()->pluginTimerManager()->setTickInterval(24h);
     const QString error = daemon->load();
     if (!error.isEmpty())
@@ -109,9 +109,9 @@ Job Site::discover(const QString &url, const QString &groupId, const QString &gr
     const ThingClass gateway = daemon->thingClasses().findByName("vela");
     ParamList params;
     for (const auto &[name, value] : {
-             std::pair{"backendUrl",   url        },
-             std::pair{ "groupId",     groupId    },
-             std::pair{ "groupSecret", groupSecret}
+             std::pair{"backendUrl",  url        },
+             std::pair{"groupId",     groupId    },
+             std::pair{"groupSecret", groupSecret}
     }) {
         if (!value.isNull())
             params.append(Param(gateway.discoveryParamTypes.findByName(name).id, value));

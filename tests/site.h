@@ -16,7 +16,8 @@ class PluginTimer;
 class QTimer;
 
 /*! How a job has ended. */
-struct Outcome {
+struct Outcome
+{
     QString text = "pending"; //!< then "NoError" or as "SetupFailed: MESSAGE"
     ThingDescriptors offers;
 };
@@ -25,7 +26,8 @@ using Job = std::shared_ptr<const Outcome>;
 /*! The built library in a daemon with storage of its own, and a backend with one wallbox, "EVSE-01".
 
     Time stands still: plugin timers tick and the clock moves when told to. */
-class Site {
+class Site
+{
 public:
     Site();
     ~Site();
@@ -84,7 +86,8 @@ private:
 };
 
 /*! Notes every change of \a thing's states as "NAME VALUE", and of a maximum as "NAME max VALUE". */
-class StateWatch {
+class StateWatch
+{
 public:
     explicit StateWatch(Thing *thing);
     QStringList changes;

@@ -11,7 +11,8 @@ using Backend = ScriptedBackend;
 namespace {
 
 /*! Notes what the plugin announces: "+ID" appeared, "-ID" disappeared, "." the end of a run. */
-class Announcements {
+class Announcements
+{
 public:
     explicit Announcements(const Site &site)
     {
@@ -71,7 +72,8 @@ QSet<QString> classNames(const Site &site)
 
 } // namespace
 
-class TestAutoCreate : public QObject {
+class TestAutoCreate : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void announcesEachWallboxByItself();
@@ -95,11 +97,11 @@ void TestAutoCreate::announcesEachWallboxByItself()
     const Announcements announced(site);
     QCOMPARE(site.addGateway(), QString());
 
-    QCOMPARE(announced.events, (QStringList{ "+a", "+b" }));
+    QCOMPARE(announced.events, (QStringList{"+a", "+b"}));
     QCOMPARE(announced.runs(), 1);
     for (const auto &[index, infraId, maxCurrent] : {
-             std::tuple{0,  "a", 16},
-             { 1, "b", 32}
+             std::tuple{0, "a", 16},
+             {1, "b", 32}
     }) {
         QCOMPARE(announced.appeared[index].size(), 1);
         const ThingDescriptor descriptor = announced.appeared[index].first();
@@ -156,7 +158,7 @@ void TestAutoCreate::letterCaseMatters()
     site.backend.setWallbox("a1", 16);
     site.backend.setWallbox("A1", 32);
     QCOMPARE(site.addGateway(), QString());
-    QCOMPARE(site.infraIds(), (QStringList{ "A1", "a1" }));
+    QCOMPARE(site.infraIds(), (QStringList{"A1", "a1"}));
     QCOMPARE(site.state("a1", "maxChargingCurrent"), QVariant(16U));
 
     site.backend.wallboxes.remove("a1");
@@ -187,19 +189,19 @@ void TestAutoCreate::vanishedWallboxesGo()
     site.backend.wallboxes.remove("EVSE-01");
     site.log.clear();
     QCOMPARE(refresh(site), QString());
-    QCOMPARE(announced.gone, QList<ThingId>{ first });
+    QCOMPARE(announced.gone, QList<ThingId>{first});
     QCOMPARE(announced.events, QStringList("-"));
-    QCOMPARE(site.story({ "debug: Wallbox", "debug: Freeing", "debug: Vela Plugin removed", "debug: check",
-                          "debug: OCPP:" }),
-             (QStringList{ "debug: Wallbox \"EVSE-01\" is not connected anymore",
-                           "debug: Freeing thing with classId ID", "debug: Vela Plugin removed",
-                           "debug: checkAutoCreate() called", "debug: OCPP: Setup nymea connections." }));
+    QCOMPARE(site.story({"debug: Wallbox", "debug: Freeing", "debug: Vela Plugin removed", "debug: check",
+                         "debug: OCPP:"}),
+             (QStringList{"debug: Wallbox \"EVSE-01\" is not connected anymore",
+                          "debug: Freeing thing with classId ID", "debug: Vela Plugin removed",
+                          "debug: checkAutoCreate() called", "debug: OCPP: Setup nymea connections."}));
     QCOMPARE(site.infraIds(), QStringList("EVSE-02"));
 
     // Listed again, it comes as a new thing; the other has been the same all the time.
     site.backend.setWallbox("EVSE-01", 16);
     QCOMPARE(refresh(site), QString());
-    QCOMPARE(announced.events, (QStringList{ "-", "+EVSE-01" }));
+    QCOMPARE(announced.events, (QStringList{"-", "+EVSE-01"}));
     QVERIFY(site.wallbox("EVSE-01") && site.wallbox("EVSE-01")->id() != first);
     QCOMPARE(site.wallbox("EVSE-02")->id(), second);
 }
@@ -232,7 +234,7 @@ void TestAutoCreate::noClassIsFree()
     QCOMPARE(announced.runs(), 1);
     const QString warning =
         "checkAutoCreate() - No thing for wallbox \"%1\" since all 32 wallbox classes are in use.";
-    QCOMPARE(site.log.warnings(), (QStringList{ warning.arg("EVSE-33"), warning.arg("EVSE-34") }));
+    QCOMPARE(site.log.warnings(), (QStringList{warning.arg("EVSE-33"), warning.arg("EVSE-34")}));
 
     // One goes, and one of those that wait takes its place.
     const QString freed = site.wallbox("EVSE-05")->thingClass().name;

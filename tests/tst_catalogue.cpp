@@ -19,7 +19,7 @@ QString row(const QJsonObject &object, const Texts &keys)
 {
     Texts cells;
     for (const QString &key : keys) {
-        const QByteArray json = QJsonDocument(QJsonArray{ object.value(key) }).toJson(QJsonDocument::Compact);
+        const QByteArray json = QJsonDocument(QJsonArray{object.value(key)}).toJson(QJsonDocument::Compact);
         cells.append(object.contains(key) ? QString::fromUtf8(json.mid(1, json.size() - 2)) : "-");
     }
     return cells.join(" | ");
@@ -42,7 +42,7 @@ QString capitalised(const QString &name)
 Texts constantsOf(const QJsonObject &thingClass)
 {
     const QString name = thingClass["name"].toString();
-    Texts result{ name + "ThingClassId " + thingClass["id"].toString() };
+    Texts result{name + "ThingClassId " + thingClass["id"].toString()};
     const auto add = [&result](const QString &constant, const QJsonValue &entry) {
         result.append(constant + ' ' + entry["id"].toString());
     };
@@ -63,7 +63,8 @@ Texts constantsOf(const QJsonObject &thingClass)
 
 } // namespace
 
-class TestCatalogue : public QObject {
+class TestCatalogue : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
@@ -80,7 +81,7 @@ private Q_SLOTS:
     void generatorSaysWhatIsWrong();
 
 private:
-    QPluginLoader m_loader{ VELA_PLUGIN_FILE };
+    QPluginLoader m_loader{VELA_PLUGIN_FILE};
     QJsonObject m_document;
     QJsonObject m_vendor;
     QJsonArray m_classes;
@@ -101,8 +102,8 @@ void TestCatalogue::head()
 {
     QCOMPARE(m_loader.metaData()["IID"].toString(), "io.nymea.IntegrationPlugin");
     QCOMPARE(m_loader.metaData()["className"].toString(), "IntegrationPluginVela");
-    QCOMPARE(row(m_document, { "name", "displayName" }), R"("vela" | "VELA")");
-    QCOMPARE(rows(m_document["vendors"], { "name", "displayName" }), Texts(R"("vela" | "Tavensolis")"));
+    QCOMPARE(row(m_document, {"name", "displayName"}), R"("vela" | "VELA")");
+    QCOMPARE(rows(m_document["vendors"], {"name", "displayName"}), Texts(R"("vela" | "Tavensolis")"));
     QCOMPARE(m_classes.size(), 33);
 }
 
@@ -110,19 +111,18 @@ void TestCatalogue::gateway()
 {
     const QJsonObject gateway = m_classes.first().toObject();
     QCOMPARE(
-        row(gateway, { "name", "displayName", "createMethods", "interfaces", "providedInterfaces" }),
+        row(gateway, {"name", "displayName", "createMethods", "interfaces", "providedInterfaces"}),
         R"("vela" | "Tavensolis VELA" | ["discovery"] | ["gateway"] | ["evcharger","smartmeterconsumer"])");
-    const Texts paramKeys{ "name", "displayName", "type", "defaultValue", "minValue", "readOnly" };
+    const Texts paramKeys{"name", "displayName", "type", "defaultValue", "minValue", "readOnly"};
     QCOMPARE(rows(gateway["discoveryParamTypes"], paramKeys),
-             (Texts{ R"("backendUrl" | "Backend URL" | "QString" | "" | - | -)",
-                     R"("groupId" | "VELA Group" | "QString" | "" | - | -)",
-                     R"("groupSecret" | "VELA Secret" | "QString" | "" | - | -)" }));
+             (Texts{R"("backendUrl" | "Backend URL" | "QString" | "" | - | -)",
+                    R"("groupId" | "VELA Group" | "QString" | "" | - | -)",
+                    R"("groupSecret" | "VELA Secret" | "QString" | "" | - | -)"}));
     QCOMPARE(rows(gateway["paramTypes"], paramKeys),
              Texts(R"("backendUrl" | "Backend URL" | "QString" | "" | - | -)"));
-    QCOMPARE(
-        rows(gateway["stateTypes"],
-             { "name", "displayName", "displayNameEvent", "type", "defaultValue", "cached", "writable" }),
-        Texts(R"("connected" | "Connected" | "Connected changed" | "bool" | false | false | -)"));
+    QCOMPARE(rows(gateway["stateTypes"],
+                  {"name", "displayName", "displayNameEvent", "type", "defaultValue", "cached", "writable"}),
+             Texts(R"("connected" | "Connected" | "Connected changed" | "bool" | false | false | -)"));
 }
 
 void TestCatalogue::wallboxes_data()
@@ -137,17 +137,17 @@ void TestCatalogue::wallboxes()
     QFETCH(int, number);
     const QJsonObject wallbox = m_classes.at(number).toObject();
     QCOMPARE(row(wallbox,
-                 { "name", "displayName", "createMethods", "interfaces", "providedInterfaces",
-                   "discoveryParamTypes" }),
+                 {"name", "displayName", "createMethods", "interfaces", "providedInterfaces",
+                  "discoveryParamTypes"}),
              QString(R"("wallbox%1" | "Wallbox %1" | ["auto"] | ["evcharger","smartmeterconsumer"] | - | -)")
                  .arg(number));
     QCOMPARE(rows(wallbox["paramTypes"],
-                  { "name", "displayName", "type", "defaultValue", "minValue", "maxValue", "readOnly" }),
-             (Texts{ R"("infraID" | "Infrastructur ID" | "QString" | "" | - | - | true)",
-                     R"("maxAllowedCurrent" | "Max allowed current" | "uint" | 32 | 0 | 32 | true)" }));
+                  {"name", "displayName", "type", "defaultValue", "minValue", "maxValue", "readOnly"}),
+             (Texts{R"("infraID" | "Infrastructur ID" | "QString" | "" | - | - | true)",
+                    R"("maxAllowedCurrent" | "Max allowed current" | "uint" | 32 | 0 | 32 | true)"}));
     const Texts states = rows(wallbox["stateTypes"],
-                              { "name", "displayName", "type", "unit", "defaultValue", "minValue", "maxValue",
-                                "cached", "writable" });
+                              {"name", "displayName", "type", "unit", "defaultValue", "minValue", "maxValue",
+                               "cached", "writable"});
     const Texts expected{
         R"("connected" | "Connected" | "bool" | - | false | - | - | false | -)",
         R"("pluggedIn" | "Plugged in" | "bool" | - | false | - | - | false | -)",
@@ -162,20 +162,19 @@ void TestCatalogue::wallboxes()
         R"("currentPhaseA" | "Current Phase A" | "double" | "Ampere" | 0 | - | - | false | -)",
         R"("currentPhaseB" | "Current Phase B" | "double" | "Ampere" | 0 | - | - | false | -)",
         R"("currentPhaseC" | "Current Phase C" | "double" | "Ampere" | 0 | - | - | false | -)",
-        R"("timestamp" | "Timestamp" | "int" | "UnixTime" | "1970-01-01 00:00:00" | - | - | true | -)"
-    };
+        R"("timestamp" | "Timestamp" | "int" | "UnixTime" | "1970-01-01 00:00:00" | - | - | true | -)"};
     QCOMPARE(states, expected);
-    Texts labels = rows(wallbox["stateTypes"], { "displayNameEvent", "displayNameAction" });
+    Texts labels = rows(wallbox["stateTypes"], {"displayNameEvent", "displayNameAction"});
     labels.removeAll("- | -");
     QCOMPARE(labels,
-             (Texts{ R"("Connected changed" | -)", R"(- | "Set charging enabled")",
-                     R"(- | "Set maximum charging current")" }));
+             (Texts{R"("Connected changed" | -)", R"(- | "Set charging enabled")",
+                    R"(- | "Set maximum charging current")"}));
 }
 
 /*! Users' things are stored under these ids: data/ids.txt is not to be changed, only added to. */
 void TestCatalogue::idsNeverChange()
 {
-    Texts constants{ "pluginId " + m_document["id"].toString(), "velaVendorId " + m_vendor["id"].toString() };
+    Texts constants{"pluginId " + m_document["id"].toString(), "velaVendorId " + m_vendor["id"].toString()};
     for (const QJsonValue thingClass : qAsConst(m_classes))
         constants += constantsOf(thingClass.toObject());
     QCOMPARE(constants, m_ids);
@@ -236,9 +235,9 @@ void TestCatalogue::metaObject()
 {
     const QScopedPointer<QObject> plugin(m_loader.instance());
     QVERIFY(qobject_cast<IntegrationPlugin *>(plugin.data()));
-    for (const char *name : { "IntegrationPluginVela", "IntegrationPlugin", "io.nymea.IntegrationPlugin" })
+    for (const char *name : {"IntegrationPluginVela", "IntegrationPlugin", "io.nymea.IntegrationPlugin"})
         QCOMPARE(plugin->qt_metacast(name), static_cast<void *>(plugin.data()));
-    for (const char *name : { "NetworkHandler", static_cast<const char *>(nullptr) })
+    for (const char *name : {"NetworkHandler", static_cast<const char *>(nullptr)})
         QCOMPARE(plugin->qt_metacast(name), nullptr);
 
     const QMetaObject *meta = plugin->metaObject();
@@ -248,7 +247,7 @@ void TestCatalogue::metaObject()
         QCOMPARE(meta->method(i).methodType(), QMetaMethod::Signal);
         signatures.append(meta->method(i).methodSignature());
     }
-    QCOMPARE(signatures, (Texts{ "checkAutoCreateFinished()", "missingBootNotification()" }));
+    QCOMPARE(signatures, (Texts{"checkAutoCreateFinished()", "missingBootNotification()"}));
     QCOMPARE(meta->propertyCount(), meta->propertyOffset());
     QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
 }
@@ -278,8 +277,7 @@ void TestCatalogue::generatorSaysWhatIsWrong()
         QVERIFY(input.open(QIODevice::WriteOnly) && input.write(catalogue) > 0 && input.flush());
     QProcess generator;
     generator.start(VELA_CATALOGUE_GENERATOR,
-                    folder.isEmpty() ? QStringList()
-                                     : QStringList{ input.fileName(), work.filePath(folder) });
+                    folder.isEmpty() ? QStringList() : QStringList{input.fileName(), work.filePath(folder)});
     QVERIFY(generator.waitForFinished());
     QVERIFY(generator.exitCode() != 0);
     QFETCH(QString, complaint);

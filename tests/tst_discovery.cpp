@@ -8,7 +8,8 @@
 
 using Backend = ScriptedBackend;
 
-class TestDiscovery : public QObject {
+class TestDiscovery : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void offersTheGateway();
@@ -64,14 +65,13 @@ void TestDiscovery::offersTheGateway()
     QCOMPARE(offer.params().size(), 1);
     QCOMPARE(offer.params().first().paramTypeId(), gateway.paramTypes.first().id);
     QCOMPARE(offer.params().first().value(), QVariant(site.backend.url()));
-    QCOMPARE(stored(site), (QStringList{ "groupId yard", "groupSecret s3cret", "url URL" }));
-    QCOMPARE(
-        site.story(),
-        (QStringList{ "debug: Starting discovery.", "debug: Full URL is QUrl(\"URL\")",
-                      "debug: Get info about connected WBs.",
-                      "debug: Send Post Request \"/vela/get_group_info/yard\"",
-                      "debug: getConnectedInfra() - Received information about connected infrastructure.",
-                      "debug: discoverThings() - OCPP reached successfully." }));
+    QCOMPARE(stored(site), (QStringList{"groupId yard", "groupSecret s3cret", "url URL"}));
+    QCOMPARE(site.story(),
+             (QStringList{"debug: Starting discovery.", "debug: Full URL is QUrl(\"URL\")",
+                          "debug: Get info about connected WBs.",
+                          "debug: Send Post Request \"/vela/get_group_info/yard\"",
+                          "debug: getConnectedInfra() - Received information about connected infrastructure.",
+                          "debug: discoverThings() - OCPP reached successfully."}));
 }
 
 void TestDiscovery::fillsInOneFieldFromStorage_data()
@@ -119,9 +119,9 @@ void TestDiscovery::fillsInOneFieldFromStorage()
     QSettings *storage = site.daemon->plugin()->pluginStorage();
     storage->beginGroup(site.daemon->thingClasses().findByName("vela").id.toString());
     for (const auto &[key, index] : {
-             std::pair{"url",          0},
-             { "groupId",     1},
-             { "groupSecret", 2}
+             std::pair{"url",         0},
+             {"groupId",     1},
+             {"groupSecret", 2}
     }) {
         if (inStorage.section(' ', index, index) != "-")
             storage->setValue(key, value(inStorage.section(' ', index, index)));
@@ -176,7 +176,7 @@ void TestDiscovery::emptyGroupIsAnError()
 void TestDiscovery::failureLeavesTheJobPending_data()
 {
     QTest::addColumn<int>("status"); // 0: refuses the connection
-    for (const int status : { 401, 404, 418, 500, 0 })
+    for (const int status : {401, 404, 418, 500, 0})
         QTest::addRow("%d", status) << status;
 }
 
@@ -234,11 +234,11 @@ void TestDiscovery::laterAnswersAreIgnored()
     for (int answers = 0; answers < 2; ++answers)
         QVERIFY(site.backend.release(Backend::GroupInfo));
     QTRY_COMPARE(site.log.count("debug: getConnectedInfra() - Received"), 2);
-    for (const Job &job : { first, second }) {
+    for (const Job &job : {first, second}) {
         QCOMPARE(Site::result(job), "NoError");
         QCOMPARE(job->offers.size(), 1);
     }
-    QCOMPARE(stored(site), (QStringList{ "groupId depot", "groupSecret two", "url URL" }));
+    QCOMPARE(stored(site), (QStringList{"groupId depot", "groupSecret two", "url URL"}));
     QCOMPARE(site.log.warnings(), QStringList());
     QCOMPARE(site.log.count("debug: discoverThings() - OCPP reached successfully."), 2);
 }

@@ -17,7 +17,8 @@
 using Backend = ScriptedBackend;
 
 /*! One thing that goes wrong between plugin and backend. */
-struct Fault {
+struct Fault
+{
     void (*strike)(Site &site); //!< before each poll
     QString logged;             //!< what a poll under it logs, as "ERROR HTTP-STATUS"
     QString current; //!< what the wallbox shows meanwhile: "1" as before, "2" as the backend has it
@@ -26,7 +27,8 @@ struct Fault {
 Q_DECLARE_METATYPE(Fault)
 
 /*! What goes wrong outside the plugin, over real sockets: seen while it lasts, and gone afterwards. */
-class TestFaults : public QObject {
+class TestFaults : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void init();
@@ -41,14 +43,14 @@ private Q_SLOTS:
 
 namespace {
 
-std::atomic<bool> namesResolve{ true };
+std::atomic<bool> namesResolve{true};
 
 void setCurrent(Site &site, int ampere)
 {
     site.backend.values.insert("EVSE-01",
                                QJsonObject{
-                                   {"status",   "Charging"},
-                                   { "phase_1", ampere    }
+                                   {"status",  "Charging"},
+                                   {"phase_1", ampere    }
     });
 }
 
@@ -157,33 +159,32 @@ void TestFaults::fault_data()
     QTest::addColumn<Fault>("fault");
     const auto startUp = [](Site &site) { site.backend.startUp(); };
     QTest::newRow("refused, then started on the same port")
-        << Fault{ [](Site &site) { site.backend.shutDown(); }, "ConnectionRefusedError 0", "1", startUp };
-    QTest::newRow("restarted between polls") << Fault{ [](Site &site) {
+        << Fault{[](Site &site) { site.backend.shutDown(); }, "ConnectionRefusedError 0", "1", startUp};
+    QTest::newRow("restarted between polls") << Fault{[](Site &site) {
                                                           site.backend.shutDown();
                                                           site.backend.startUp();
                                                       },
-                                                       QString(), "2", [](Site &) {} };
+                                                      QString(), "2", [](Site &) {}};
     QTest::newRow("connection closed between polls")
-        << Fault{ [](Site &site) { site.backend.closeConnections(); }, QString(), "2", [](Site &) {} };
-    QTest::newRow("accepted, answered after 30 s") << Fault{ hold, QString(), "1", release };
-    QTest::newRow("accepted, never answered, then closed") << Fault{ hold, QString(), "1", closeSilent };
+        << Fault{[](Site &site) { site.backend.closeConnections(); }, QString(), "2", [](Site &) {}};
+    QTest::newRow("accepted, answered after 30 s") << Fault{hold, QString(), "1", release};
+    QTest::newRow("accepted, never answered, then closed") << Fault{hold, QString(), "1", closeSilent};
     QTest::newRow("closed without an answer")
-        << Fault{ [](Site &site) { site.backend.hangUp(Backend::Values); }, "RemoteHostClosedError 0", "1",
-                  answerNormally };
-    QTest::newRow("closed mid-reply")
-        << Fault{ [](Site &site) {
-                     site.backend.hangUp(Backend::Values,
-                                         "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"success\"");
-                 },
-                  "RemoteHostClosedError 200", "1", answerNormally };
-    QTest::newRow("reset") << Fault{ [](Site &site) { site.backend.reset(Backend::Values); },
-                                     "RemoteHostClosedError 0", "1", answerNormally };
-    QTest::newRow("400") << Fault{ answer<400>, "ProtocolInvalidOperationError 400", "1", answerNormally };
-    QTest::newRow("401") << Fault{ answer<401>, "AuthenticationRequiredError 401", "1", answerNormally };
-    QTest::newRow("404") << Fault{ answer<404>, "ContentNotFoundError 404", "1", answerNormally };
-    QTest::newRow("418") << Fault{ answer<418>, "ProtocolInvalidOperationError 418", "1", answerNormally };
-    QTest::newRow("500") << Fault{ answer<500>, "InternalServerError 500", "1", answerNormally };
-    QTest::newRow("503") << Fault{ answer<503>, "ServiceUnavailableError 503", "1", answerNormally };
+        << Fault{[](Site &site) { site.backend.hangUp(Backend::Values); }, "RemoteHostClosedError 0", "1",
+                 answerNormally};
+    QTest::newRow("closed mid-reply") << Fault{
+        [](Site &site) {
+            site.backend.hangUp(Backend::Values, "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"success\"");
+        },
+        "RemoteHostClosedError 200", "1", answerNormally};
+    QTest::newRow("reset") << Fault{[](Site &site) { site.backend.reset(Backend::Values); },
+                                    "RemoteHostClosedError 0", "1", answerNormally};
+    QTest::newRow("400") << Fault{answer<400>, "ProtocolInvalidOperationError 400", "1", answerNormally};
+    QTest::newRow("401") << Fault{answer<401>, "AuthenticationRequiredError 401", "1", answerNormally};
+    QTest::newRow("404") << Fault{answer<404>, "ContentNotFoundError 404", "1", answerNormally};
+    QTest::newRow("418") << Fault{answer<418>, "ProtocolInvalidOperationError 418", "1", answerNormally};
+    QTest::newRow("500") << Fault{answer<500>, "InternalServerError 500", "1", answerNormally};
+    QTest::newRow("503") << Fault{answer<503>, "ServiceUnavailableError 503", "1", answerNormally};
 }
 
 void TestFaults::fault()
@@ -257,7 +258,7 @@ void TestFaults::wallboxLeavesTheGroup()
     setCurrent(site, 1);
     QVERIFY(site.poll());
     site.backend.values = {
-        {"EVSE-02", QJsonObject{ { "status", "Charging" } }}
+        {"EVSE-02", QJsonObject{{"status", "Charging"}}}
     };
     QVERIFY(site.poll());
     QCOMPARE(shown(site), "absent 1");
@@ -271,8 +272,8 @@ void TestFaults::clockIsSet_data()
 {
     QTest::addColumn<int>("seconds");
     QTest::addColumn<QList<double>>("renewed"); // with the clock set, and after the next action
-    QTest::newRow("an hour forward: silent until the next action") << 3600 << QList<double>{ 8 };
-    QTest::newRow("an hour back: heard") << -3600 << QList<double>{ 10, 8 };
+    QTest::newRow("an hour forward: silent until the next action") << 3600 << QList<double>{8};
+    QTest::newRow("an hour back: heard") << -3600 << QList<double>{10, 8};
 }
 
 void TestFaults::clockIsSet()

@@ -68,7 +68,8 @@ Answer noAnswer()
 Q_DECLARE_METATYPE(Answer)
 Q_DECLARE_METATYPE(Step)
 
-class TestFindings : public QObject {
+class TestFindings : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
@@ -264,7 +265,7 @@ void TestFindings::valuesReply_data()
 void TestFindings::valuesReply()
 {
     QFETCH(QByteArray, body);
-    QTEST(listed(judgeValues(body, { "a" }, noon())), "expected");
+    QTEST(listed(judgeValues(body, {"a"}, noon())), "expected");
 }
 
 void TestFindings::record_data()
@@ -305,17 +306,17 @@ void TestFindings::record()
     QFETCH(QString, member);
     QFETCH(QJsonValue, value);
     QJsonObject record{
-        {"timestamp",    "2026-05-01T12:00:00Z"},
-        { "status",      "Charging"            },
-        { "meter_value", 3500                  },
-        { "phase_1",     16                    },
+        {"timestamp",   "2026-05-01T12:00:00Z"},
+        {"status",      "Charging"            },
+        {"meter_value", 3500                  },
+        {"phase_1",     16                    },
     };
     record.insert(member, value);
     const QJsonObject body{
-        {"success", true                          },
-        { "values", QJsonObject{ { "a", record } }}
+        {"success", true                      },
+        {"values",  QJsonObject{{"a", record}}}
     };
-    QTEST(listed(judgeValues(QJsonDocument(body).toJson(), { "a" }, noon())), "expected");
+    QTEST(listed(judgeValues(QJsonDocument(body).toJson(), {"a"}, noon())), "expected");
 }
 
 void TestFindings::limitRequest_data()
@@ -334,9 +335,9 @@ void TestFindings::limitRequest()
     QFETCH(QString, wallbox);
     QFETCH(double, ampere);
     const QJsonObject evseIds{
-        {"a", QJsonObject{ { "max_charging_current", 16 } }}
+        {"a", QJsonObject{{"max_charging_current", 16}}}
     };
-    QTEST(listed(judgeLimitRequest({ wallbox, ampere }, evseIds)), "expected");
+    QTEST(listed(judgeLimitRequest({wallbox, ampere}, evseIds)), "expected");
 }
 
 void TestFindings::mask_data()
@@ -369,7 +370,7 @@ void TestFindings::cuttingLeavesNoPartOfASecret()
     Mask mask;
     mask.hide("s3cret");
     StepReport report;
-    report.findings = { problem("x", "%1").quoting(QString(197, '.') + "s3cret") };
+    report.findings = {problem("x", "%1").quoting(QString(197, '.') + "s3cret")};
     report.answer.body = QByteArray(197, '.') + "s3cret";
     const StepReport clean = masked(report, mask);
     QCOMPARE(clean.findings.first().sentence(), QString(197, '.') + "***");
@@ -379,7 +380,7 @@ void TestFindings::cuttingLeavesNoPartOfASecret()
 void TestFindings::terminalIsNotSteered()
 {
     StepReport report;
-    report.findings = { problem("x", "%1").quoting("a\x1b[2Jb\nc") };
+    report.findings = {problem("x", "%1").quoting("a\x1b[2Jb\nc")};
     QVERIFY(stepText(report).endsWith(QStringLiteral("  PROBLEM  a\uFFFD[2Jb c\n")));
 }
 

@@ -8,7 +8,8 @@
 #include <ctime>
 
 /*! Replies that no sound backend sends, though a broken one or a proxy may. */
-class TestGarbage : public QObject {
+class TestGarbage : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
@@ -41,7 +42,8 @@ constexpr int strangers = 10000 / share;
 
 /*! Measures for how long the event loop is not free: the longest event so far, in ms of the thread's own
    time, so that neither another process nor the backend, which shares the thread, counts. */
-class WatchedApplication : public QCoreApplication {
+class WatchedApplication : public QCoreApplication
+{
 public:
     using QCoreApplication::QCoreApplication;
 
@@ -135,7 +137,7 @@ void TestGarbage::values_data()
     const QStringList none;
 
     const auto empty = [](const char *name, const QByteArray &reply) {
-        const QStringList gone{ "connected false" };
+        const QStringList gone{"connected false"};
         QTest::newRow(name) << reply << gone << gone << QStringList("connected true");
     };
     empty("HTML", response("<!DOCTYPE html><html><body>Sign in</body></html>"));
@@ -160,14 +162,13 @@ void TestGarbage::values_data()
                                 const QStringList &afterwards) {
         QTest::newRow(name) << response(valuesOf(text)) << changes << none << afterwards;
     };
-    const QStringList power{ "currentPower 11040", "currentPhaseA 16", "currentPhaseB 16", "currentPhaseC 16",
-                             "phaseCount 3" };
-    const QStringList noPower{ "currentPower 0", "currentPhaseA 0", "currentPhaseB 0", "currentPhaseC 0",
-                               "phaseCount 1" };
+    const QStringList power{"currentPower 11040", "currentPhaseA 16", "currentPhaseB 16", "currentPhaseC 16",
+                            "phaseCount 3"};
+    const QStringList noPower{"currentPower 0", "currentPhaseA 0", "currentPhaseB 0", "currentPhaseC 0",
+                              "phaseCount 1"};
     const QStringList defaults =
-        QStringList{ "sessionEnergy 0", "state Unavailable", "charging false" } + noPower;
-    const QStringList charging =
-        QStringList{ "sessionEnergy 2.5", "state Charging", "charging true" } + power;
+        QStringList{"sessionEnergy 0", "state Unavailable", "charging false"} + noPower;
+    const QStringList charging = QStringList{"sessionEnergy 2.5", "state Charging", "charging true"} + power;
     record("null", "null", defaults, charging);
     record("nulls", R"({"timestamp":null,"status":null,"phase_1":null,"meter_value":null})", defaults,
            charging);
@@ -175,15 +176,15 @@ void TestGarbage::values_data()
            QStringList("sessionEnergy 0") + noPower, QStringList("sessionEnergy 2.5") + power);
     record("negative currents", R"({"status":"Charging","phase_1":-16,"meter_value":2500})", noPower, power);
     record("1e308 A", R"({"status":"Charging","phase_1":1e308,"phase_2":1e308,"meter_value":2500})",
-           { "currentPower inf", "currentPhaseA 1e+308", "currentPhaseB 1e+308", "currentPhaseC 0",
-             "phaseCount 2" },
+           {"currentPower inf", "currentPhaseA 1e+308", "currentPhaseB 1e+308", "currentPhaseC 0",
+            "phaseCount 2"},
            power);
 
     // What a meter shows is counted, however much it is.
-    const QStringList oneMore{ "sessionEnergy 3.5", "totalEnergyConsumed 1" };
-    const QStringList oneLess{ "sessionEnergy 2.5" };
+    const QStringList oneMore{"sessionEnergy 3.5", "totalEnergyConsumed 1"};
+    const QStringList oneLess{"sessionEnergy 2.5"};
     record("1e308 Wh", QByteArray(good).replace("2500", "1e308"),
-           { "sessionEnergy 1e+305", "totalEnergyConsumed 1e+305" }, oneLess);
+           {"sessionEnergy 1e+305", "totalEnergyConsumed 1e+305"}, oneLess);
     record("unknown ids", withStrangers(later, strangers), oneMore, oneLess);
     record("duplicate keys", QByteArray(later).replace("{", R"({"meter_value":1,)"), oneMore, oneLess);
 
@@ -250,8 +251,8 @@ void TestGarbage::hugeValues()
 
 void TestGarbage::discovery()
 {
-    for (const char *body : { "<html>Sign in</html>", "[]", "null", R"({"evse_ids":["EVSE-01"]})",
-                              "{\"evse_ids\":{\"\xff\":{}}}" }) {
+    for (const char *body : {"<html>Sign in</html>", "[]", "null", R"({"evse_ids":["EVSE-01"]})",
+                             "{\"evse_ids\":{\"\xff\":{}}}"}) {
         m_site->backend.answer(ScriptedBackend::GroupInfo, 200, body);
         QCOMPARE(Site::result(m_site->discover()),
                  "SetupFailed: The OCPP Backend could not be reached!\nPlease check the entered URL.");
@@ -286,7 +287,7 @@ void TestGarbage::groupInfo()
     QVERIFY2(watched()->longest < allowed, qPrintable(QString::number(watched()->longest)));
     m_site->backend.answerNormally(ScriptedBackend::GroupInfo);
     QCOMPARE(Site::result(m_site->setup(m_site->gateway())), QString("NoError"));
-    QTRY_COMPARE(m_site->infraIds(), (QStringList{ "EVSE-01", "EVSE-02" }));
+    QTRY_COMPARE(m_site->infraIds(), (QStringList{"EVSE-01", "EVSE-02"}));
     QVERIFY(m_site->poll());
     QCOMPARE(m_site->state("EVSE-01", "state"), QVariant("Charging"));
 }

@@ -6,7 +6,8 @@
 #include <QtTest>
 
 /*! The host program as a script or a person meets it. */
-class TestHost : public QObject {
+class TestHost : public QObject
+{
     Q_OBJECT
 private slots:
     void init();
@@ -32,7 +33,7 @@ private:
     /*! Runs the host with \a input as a file until it ends by itself; its output. */
     QString run(const QStringList &arguments, const QByteArray &input, int *status = nullptr,
                 QString *errors = nullptr) const;
-    QStringList storage() const { return { "--storage", m_folder->path() }; }
+    QStringList storage() const { return {"--storage", m_folder->path()}; }
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<HostProcess> m_host;
@@ -80,15 +81,15 @@ void TestHost::answersAndEvents()
         order << event.value("event").toString() + ' ' + thing.value("name").toString();
     }
     QCOMPARE(order,
-             QStringList({ "thingAdded Bridge A", "setupFinished ", "stateChanged ", "thingAdded Lamp 1",
-                           "setupFinished " }));
+             QStringList({"thingAdded Bridge A", "setupFinished ", "stateChanged ", "thingAdded Lamp 1",
+                          "setupFinished "}));
     QCOMPARE(m_host->events.at(1).value("thingId").toString(), id);
     QCOMPARE(m_host->events.at(1).value("thingError").toString(), QString("ThingErrorNoError"));
 
     const QJsonObject things = m_host->command("things");
     const QJsonObject lamp = things.value("things").toArray().at(1).toObject();
     QCOMPARE(lamp.keys(),
-             QStringList({ "class", "id", "name", "params", "parentId", "setupStatus", "states" }));
+             QStringList({"class", "id", "name", "params", "parentId", "setupStatus", "states"}));
     QCOMPARE(lamp.value("class").toString(), QString("lamp"));
     QCOMPARE(lamp.value("parentId").toString(), id);
     QCOMPARE(lamp.value("params").toObject(),
@@ -97,24 +98,24 @@ void TestHost::answersAndEvents()
     }));
     QCOMPARE(lamp.value("states").toObject(),
              (QJsonObject{
-                 {"brightness",     5    },
-                 { "maxBrightness", 10   },
-                 { "power",         false},
-                 { "order",         ""   },
-                 { "burnt",         0    }
+                 {"brightness",    5    },
+                 {"maxBrightness", 10   },
+                 {"power",         false},
+                 {"order",         ""   },
+                 {"burnt",         0    }
     }));
-    QCOMPARE(m_host->command("show Lamp").value("things").toArray(), QJsonArray{ lamp });
+    QCOMPARE(m_host->command("show Lamp").value("things").toArray(), QJsonArray{lamp});
 
     m_host->events.clear();
     QVERIFY(m_host->command("set 'Lamp 1' brightness 9").value("ok").toBool());
     const QJsonObject change{
-        {"event",    "stateChanged"  },
-        { "thingId", lamp.value("id")},
-        { "name",    "Lamp 1"        },
-        { "state",   "brightness"    },
-        { "value",   9               }
+        {"event",   "stateChanged"  },
+        {"thingId", lamp.value("id")},
+        {"name",    "Lamp 1"        },
+        {"state",   "brightness"    },
+        {"value",   9               }
     };
-    QCOMPARE(m_host->events, QVector<QJsonObject>{ change }); // before the answer
+    QCOMPARE(m_host->events, QVector<QJsonObject>{change}); // before the answer
     QVERIFY(m_host->command("remove " + id).value("ok").toBool());
     QCOMPARE(m_host->eventsNamed("thingRemoved").size(), 2);
     QCOMPARE(m_host->command("things").value("things").toArray(), QJsonArray());
@@ -125,17 +126,17 @@ void TestHost::discoverAnswers()
     QJsonObject answer = m_host->command("discover bridge address=A children=2");
     QCOMPARE(answer.value("thingError"), QJsonValue("ThingErrorNoError"));
     QJsonObject offer{
-        {"title",        "Bridge A"                                          },
-        { "description", "A bridge"                                          },
-        { "class",       "bridge"                                            },
-        { "thingId",     QJsonValue()                                        },
-        { "params",      QJsonObject{ { "address", "A" }, { "children", 2 } }}
+        {"title",       "Bridge A"                                    },
+        {"description", "A bridge"                                    },
+        {"class",       "bridge"                                      },
+        {"thingId",     QJsonValue()                                  },
+        {"params",      QJsonObject{{"address", "A"}, {"children", 2}}}
     };
-    QCOMPARE(answer.value("offers").toArray(), QJsonArray{ offer });
+    QCOMPARE(answer.value("offers").toArray(), QJsonArray{offer});
     const QString id = m_host->command("add 1").value("thingId").toString();
     answer = m_host->command("discover bridge address=A children=2");
     offer["thingId"] = id;
-    QCOMPARE(answer.value("offers").toArray(), QJsonArray{ offer });
+    QCOMPARE(answer.value("offers").toArray(), QJsonArray{offer});
     QCOMPARE(m_host->command("add 1").value("thingId").toString(), id);
 
     answer = m_host->command("discover bridge address=broken");
@@ -225,7 +226,7 @@ void TestHost::answersWhileASetupIsPending()
     m_host->nextEvent("stateChanged"); // the count of set-ups: this one has begun
     m_host->kill();
     m_host =
-        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{ "--job-timeout", "86400" });
+        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{"--job-timeout", "86400"});
     m_host->nextEvent("setupFinished");
     const QJsonArray things = m_host->command("things").value("things").toArray();
     QCOMPARE(things.at(0).toObject().value("setupStatus").toString(), QString("ThingSetupStatusInProgress"));
@@ -250,9 +251,9 @@ void TestHost::pendingCommandDelaysTheNext()
 {
     m_host.reset();
     m_host =
-        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{ "--job-timeout", "0.1" });
-    for (const char *line : { "discover bridge address=nobody", "wait 0.05", "watch 0.05", "watch", "",
-                              "# nothing", "help", "things" })
+        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{"--job-timeout", "0.1"});
+    for (const char *line : {"discover bridge address=nobody", "wait 0.05", "watch 0.05", "watch", "",
+                             "# nothing", "help", "things"})
         m_host->send(line);
     QStringList answers;
     while (answers.size() < 6) {
@@ -260,7 +261,7 @@ void TestHost::pendingCommandDelaysTheNext()
         QVERIFY(!answer.isEmpty());
         answers << answer.value("answer").toString();
     }
-    QCOMPARE(answers, QStringList({ "discover", "wait", "watch", "watch", "help", "things" }));
+    QCOMPARE(answers, QStringList({"discover", "wait", "watch", "watch", "help", "things"}));
 }
 
 void TestHost::removedOfferIsAddedAnew()
@@ -279,7 +280,7 @@ void TestHost::endOfInput()
 {
     m_host.reset();
     m_host =
-        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{ "--job-timeout", "0.1" });
+        std::make_unique<HostProcess>(FAKE_PLUGIN, m_folder->path(), QStringList{"--job-timeout", "0.1"});
     m_host->send("discover bridge address=nobody");
     m_host->send("things");
     m_host->closeInput();
@@ -299,11 +300,11 @@ void TestHost::signalEndsIt()
 void TestHost::logRecords()
 {
     m_host.reset();
-    const QStringList arguments = QStringList{ "--plugin", FAKE_PLUGIN } + storage();
+    const QStringList arguments = QStringList{"--plugin", FAKE_PLUGIN} + storage();
     const QByteArray input = "discover bridge address=broken\ndiscover bridge address=A\nadd 1\n";
     qputenv("QT_LOGGING_RULES", "*.warning=false");
     QString log;
-    run(arguments + QStringList{ "--log", "*.debug=true" }, input, nullptr, &log);
+    run(arguments + QStringList{"--log", "*.debug=true"}, input, nullptr, &log);
     qunsetenv("QT_LOGGING_RULES");
     const QStringList lines = log.split('\n', Qt::SkipEmptyParts);
     const QRegularExpression record(
@@ -314,8 +315,8 @@ void TestHost::logRecords()
         texts << (match.hasMatch() ? match.captured(1) + ' ' + match.captured(2) : line);
     }
     QCOMPARE(texts,
-             QStringList({ "warning It is broken.", "    Replace it.",
-                           "debug setting up \"Bridge A\" with 0 things" }));
+             QStringList({"warning It is broken.", "    Replace it.",
+                          "debug setting up \"Bridge A\" with 0 things"}));
 }
 
 void TestHost::unusablePlugins_data()
@@ -326,7 +327,7 @@ void TestHost::unusablePlugins_data()
                              << "there is no such file";
     QTest::newRow("not a library") << QFINDTESTDATA("fakeplugin.json") << "it is not a Qt plugin";
     QTest::newRow("other version") << OTHER_VERSION_PLUGIN << "it is built for API version 6.0.0, not 7.4.0";
-    QDirIterator others(QLibraryInfo::location(QLibraryInfo::PluginsPath), { "*.so" }, QDir::Files,
+    QDirIterator others(QLibraryInfo::location(QLibraryInfo::PluginsPath), {"*.so"}, QDir::Files,
                         QDirIterator::Subdirectories);
     QVERIFY(others.hasNext());
     QTest::newRow("another kind of plugin") << others.next() << "not io.nymea.IntegrationPlugin";
@@ -339,7 +340,7 @@ void TestHost::unusablePlugins()
     m_host.reset();
     int status = 0;
     QString errors;
-    QCOMPARE(run(QStringList{ "--json", "--plugin", file } + storage(), "things\n", &status, &errors),
+    QCOMPARE(run(QStringList{"--json", "--plugin", file} + storage(), "things\n", &status, &errors),
              QString());
     QCOMPARE(status, 1);
     QVERIFY2(errors.contains(file), qPrintable(errors));
@@ -355,7 +356,7 @@ void TestHost::options_data()
     QTest::newRow("version") << QStringList("--version") << 0 << "vela-host " VELA_VERSION "\n";
     QTest::newRow("unknown") << QStringList("--colour") << 2 << "colour";
     QTest::newRow("argument") << QStringList("things") << 2 << "Unknown argument \"things\"";
-    QTest::newRow("no time") << QStringList({ "--job-timeout", "never" }) << 2 << "not \"never\"";
+    QTest::newRow("no time") << QStringList({"--job-timeout", "never"}) << 2 << "not \"never\"";
 }
 
 void TestHost::options()
@@ -372,7 +373,7 @@ void TestHost::options()
 void TestHost::inputFromAFile()
 {
     m_host.reset();
-    const QString output = run(QStringList{ "--json", "--plugin", FAKE_PLUGIN } + storage(),
+    const QString output = run(QStringList{"--json", "--plugin", FAKE_PLUGIN} + storage(),
                                "discover bridge address=A\nadd 1\nthings\nquit\nclasses\n");
     const QStringList answers = output.split('\n', Qt::SkipEmptyParts).filter("\"answer\":");
     QCOMPARE(answers.size(), 4);
@@ -384,16 +385,16 @@ void TestHost::textForPeople()
 {
     m_host.reset();
     const QString output =
-        run(QStringList{ "--plugin", FAKE_PLUGIN } + storage(),
+        run(QStringList{"--plugin", FAKE_PLUGIN} + storage(),
             "discover bridge address='A\x1b[31m' setup=announces children=1\nadd 1\nthings\n"
             "set Lamp brightness 3\nshow Lamp\nset Lamp brightness 12\nwatch 0\ndiscover bridge "
             "address=broken\n");
     QVERIFY2(!output.contains('\x1b'), qPrintable(output));
-    for (const char *text : { "1  Bridge A?[31m  A bridge  bridge  new\n", "+ Lamp 1 has been added (Lamp)\n",
-                              "\nLamp 1         lamp    set up  power false\n", "Lamp 1: brightness 3\n",
-                              "state brightness     3      (1 to 10, can be set)\n",
-                              "Error: Parameter brightness must be from 1 to 10, not \"12\".\n",
-                              "There are no wallboxes yet.\n", "Error: It is broken. Replace it.\n" })
+    for (const char *text : {"1  Bridge A?[31m  A bridge  bridge  new\n", "+ Lamp 1 has been added (Lamp)\n",
+                             "\nLamp 1         lamp    set up  power false\n", "Lamp 1: brightness 3\n",
+                             "state brightness     3      (1 to 10, can be set)\n",
+                             "Error: Parameter brightness must be from 1 to 10, not \"12\".\n",
+                             "There are no wallboxes yet.\n", "Error: It is broken. Replace it.\n"})
         QVERIFY2(output.contains(text), qPrintable(text + ("\nis not in\n" + output)));
 }
 

@@ -11,7 +11,8 @@ using namespace std::chrono_literals;
 namespace {
 
 /*! A daemon with the fake plugin, and its reports as lines. */
-class Fixture {
+class Fixture
+{
 public:
     explicit Fixture(std::chrono::milliseconds jobTimeout = 0ms)
         : m_jobTimeout(jobTimeout)
@@ -114,7 +115,8 @@ private:
 } // namespace
 
 /*! The rules by which the daemon is played, seen from its own interface. */
-class TestHostDaemon : public QObject {
+class TestHostDaemon : public QObject
+{
     Q_OBJECT
 private slots:
     void announcedWhileTheParentIsPending();
@@ -143,10 +145,10 @@ void TestHostDaemon::announcedWhileTheParentIsPending()
     // The lamps are set up, but like their bridge not yet kept: that comes from the event loop.
     QCOMPARE(fixture.names(), QStringList());
     QCOMPARE(Fixture::outcome(info), QString("ok"));
-    QTRY_COMPARE(fixture.names(), QStringList({ "Bridge A", "Lamp 1", "Lamp 2" }));
+    QTRY_COMPARE(fixture.names(), QStringList({"Bridge A", "Lamp 1", "Lamp 2"}));
     QTRY_COMPARE(fixture.reports,
-                 QStringList({ "added Bridge A", "set up Bridge A", "Bridge A postSetups 1", "added Lamp 1",
-                               "set up Lamp 1", "added Lamp 2", "set up Lamp 2" }));
+                 QStringList({"added Bridge A", "set up Bridge A", "Bridge A postSetups 1", "added Lamp 1",
+                              "set up Lamp 1", "added Lamp 2", "set up Lamp 2"}));
     QCOMPARE(fixture.thing("Lamp 2")->parentId(), fixture.thing("Bridge A")->id());
     QCOMPARE(fixture.thing("Lamp 2")->paramValue(QStringLiteral("number")), QVariant(2u));
 }
@@ -166,7 +168,7 @@ void TestHostDaemon::firstSetupFails()
              QString("ThingErrorHardwareNotAvailable: The bridge does not answer."));
     QCOMPARE(fixture.addBridge("succeeds"), QString("ok")); // the fence
     QCOMPARE(fixture.reports.mid(0, 3),
-             QStringList({ "failed Bridge A", "added Bridge A", "set up Bridge A" }));
+             QStringList({"failed Bridge A", "added Bridge A", "set up Bridge A"}));
     QCOMPARE(fixture.names(), QStringList("Bridge A"));
     fixture.start();
     QCOMPARE(fixture.names(), QStringList("Bridge A"));
@@ -183,18 +185,18 @@ void TestHostDaemon::unansweredJobs()
              QString("ThingErrorTimeout: The plugin did not answer in time."));
     const ParamType address = fixture.bridgeClass().discoveryParamTypes.findByName("address");
     QCOMPARE(Fixture::outcome(fixture.daemon->discover(fixture.bridgeClass().id,
-                                                       QList<Param>{ Param(address.id, "nobody") })),
+                                                       QList<Param>{Param(address.id, "nobody")})),
              QString("ThingErrorTimeout: The plugin did not answer in time."));
 }
 
 void TestHostDaemon::nonsenseIsRefused()
 {
     Fixture fixture;
-    for (const char *refusal : { "too much is refused: Parameter number must be at most 8, not \"9\"",
-                                 "no number is refused: Parameter number must be a whole number, 0 or more",
-                                 "no class is refused: The plugin has no such thing class",
-                                 "no parent is refused: The parent thing does not exist",
-                                 "A thing that is not there is said to have disappeared" })
+    for (const char *refusal : {"too much is refused: Parameter number must be at most 8, not \"9\"",
+                                "no number is refused: Parameter number must be a whole number, 0 or more",
+                                "no class is refused: The plugin has no such thing class",
+                                "no parent is refused: The parent thing does not exist",
+                                "A thing that is not there is said to have disappeared"})
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(refusal));
     QCOMPARE(fixture.addBridge("announces nonsense"), QString("ok"));
     QCOMPARE(fixture.addBridge("succeeds", 9),
@@ -214,8 +216,8 @@ void TestHostDaemon::restartSetsUpParentsFirst()
     fixture.daemon->add(fixture.offer("hangs"));
     fixture.start();
     // All are there from the start, and the lamps do not wait for the bridge.
-    QCOMPARE(fixture.names(), QStringList({ "Bridge A", "Lamp 1", "Lamp 2" }));
-    QTRY_COMPARE(fixture.reports, QStringList({ "Bridge A setups 3", "set up Lamp 1", "set up Lamp 2" }));
+    QCOMPARE(fixture.names(), QStringList({"Bridge A", "Lamp 1", "Lamp 2"}));
+    QTRY_COMPARE(fixture.reports, QStringList({"Bridge A setups 3", "set up Lamp 1", "set up Lamp 2"}));
     QCOMPARE(fixture.thing("Bridge A")->setupStatus(), Thing::ThingSetupStatusInProgress);
 }
 
@@ -225,7 +227,7 @@ void TestHostDaemon::restoredThingStaysWhenItsSetupFails()
     QCOMPARE(fixture.addBridge("succeeds"), QString("ok"));
     QCOMPARE(fixture.addBridge("hangs"), QString("ThingErrorTimeout: The plugin did not answer in time."));
     fixture.start();
-    QTRY_COMPARE(fixture.reports, QStringList({ "Bridge A setups 3", "failed Bridge A" }));
+    QTRY_COMPARE(fixture.reports, QStringList({"Bridge A setups 3", "failed Bridge A"}));
     Thing *bridge = fixture.thing("Bridge A");
     QVERIFY(bridge);
     QCOMPARE(bridge->setupStatus(), Thing::ThingSetupStatusFailed);
@@ -277,7 +279,7 @@ void TestHostDaemon::removesChildrenFirst()
     QTest::ignoreMessage(QtDebugMsg, "removed \"Bridge A\" of 1");
     fixture.daemon->remove(fixture.thing("Bridge A"));
     QCOMPARE(fixture.reports.filter("removed"),
-             QStringList({ "removed Lamp 1", "removed Lamp 2", "removed Bridge A" }));
+             QStringList({"removed Lamp 1", "removed Lamp 2", "removed Bridge A"}));
     fixture.start();
     QCOMPARE(fixture.names(), QStringList());
 }
@@ -294,7 +296,7 @@ void TestHostDaemon::removalAnswersPendingJobs()
     QStringList answers;
     connect(action, &ThingJob::finished, this, [action, &answers] { answers << action->displayMessage(); });
     connect(setup, &ThingJob::finished, this, [setup, &answers] { answers << setup->displayMessage(); });
-    QTRY_COMPARE(answers, QStringList({ "Lamp 1 has been removed.", "Bridge A has been removed." }));
+    QTRY_COMPARE(answers, QStringList({"Lamp 1 has been removed.", "Bridge A has been removed."}));
     QCOMPARE(fixture.reports.last(), QString("removed Bridge A"));
 }
 
@@ -310,7 +312,7 @@ void TestHostDaemon::disappearedIsRemovedAtOnce()
     });
     ThingJob *job = fixture.daemon->execute(fixture.thing("Lamp 1"), "order", "vanish");
     QVERIFY(wasStored);
-    QCOMPARE(fixture.names(), QStringList({ "Bridge A", "Lamp 2" }));
+    QCOMPARE(fixture.names(), QStringList({"Bridge A", "Lamp 2"}));
     QCOMPARE(fixture.reports.last(), QString("removed Lamp 1"));
     QCOMPARE(Fixture::outcome(job), QString("ThingErrorThingNotFound: Lamp 1 has been removed."));
 }
@@ -373,9 +375,9 @@ void TestHostDaemon::everyChangeIsReportedInOrder()
     // A limit alone is no change of the value.
     lamp->setStateMaxValue(QStringLiteral("brightness"), 3);
     QTRY_VERIFY(!reportsAtTheAnswer.isEmpty());
-    QCOMPARE(reportsAtTheAnswer,
-             QStringList(
-                 { "Lamp 1 power true", "Lamp 1 power false", "Lamp 1 power true", "Lamp 1 power false" }));
+    QCOMPARE(
+        reportsAtTheAnswer,
+        QStringList({"Lamp 1 power true", "Lamp 1 power false", "Lamp 1 power true", "Lamp 1 power false"}));
 }
 
 void TestHostDaemon::discoveryParameters()
@@ -389,7 +391,7 @@ void TestHostDaemon::discoveryParameters()
              QString("ThingErrorThingClassNotFound: The plugin has no such thing class."));
     const ParamType children = fixture.bridgeClass().discoveryParamTypes.findByName("children");
     QCOMPARE(Fixture::outcome(
-                 fixture.daemon->discover(fixture.bridgeClass().id, QList<Param>{ Param(children.id, 101) })),
+                 fixture.daemon->discover(fixture.bridgeClass().id, QList<Param>{Param(children.id, 101)})),
              QString("ThingErrorInvalidParameter: Parameter children must be at most 100, not \"101\"."));
     QCOMPARE(Fixture::outcome(fixture.daemon->discover(fixture.bridgeClass().id, {})), QString("ok"));
 }

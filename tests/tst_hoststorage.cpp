@@ -14,7 +14,8 @@
 #include <sys/stat.h>
 
 /*! What the host keeps over a restart, an end by force and damage. */
-class TestHostStorage : public QObject {
+class TestHostStorage : public QObject
+{
     Q_OBJECT
 private slots:
     void init();
@@ -114,7 +115,7 @@ void TestHostStorage::restoresThings()
 
     auto second = host();
     second->nextEvent("setupFinished");
-    QCOMPARE(names(second->command("things")), QStringList({ "Bridge A", "Lamp 1", "Lamp 2" }));
+    QCOMPARE(names(second->command("things")), QStringList({"Bridge A", "Lamp 1", "Lamp 2"}));
     QJsonObject states = expected.value("states").toObject();
     states["power"] = false; // not cached
     expected["states"] = states;
@@ -139,8 +140,8 @@ void TestHostStorage::onlyOneHostAtATime()
 void TestHostStorage::sweepsLeftovers()
 {
     const QString settings = "pluginconfig-00000000-0000-4000-8000-000000000001.conf";
-    const QStringList leftovers{ settings + ".lock", settings + ".lock.rmlock", settings + ".AbCdEf",
-                                 "things.json.XyZ123" };
+    const QStringList leftovers{settings + ".lock", settings + ".lock.rmlock", settings + ".AbCdEf",
+                                "things.json.XyZ123"};
     for (const QString &file : leftovers)
         write(file, "half");
     write("a note of the owner", "whole");
@@ -187,7 +188,7 @@ void TestHostStorage::keepsThingsOfUnknownClasses()
     storeThings(things);
 
     auto restarted = host();
-    QCOMPARE(names(restarted->command("things")), QStringList({ "Bridge A", "Lamp 2" }));
+    QCOMPARE(names(restarted->command("things")), QStringList({"Bridge A", "Lamp 2"}));
     QVERIFY(restarted->command("set 'Lamp 2' brightness 9").value("ok").toBool());
     restarted->closeInput();
     QCOMPARE(restarted->exitStatus(), 0);
@@ -205,7 +206,7 @@ void TestHostStorage::circleOfParents()
     things[0] = bridge;
     storeThings(things);
     auto restarted = host();
-    QCOMPARE(names(restarted->command("things")), QStringList({ "Bridge A", "Lamp 1" }));
+    QCOMPARE(names(restarted->command("things")), QStringList({"Bridge A", "Lamp 1"}));
     QVERIFY(restarted->command("remove 'Bridge A'").value("ok").toBool());
     QCOMPARE(names(restarted->command("things")), QStringList());
 }
@@ -232,7 +233,7 @@ void TestHostStorage::valuesThatDoNotFit()
     bridge["states"] = QJsonObject{
         {"00000000-0000-4000-8000-000000000017", stored}
     };
-    storeThings({ bridge });
+    storeThings({bridge});
     auto restarted = host();
     restarted->nextEvent("setupFinished");
     const QJsonObject shown =
@@ -260,7 +261,7 @@ void TestHostStorage::killLosesNothingReported()
 {
     constexpr int kills = 10;
     std::mt19937 random(1); // the same moments in every run, as far as the machine allows
-    QStringList added{ "Bridge A", "Lamp 1" };
+    QStringList added{"Bridge A", "Lamp 1"};
     QHash<QString, int> burnt;
     addBridge(*host(), 1);
     for (int i = 0; i < kills; ++i) {

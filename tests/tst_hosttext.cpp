@@ -11,7 +11,8 @@
 Q_DECLARE_METATYPE(QMetaType::Type)
 
 /*! What the host reads from a user's text, and the texts that it makes. */
-class TestHostText : public QObject {
+class TestHostText : public QObject
+{
     Q_OBJECT
 private slots:
     void shellWords_data();
@@ -35,15 +36,15 @@ void TestHostText::shellWords_data()
     QTest::addColumn<QString>("error");
     const QString open = "A quote (%1) is not closed.";
     QTest::newRow("blank") << " \t " << QStringList() << "";
-    QTest::newRow("several blanks") << "  a   b\t" << QStringList({ "a", "b" }) << "";
-    QTest::newRow("carriage return") << "quit\r" << QStringList({ "quit" }) << "";
-    QTest::newRow("single quotes keep all") << R"('a "b\ $c')" << QStringList({ R"(a "b\ $c)" }) << "";
-    QTest::newRow("double quotes") << R"("a 'b' \"c\" \\ \n")" << QStringList({ R"(a 'b' "c" \ \n)" }) << "";
-    QTest::newRow("quotes within a word") << "a'b 'c\" d\"" << QStringList({ "ab c d" }) << "";
-    QTest::newRow("empty words") << "'' \"\"" << QStringList({ "", "" }) << "";
-    QTest::newRow("escaped blank") << R"(Lamp\ 1 \#x)" << QStringList({ "Lamp 1", "#x" }) << "";
-    QTest::newRow("comment") << "things # all of them" << QStringList({ "things" }) << "";
-    QTest::newRow("no comment within a word") << "a#b '#c'" << QStringList({ "a#b", "#c" }) << "";
+    QTest::newRow("several blanks") << "  a   b\t" << QStringList({"a", "b"}) << "";
+    QTest::newRow("carriage return") << "quit\r" << QStringList({"quit"}) << "";
+    QTest::newRow("single quotes keep all") << R"('a "b\ $c')" << QStringList({R"(a "b\ $c)"}) << "";
+    QTest::newRow("double quotes") << R"("a 'b' \"c\" \\ \n")" << QStringList({R"(a 'b' "c" \ \n)"}) << "";
+    QTest::newRow("quotes within a word") << "a'b 'c\" d\"" << QStringList({"ab c d"}) << "";
+    QTest::newRow("empty words") << "'' \"\"" << QStringList({"", ""}) << "";
+    QTest::newRow("escaped blank") << R"(Lamp\ 1 \#x)" << QStringList({"Lamp 1", "#x"}) << "";
+    QTest::newRow("comment") << "things # all of them" << QStringList({"things"}) << "";
+    QTest::newRow("no comment within a word") << "a#b '#c'" << QStringList({"a#b", "#c"}) << "";
     QTest::newRow("open single quote") << "show 'Lamp 1" << QStringList() << open.arg("'");
     QTest::newRow("open double quote") << R"(show "Lamp\")" << QStringList() << open.arg("\"");
     QTest::newRow("backslash at the end")
@@ -208,7 +209,7 @@ void TestHostText::tableCells()
     LiveRow gone = chargingRow();
     gone.connected = gone.pluggedIn = gone.charging = false;
     gone.timestamp = 0;
-    const QStringList lines = liveTable({ chargingRow(), off, gone }, plain(80), 1002);
+    const QStringList lines = liveTable({chargingRow(), off, gone}, plain(80), 1002);
     const auto cells = [&lines](int line) { return lines.at(line).simplified(); };
     QCOMPARE(cells(2), QString("EVSE-01 Charging charging ###... 8.0/16 11.04 1.23 123.5 2s"));
     QCOMPARE(cells(3), QString("EVSE-01 SuspendedEVSE plugged ...... 0.0/off 0.00 1.23 123.5 2s"));
@@ -232,7 +233,7 @@ void TestHostText::tableAges_data()
 void TestHostText::tableAges()
 {
     QFETCH(qint64, age);
-    const QStringList lines = liveTable({ chargingRow() }, plain(80), 1000 + age);
+    const QStringList lines = liveTable({chargingRow()}, plain(80), 1000 + age);
     QTEST(lines.at(2).simplified().section(' ', -1), "text");
 }
 
@@ -248,7 +249,7 @@ void TestHostText::tableRowsAndColours()
     QVERIFY(lines.at(2).contains("\x1b[32mCharging"));
     QVERIFY(lines.at(2).contains(QString::fromUtf8("███░░░")));
     style.colour = false;
-    QVERIFY(!liveTable({ chargingRow() }, style, 1002).join(QString()).contains('\x1b'));
+    QVERIFY(!liveTable({chargingRow()}, style, 1002).join(QString()).contains('\x1b'));
 }
 
 QTEST_GUILESS_MAIN(TestHostText)

@@ -32,9 +32,9 @@ PluginMetadata metadata(const QVector<QJsonObject> &states)
     const auto item = [&ids](const QString &name) {
         const QString id = QString("00000000-0000-0000-0000-00000000000%1").arg(++ids);
         return QJsonObject{
-            {"name",         name},
-            { "displayName", name},
-            { "id",          id  }
+            {"name",        name},
+            {"displayName", name},
+            {"id",          id  }
         };
     };
     QJsonObject plugin = item("plugin");
@@ -44,26 +44,27 @@ PluginMetadata metadata(const QVector<QJsonObject> &states)
     for (const QJsonObject &state : states)
         stateTypes.append(merged(item(state["type"].toString()), state));
     box["stateTypes"] = stateTypes;
-    vendor["thingClasses"] = QJsonArray{ box };
-    plugin["vendors"] = QJsonArray{ vendor };
+    vendor["thingClasses"] = QJsonArray{box};
+    plugin["vendors"] = QJsonArray{vendor};
     return PluginMetadata(plugin);
 }
 
 ThingClass thingClass()
 {
     const QJsonObject limited{
-        {"type",          "uint"},
-        { "defaultValue", 16    },
-        { "maxValue",     32    }
+        {"type",         "uint"},
+        {"defaultValue", 16    },
+        {"maxValue",     32    }
     };
-    return metadata({ { { "type", "bool" } }, limited, { { "type", "double" } }, { { "type", "QString" } } })
+    return metadata({{{"type", "bool"}}, limited, {{"type", "double"}}, {{"type", "QString"}}})
         .thingClasses()
         .first();
 }
 
 } // namespace
 
-class TestLibnymea : public QObject {
+class TestLibnymea : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void stateConversion_data();
@@ -112,12 +113,11 @@ void TestLibnymea::stateNotifiesOnChangeOnly()
 {
     Thing thing(thingClass());
     QSignalSpy spy(&thing, &Thing::stateValueChanged);
-    for (const QVariant &value :
-         { QVariant(16), QVariant(16.0), QVariant("16"), QVariant(10), QVariant(10U) })
+    for (const QVariant &value : {QVariant(16), QVariant(16.0), QVariant("16"), QVariant(10), QVariant(10U)})
         thing.setStateValue("uint", value);
     QCOMPARE(spy.count(), 1);
     QCOMPARE(spy[0],
-             (QVariantList{ QVariant::fromValue(thing.state("uint").stateTypeId()), 10U, QVariant(), 32U }));
+             (QVariantList{QVariant::fromValue(thing.state("uint").stateTypeId()), 10U, QVariant(), 32U}));
 }
 
 void TestLibnymea::maximumMovesAlone()
@@ -199,7 +199,7 @@ void TestLibnymea::pluginTimers()
         manager->tick();
         ticks.append(QString::number(second));
     }
-    QCOMPARE(ticks, (QStringList{ "1", "two", "2", "three", "3", "4", "5", "three", "6" }));
+    QCOMPARE(ticks, (QStringList{"1", "two", "2", "three", "3", "4", "5", "three", "6"}));
     QCOMPARE(log.warnings().size(), 1); // the second unregistering
 }
 
@@ -215,13 +215,16 @@ void TestLibnymea::metadataErrors_data()
                                         << QStringList("box.uint: \"id\" {00000000-0000-0000-0000-000000000003} is "
                                                        "used twice");
     QTest::newRow("type") << QJsonObject{
-        {"type", "number"}
+        {"type",
+         "number"}
     } << QStringList("box.number: type \"number\" is not supported");
     QTest::newRow("unit") << QJsonObject{
-        {"unit", "Furlong"}
+        {"unit",
+         "Furlong"}
     } << QStringList("box.uint: unit \"Furlong\" is not known");
     QTest::newRow("default") << QJsonObject{
-        {"defaultValue", QJsonArray()}
+        {"defaultValue",
+         QJsonArray()}
     } << QStringList("box.uint: \"defaultValue\" does not fit the type");
     QTest::newRow("no display name") << QJsonObject{
         {"displayName", ""}
@@ -233,7 +236,7 @@ void TestLibnymea::metadataErrors()
     QFETCH(QJsonObject, change);
     QFETCH(QStringList, errors);
     const PluginMetadata metadata = ::metadata({
-        merged({{ "type", "uint" }},
+        merged({{"type", "uint"}},
         change)
     });
     QCOMPARE(metadata.validationErrors(), errors);

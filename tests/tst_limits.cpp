@@ -11,7 +11,8 @@
 
 using Backend = ScriptedBackend;
 
-class TestLimits : public QObject {
+class TestLimits : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void silence_data();
@@ -38,7 +39,7 @@ QString prepare(Site &site)
     QString error = site.addGateway();
     if (!error.isEmpty())
         return error;
-    for (const char *infraId : { "EVSE-01", "EVSE-02" })
+    for (const char *infraId : {"EVSE-01", "EVSE-02"})
         site.wallbox(infraId)->setStateValue("power", true);
     return QString();
 }
@@ -85,17 +86,17 @@ void TestLimits::actions_data()
     using Limits = QList<double>;
     QTest::newRow("another current enables as well")
         << false << 10U << "maxChargingCurrent" << QVariant(16)
-        << QStringList{ "maxChargingCurrent 16", "power true" } << Limits{ 16 };
+        << QStringList{"maxChargingCurrent 16", "power true"} << Limits{16};
     QTest::newRow("another current while enabled") << true << 10U << "maxChargingCurrent" << QVariant(16)
-                                                   << QStringList{ "maxChargingCurrent 16" } << Limits{ 16 };
+                                                   << QStringList{"maxChargingCurrent 16"} << Limits{16};
     QTest::newRow("the same current does not enable")
         << false << 10U << "maxChargingCurrent" << QVariant(10) << QStringList() << Limits();
-    QTest::newRow("disable") << true << 10U << "power" << QVariant(false) << QStringList{ "power false" }
-                             << Limits{ 0 };
+    QTest::newRow("disable") << true << 10U << "power" << QVariant(false) << QStringList{"power false"}
+                             << Limits{0};
     QTest::newRow("disable what is disabled")
         << false << 10U << "power" << QVariant(false) << QStringList() << Limits();
     QTest::newRow("enable: no limit yet")
-        << false << 10U << "power" << QVariant(true) << QStringList{ "power true" } << Limits();
+        << false << 10U << "power" << QVariant(true) << QStringList{"power true"} << Limits();
     QTest::newRow("enable what is enabled")
         << true << 10U << "power" << QVariant(true) << QStringList() << Limits();
 }
@@ -116,9 +117,9 @@ void TestLimits::actions()
     const Job action = site.set("EVSE-01", state, value);
     QTEST(watch.changes, "changes"); // at once
     QCOMPARE(Site::result(action), "NoError");
-    QStringList story{ "debug: Executing action for Thing(EVSE-01)",
-                       state == "power" ? "debug: executeAction() - Charging enabled action"
-                                        : "debug: executeAction() - Set max chargeCurrent" };
+    QStringList story{"debug: Executing action for Thing(EVSE-01)",
+                      state == "power" ? "debug: executeAction() - Charging enabled action"
+                                       : "debug: executeAction() - Set max chargeCurrent"};
     if (QTest::currentDataTag() == QString("disable"))
         story.append("debug: executeAction() -  Disable charging by setting charge current to 0");
     QCOMPARE(site.story(), story);
@@ -138,24 +139,24 @@ void TestLimits::limitOnTheWire()
     const QString limits = R"({"EVSE-01":{"unit":"A","value":10},"EVSE-02":{"unit":"A","value":0}})";
     QCOMPARE(texts(site.backend.limits()), QStringList(limits));
     QCOMPARE(site.story().mid(0, 5),
-             (QStringList{ "debug: Sending charge limits QJsonObject(" + limits + ')',
-                           "debug: Setting profile charge power limit.",
-                           R"(debug: Send Post Request "/vela/set_limits/yard")",
-                           "debug: Update the values for all connected wallboxes.",
-                           "debug: Get info EVSE values." }));
+             (QStringList{"debug: Sending charge limits QJsonObject(" + limits + ')',
+                          "debug: Setting profile charge power limit.",
+                          R"(debug: Send Post Request "/vela/set_limits/yard")",
+                          "debug: Update the values for all connected wallboxes.",
+                          "debug: Get info EVSE values."}));
 }
 
 void TestLimits::onlyTheLastLimitIsSent()
 {
     Site site;
     QCOMPARE(site.addGateway(), QString());
-    for (const int ampere : { 8, 10, 12 })
+    for (const int ampere : {8, 10, 12})
         QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", ampere)), "NoError");
     QVERIFY(site.poll());
     QCOMPARE(Site::result(site.set("EVSE-01", "power", false)), "NoError");
     QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 6)), "NoError");
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{ 12, 6 }));
+    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{12, 6}));
 }
 
 void TestLimits::enablingWaitsForTheRenewal()
@@ -168,7 +169,7 @@ void TestLimits::enablingWaitsForTheRenewal()
     site.fireChargeLimitTimer();
     QCOMPARE(site.backend.limits().size(), 0); // the timer itself sends nothing
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{ 16 });
+    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{16});
 }
 
 void TestLimits::renewalFollowsTheStates()
@@ -183,23 +184,21 @@ void TestLimits::renewalFollowsTheStates()
     QStringList story = site.story();
     story.sort(); // wallboxes in no particular order
     QCOMPARE(story,
-             (QStringList{ "debug: postSetupThing() - Set charge power limit again. \"EVSE-01\"",
-                           "debug: postSetupThing() - Set charge power limit again. \"EVSE-02\"",
-                           "debug: postSetupThing() - m_chargeLimitTimer timeout." }));
+             (QStringList{"debug: postSetupThing() - Set charge power limit again. \"EVSE-01\"",
+                          "debug: postSetupThing() - Set charge power limit again. \"EVSE-02\"",
+                          "debug: postSetupThing() - m_chargeLimitTimer timeout."}));
     QVERIFY(site.poll());
     QVERIFY(site.poll());
     const QString limits = R"({"EVSE-01":{"unit":"A","value":10},"EVSE-02":{"unit":"A","value":0}})";
-    QCOMPARE(texts(site.backend.limits()), (QStringList{ limits, limits }));
+    QCOMPARE(texts(site.backend.limits()), (QStringList{limits, limits}));
 }
 
 void TestLimits::renewalEndsAfterThirtySeconds()
 {
     Site site;
     QCOMPARE(prepare(site), QString());
-    const QStringList silent{
-        "debug: postSetupThing() - m_chargeLimitTimer timeout.",
-        "debug: Have not heard from Holvex for more than 30s; do not send any signals"
-    };
+    const QStringList silent{"debug: postSetupThing() - m_chargeLimitTimer timeout.",
+                             "debug: Have not heard from Holvex for more than 30s; do not send any signals"};
     site.log.clear();
     site.fireChargeLimitTimer(); // no action yet
     QCOMPARE(site.story(), silent);
@@ -216,8 +215,8 @@ void TestLimits::renewalEndsAfterThirtySeconds()
     // What an action queues is sent nevertheless; it is the fence as well.
     QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 12)), "NoError");
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{ 10, 12 }));
-    QCOMPARE(site.backend.limits("EVSE-02"), QList<double>{ 16 });
+    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{10, 12}));
+    QCOMPARE(site.backend.limits("EVSE-02"), QList<double>{16});
 }
 
 void TestLimits::equalActionsAreSignsOfLife()
@@ -230,7 +229,7 @@ void TestLimits::equalActionsAreSignsOfLife()
     Site::moveClock(25);
     site.fireChargeLimitTimer();
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{ 16 });
+    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{16});
 }
 
 void TestLimits::restartIsSilent()
@@ -260,7 +259,7 @@ void TestLimits::limitsAreNotRetried()
     QVERIFY(site.poll());
     QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 12)), "NoError");
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{ 10, 12 }));
+    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{10, 12}));
 }
 
 void TestLimits::pollsGoOnWithoutAnswers()

@@ -9,12 +9,12 @@
 namespace {
 
 const QJsonObject charging{
-    {"timestamp",    "2024-05-01T12:00:00.500Z"},
-    { "status",      "Charging"                },
-    { "phase_1",     0.99                      },
-    { "phase_2",     1.0                       },
-    { "phase_3",     16                        },
-    { "meter_value", 2500                      }
+    {"timestamp",   "2024-05-01T12:00:00.500Z"},
+    {"status",      "Charging"                },
+    {"phase_1",     0.99                      },
+    {"phase_2",     1.0                       },
+    {"phase_3",     16                        },
+    {"meter_value", 2500                      }
 };
 
 /*! \a record with another member. */
@@ -26,7 +26,8 @@ QJsonObject with(QJsonObject record, const QString &key, const QJsonValue &value
 
 } // namespace
 
-class TestLiveMapping : public QObject {
+class TestLiveMapping : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void writesStatesInOrder();
@@ -51,9 +52,9 @@ void TestLiveMapping::writesStatesInOrder()
     site.log.clear();
     QVERIFY(site.poll());
     QCOMPARE(watch.changes,
-             (QStringList{ "timestamp 1714564800", "sessionEnergy 2.5", "state Charging", "pluggedIn true",
-                           "charging true", "currentPower 3910", "currentPhaseB 1", "currentPhaseC 16",
-                           "phaseCount 2" }));
+             (QStringList{"timestamp 1714564800", "sessionEnergy 2.5", "state Charging", "pluggedIn true",
+                          "charging true", "currentPower 3910", "currentPhaseB 1", "currentPhaseC 16",
+                          "phaseCount 2"}));
     QStringList story = site.story();
     story.erase(story.begin(), story.begin() + story.indexOf("debug: setupConnects() - valuesReceived"));
     QCOMPARE(story.size(), 5);
@@ -74,9 +75,9 @@ void TestLiveMapping::everyRecordReplacesTheLast_data()
     QTest::newRow("unknown status") << QJsonValue(with(charging, "status", "charging"))
                                     << QStringList("state Unavailable");
     QTest::newRow("no members") << QJsonValue(QJsonObject())
-                                << QStringList{ "sessionEnergy 0", "state Unavailable" };
-    QTest::newRow("no object") << QJsonValue(QJsonArray{ 1 })
-                               << QStringList{ "sessionEnergy 0", "state Unavailable" };
+                                << QStringList{"sessionEnergy 0", "state Unavailable"};
+    QTest::newRow("no object") << QJsonValue(QJsonArray{1})
+                               << QStringList{"sessionEnergy 0", "state Unavailable"};
 }
 
 void TestLiveMapping::everyRecordReplacesTheLast()
@@ -90,8 +91,8 @@ void TestLiveMapping::everyRecordReplacesTheLast()
     const StateWatch watch(site.wallbox("EVSE-01"));
     site.backend.values["EVSE-01"] = record;
     QVERIFY(site.poll());
-    const QStringList rest{ "charging false", "currentPower 0", "currentPhaseB 0", "currentPhaseC 0",
-                            "phaseCount 1" };
+    const QStringList rest{"charging false", "currentPower 0", "currentPhaseB 0", "currentPhaseC 0",
+                           "phaseCount 1"};
     QCOMPARE(watch.changes, first + rest);
 }
 
@@ -103,14 +104,14 @@ void TestLiveMapping::absentWallboxesComeFirst()
     QCOMPARE(site.addGateway(), QString());
     site.backend.setStatus("EVSE-01", "Preparing");
     QStringList order;
-    for (const char *infraId : { "EVSE-01", "EVSE-02" }) {
+    for (const char *infraId : {"EVSE-01", "EVSE-02"}) {
         connect(site.wallbox(infraId), &Thing::stateValueChanged, this,
                 [&order, infraId](const StateTypeId &, const QVariant &value) {
                     order.append(QString(infraId) + ' ' + value.toString());
                 });
     }
     QVERIFY(site.poll());
-    QCOMPARE(order, (QStringList{ "EVSE-02 false", "EVSE-01 Preparing", "EVSE-01 true" }));
+    QCOMPARE(order, (QStringList{"EVSE-02 false", "EVSE-01 Preparing", "EVSE-01 true"}));
 }
 
 void TestLiveMapping::absentWallboxKeepsItsStates()
@@ -131,14 +132,14 @@ void TestLiveMapping::absentWallboxKeepsItsStates()
     QVERIFY(site.poll());
     QCOMPARE(site.log.warnings().size(), 1);
     QCOMPARE(watch.changes,
-             (QStringList{ "connected false", "connected true", "connected false", "connected true" }));
+             (QStringList{"connected false", "connected true", "connected false", "connected true"}));
 }
 
 /*! Whoever hears that one wallbox is not connected may remove any of them. */
 void TestLiveMapping::listenersMayRemoveTheWallbox()
 {
     Site site;
-    for (const char *infraId : { "EVSE-02", "EVSE-03" })
+    for (const char *infraId : {"EVSE-02", "EVSE-03"})
         site.backend.setWallbox(infraId, 16);
     QCOMPARE(site.addGateway(), QString());
     const Things wallboxes = site.wallboxes();
@@ -157,13 +158,13 @@ void TestLiveMapping::unknownIdsAreSkipped()
 {
     Site site;
     QCOMPARE(site.addGateway(), QString());
-    for (const char *infraId : { "", "A-stranger", "EVSE-01" })
+    for (const char *infraId : {"", "A-stranger", "EVSE-01"})
         site.backend.values[infraId] = charging;
     site.log.clear();
     QVERIFY(site.poll());
-    QCOMPARE(site.story({ "debug: Values for device" }),
-             (QStringList{ R"(debug: Values for device "")", R"(debug: Values for device "A-stranger")",
-                           R"(debug: Values for device "EVSE-01")" }));
+    QCOMPARE(site.story({"debug: Values for device"}),
+             (QStringList{R"(debug: Values for device "")", R"(debug: Values for device "A-stranger")",
+                          R"(debug: Values for device "EVSE-01")"}));
     QCOMPARE(site.state("EVSE-01", "state"), QVariant("Charging"));
 }
 
@@ -172,13 +173,13 @@ void TestLiveMapping::timestampOnlyWhenReadable()
     Site site;
     QCOMPARE(site.addGateway(), QString());
     const StateWatch watch(site.wallbox("EVSE-01"));
-    for (const QJsonValue &timestamp : { QJsonValue("2024-05-01T12:00:00Z"), QJsonValue(""), QJsonValue(17),
-                                         QJsonValue("yesterday"), QJsonValue("2024-05-01T14:00:01+02:00") }) {
+    for (const QJsonValue &timestamp : {QJsonValue("2024-05-01T12:00:00Z"), QJsonValue(""), QJsonValue(17),
+                                        QJsonValue("yesterday"), QJsonValue("2024-05-01T14:00:01+02:00")}) {
         site.backend.values["EVSE-01"] = with({}, "timestamp", timestamp);
         QVERIFY(site.poll());
     }
     QCOMPARE(watch.changes.filter("timestamp"),
-             (QStringList{ "timestamp 1714564800", "timestamp 1714564801" }));
+             (QStringList{"timestamp 1714564800", "timestamp 1714564801"}));
 }
 
 void TestLiveMapping::energyAcrossSessions()
@@ -188,14 +189,14 @@ void TestLiveMapping::energyAcrossSessions()
     double total = 0;
     // Readings of the session's meter in Wh, and what each adds to the total in kWh.
     for (const auto &[meter, drawn] : {
-             std::pair{2500,  0.0      }, // where the session stood is not known
-             { 3500, 1.0      },
-             { 3500, 0.0      },
-             { 200,  0.0      }, // a new session
-             { 900,  0.9 - 0.2},
-             { 0,    0.0      },
-             { 400,  0.0      }, // nor from 0, which is what a restart looks like
-             { 500,  0.5 - 0.4}
+             std::pair{2500, 0.0      }, // where the session stood is not known
+             {3500, 1.0      },
+             {3500, 0.0      },
+             {200,  0.0      }, // a new session
+             {900,  0.9 - 0.2},
+             {0,    0.0      },
+             {400,  0.0      }, // nor from 0, which is what a restart looks like
+             {500,  0.5 - 0.4}
     }) {
         site.backend.values["EVSE-01"] = with({}, "meter_value", meter);
         QVERIFY(site.poll());
@@ -209,7 +210,7 @@ void TestLiveMapping::energyAcrossARestart()
 {
     Site site;
     QCOMPARE(site.addGateway(), QString());
-    for (const int meter : { 1000, 6000 }) {
+    for (const int meter : {1000, 6000}) {
         site.backend.values["EVSE-01"] = with(charging, "meter_value", meter);
         QVERIFY(site.poll());
     }
@@ -219,8 +220,8 @@ void TestLiveMapping::energyAcrossARestart()
     QCOMPARE(site.state("EVSE-01", "timestamp").toInt(), 1714564800);
     QCOMPARE(site.state("EVSE-01", "sessionEnergy").toDouble(), 0.0);
     for (const auto &[meter, total] : {
-             std::pair{7000,  5.0},
-             { 7500, 5.5}
+             std::pair{7000, 5.0},
+             {7500, 5.5}
     }) { // the same session goes on
         site.backend.values["EVSE-01"] = with(charging, "meter_value", meter);
         QVERIFY(site.poll());
@@ -235,7 +236,7 @@ void TestLiveMapping::repliesAppliedTwiceCountOnce()
     QCOMPARE(site.addGateway(), QString());
     QCOMPARE(site.addGateway(), QString());
     QCOMPARE(site.gateways().size(), 2);
-    for (const int meter : { 1000, 3000 }) {
+    for (const int meter : {1000, 3000}) {
         site.backend.values["EVSE-01"] = with(charging, "meter_value", meter);
         site.log.clear();
         QVERIFY(site.poll());

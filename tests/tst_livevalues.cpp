@@ -6,7 +6,8 @@
 #include <QDateTime>
 #include <QtTest>
 
-class TestLiveValues : public QObject {
+class TestLiveValues : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
@@ -30,11 +31,11 @@ void TestLiveValues::status_data()
 {
     QTest::addColumn<QString>("state");
     QTest::addColumn<bool>("charging");
-    for (const char *status : { "Available", "Preparing", "SuspendedEVSE", "SuspendedEV", "Finishing",
-                                "Reserved", "Unavailable", "Faulted" })
+    for (const char *status : {"Available", "Preparing", "SuspendedEVSE", "SuspendedEV", "Finishing",
+                               "Reserved", "Unavailable", "Faulted"})
         QTest::newRow(status) << status << false;
     QTest::newRow("Charging") << "Charging" << true;
-    for (const char *unknown : { "", "charging", "CHARGING", "Charging ", "Occupied" })
+    for (const char *unknown : {"", "charging", "CHARGING", "Charging ", "Occupied"})
         QTest::newRow(unknown) << "Unavailable" << false;
 }
 
@@ -42,10 +43,10 @@ void TestLiveValues::status()
 {
     QFETCH(bool, charging);
     const LiveValues values = mapLiveValues({
-        {"status",   QTest::currentDataTag()},
-        { "phase_1", 16                     },
-        { "phase_2", 16                     },
-        { "phase_3", 16                     }
+        {"status",  QTest::currentDataTag()},
+        {"phase_1", 16                     },
+        {"phase_2", 16                     },
+        {"phase_3", 16                     }
     });
     QTEST(values.state, "state");
     QCOMPARE(values.charging, charging);
@@ -62,12 +63,12 @@ void TestLiveValues::currents_data()
     QTest::addColumn<double>("power");
     QTest::addColumn<int>("phases");
     using V = QVector<double>;
-    QTest::newRow("1 A is the least") << V{ 0.99, 1.0, 16 } << V{ 0, 1, 16 } << 3910.0 << 2;
-    QTest::newRow("just below on all") << V{ 0.999, 0.999, 0.999 } << V{ 0, 0, 0 } << 0.0 << 1;
-    QTest::newRow("negative") << V{ -16, -1, 6 } << V{ 0, 0, 6 } << 1380.0 << 1;
-    QTest::newRow("one phase, not the first") << V{ 0, 0, 10 } << V{ 0, 0, 10 } << 2300.0 << 1;
-    QTest::newRow("rounded up, not to the nearest") << V{ 2.0001, 0, 0 } << V{ 2.0001, 0, 0 } << 460.03 << 1;
-    QTest::newRow("double arithmetic") << V{ 6.37, 6.37, 6.37 } << V{ 6.37, 6.37, 6.37 } << 4395.3 << 3;
+    QTest::newRow("1 A is the least") << V{0.99, 1.0, 16} << V{0, 1, 16} << 3910.0 << 2;
+    QTest::newRow("just below on all") << V{0.999, 0.999, 0.999} << V{0, 0, 0} << 0.0 << 1;
+    QTest::newRow("negative") << V{-16, -1, 6} << V{0, 0, 6} << 1380.0 << 1;
+    QTest::newRow("one phase, not the first") << V{0, 0, 10} << V{0, 0, 10} << 2300.0 << 1;
+    QTest::newRow("rounded up, not to the nearest") << V{2.0001, 0, 0} << V{2.0001, 0, 0} << 460.03 << 1;
+    QTest::newRow("double arithmetic") << V{6.37, 6.37, 6.37} << V{6.37, 6.37, 6.37} << 4395.3 << 3;
 }
 
 void TestLiveValues::currents()
@@ -75,12 +76,12 @@ void TestLiveValues::currents()
     QFETCH(QVector<double>, sent);
     QFETCH(double, power);
     const LiveValues values = mapLiveValues({
-        {"status",   "Charging"},
-        { "phase_1", sent[0]   },
-        { "phase_2", sent[1]   },
-        { "phase_3", sent[2]   }
+        {"status",  "Charging"},
+        {"phase_1", sent[0]   },
+        {"phase_2", sent[1]   },
+        {"phase_3", sent[2]   }
     });
-    const QVector<double> shown{ values.currentPhaseA, values.currentPhaseB, values.currentPhaseC };
+    const QVector<double> shown{values.currentPhaseA, values.currentPhaseB, values.currentPhaseC};
     QTEST(shown, "shown");
     QVERIFY2(values.currentPower == power, qPrintable(QString::number(values.currentPower, 'g', 17)));
     QTEST(values.phaseCount, "phases");
@@ -89,17 +90,17 @@ void TestLiveValues::currents()
 void TestLiveValues::mistypedMembers()
 {
     const LiveValues values = mapLiveValues({
-        {"status",       3   },
-        { "phase_1",     "16"},
-        { "meter_value", "12"},
-        { "timestamp",   17  }
+        {"status",      3   },
+        {"phase_1",     "16"},
+        {"meter_value", "12"},
+        {"timestamp",   17  }
     });
     QCOMPARE(values.state, "Unavailable");
     QCOMPARE(values.sessionEnergy, 0.0);
     QCOMPARE(values.timestampText, QString());
     QCOMPARE(mapLiveValues({
-                               {"status",   "Charging"},
-                               { "phase_1", "16"      }
+                               {"status",  "Charging"},
+                               {"phase_1", "16"      }
     })
                  .currentPower,
              0.0);
@@ -122,7 +123,7 @@ void TestLiveValues::timestamp_data()
     QTest::newRow("2024-05-01T14:00:00") << noon; // no designator: local time
     QTest::newRow("1969-12-31T23:59:50Z") << qint64(-10);
     QTest::newRow("2100-01-01T00:00:00Z") << qint64(4102444800);
-    for (const char *unreadable : { "", "yesterday", "2024-13-01T12:00:00Z", "1714564800", "12:00:00Z" })
+    for (const char *unreadable : {"", "yesterday", "2024-13-01T12:00:00Z", "1714564800", "12:00:00Z"})
         QTest::newRow(unreadable) << qint64(-1);
 }
 

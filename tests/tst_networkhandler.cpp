@@ -22,7 +22,8 @@ QString compact(const QJsonObject &object)
 }
 
 /*! A handler aimed at a backend of its own; what it emits is noted as "SIGNAL ARGUMENT". */
-class Client {
+class Client
+{
 public:
     Client()
     {
@@ -45,27 +46,28 @@ public:
     void call(Backend::Operation operation) const
     {
         QJsonObject limits{
-            {"a", QJsonObject{ { "value", 16 }, { "unit", "A" } }}
+            {"a", QJsonObject{{"value", 16}, {"unit", "A"}}}
         };
         if (operation == Backend::Online)
             handler->isOnline();
         else if (operation == Backend::GroupInfo)
             handler->getConnectedInfra();
         else if (operation == Backend::Values)
-            handler->getEvseValues({ "a", "b" });
+            handler->getEvseValues({"a", "b"});
         else
             handler->setProfileChargePowerLimit(limits);
     }
 
     LogRecorder log;
     ScriptedBackend backend;
-    QScopedPointer<NetworkHandler> handler{ new NetworkHandler };
+    QScopedPointer<NetworkHandler> handler{new NetworkHandler};
     QStringList signalled;
 };
 
 } // namespace
 
-class TestNetworkHandler : public QObject {
+class TestNetworkHandler : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void request_data();
@@ -113,7 +115,7 @@ void TestNetworkHandler::request()
     Client client;
     client.call(operation);
     QCOMPARE(client.log.lines(),
-             (QStringList{ "debug: " + line, QString("debug: Send Post Request \"%1\"").arg(target) }));
+             (QStringList{"debug: " + line, QString("debug: Send Post Request \"%1\"").arg(target)}));
     QTRY_COMPARE(client.backend.requests().size(), 1);
     const Backend::Request request = client.backend.requests().first();
     QCOMPARE(QString(request.target), target);
@@ -180,22 +182,22 @@ void TestNetworkHandler::failure_data()
     const QString infra = "getConnectedInfra() - Could not get info about connected devices.";
     const QString values = "getEvseValues() - Could not get info about EVSE values.";
     const QString limits = "setProfileChargePowerLimit() - Could not set profile power limit.";
-    for (const int status : { 404, 418, 500, -1, -2, 0 })
+    for (const int status : {404, 418, 500, -1, -2, 0})
         QTest::addRow("online %d", status) << Backend::Online << status << online << ""
                                            << "reachable 0";
-    for (const int status : { 400, 401, 403, 404, 500, 503, -1, -2, 0 })
+    for (const int status : {400, 401, 403, 404, 500, 503, -1, -2, 0})
         QTest::addRow("group info %d", status) << Backend::GroupInfo << status << infra << ""
                                                << "daemon 0";
     QTest::newRow("group info 418") << Backend::GroupInfo << 418 << infra
                                     << "warning: getConnectedInfra() - received status code 418"
                                     << "";
     for (const auto &[operation, what] : {
-             std::pair{Backend::Values,  values},
-             { Backend::Limits, limits}
+             std::pair{Backend::Values, values},
+             {Backend::Limits, limits}
     }) {
         const char *name = operation == Backend::Values ? "values" : "limits";
         // Without a response there is no status, which is not the same as a status of 0.
-        for (const int status : { 401, 404, 418, 500, -1, -2 })
+        for (const int status : {401, 404, 418, 500, -1, -2})
             QTest::addRow("%s %d", name, status) << operation << status << what << ""
                                                  << "";
         QTest::addRow("%s 400", name)
@@ -284,7 +286,7 @@ void TestNetworkHandler::secretReplacesTheCallers()
     Client client;
     QJsonObject body{
         {"secret", "caller's"},
-        { "other", 1         }
+        {"other",  1         }
     };
     client.handler->sendRequestPost("/is_online", body, [](QNetworkReply *) {});
     QCOMPARE(compact(body), R"({"other":1,"secret":"s3cret"})"); // changed in place
@@ -297,7 +299,7 @@ void TestNetworkHandler::secretIsNotLogged()
     Client client;
     client.handler->setServerInfo(client.backend.url(), "yard", "s3cret");
     QCOMPARE(client.log.lines(), QStringList("debug: Full URL is QUrl(\"" + client.backend.url() + "\")"));
-    for (const auto operation : { Backend::Online, Backend::GroupInfo, Backend::Values, Backend::Limits }) {
+    for (const auto operation : {Backend::Online, Backend::GroupInfo, Backend::Values, Backend::Limits}) {
         client.backend.answer(operation, 500);
         client.call(operation);
     }
@@ -318,7 +320,7 @@ void TestNetworkHandler::retargetingLeavesRequestsUnderWay()
     QTRY_COMPARE(client.signalled, QStringList("infra {}"));
     QTRY_COMPARE(client.backend.requests().size(), 1);
     QVERIFY(client.backend.release(Backend::GroupInfo, R"({"evse_ids":{"a":{}}})"));
-    QTRY_COMPARE(client.signalled, (QStringList{ "infra {}", R"(infra {"a":{}})" }));
+    QTRY_COMPARE(client.signalled, (QStringList{"infra {}", R"(infra {"a":{}})"}));
 
     QCOMPARE(client.backend.requests().first().target, QByteArray("/vela/get_group_info/yard"));
     QCOMPARE(compact(client.backend.requests().first().json()), R"({"secret":"s3cret"})");
@@ -330,7 +332,7 @@ void TestNetworkHandler::retargetingLeavesRequestsUnderWay()
 void TestNetworkHandler::deletionEndsRequests()
 {
     Client client;
-    for (const auto operation : { Backend::Online, Backend::GroupInfo }) {
+    for (const auto operation : {Backend::Online, Backend::GroupInfo}) {
         client.backend.hold(operation);
         client.call(operation);
     }
@@ -377,12 +379,12 @@ void TestNetworkHandler::interface()
     QStringList methods;
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
         methods.append(meta.method(i).methodSignature() + ' ' + meta.method(i).parameterNames().join(','));
-    QCOMPARE(methods,
-             (QStringList{ "daemonReachable(bool) state", "infraInfoReceived(QJsonObject) evseIds",
-                           "valuesReceived(QJsonObject) receivedValues",
-                           "evseIsOnline(QString,bool) device,state", "ocppDaemonStatus(bool) state",
-                           "getConnectedInfra() ", "isOnline() ", "getEvseValues(QJsonArray) devices",
-                           "setProfileChargePowerLimit(QJsonObject&) data" }));
+    QCOMPARE(
+        methods,
+        (QStringList{"daemonReachable(bool) state", "infraInfoReceived(QJsonObject) evseIds",
+                     "valuesReceived(QJsonObject) receivedValues", "evseIsOnline(QString,bool) device,state",
+                     "ocppDaemonStatus(bool) state", "getConnectedInfra() ", "isOnline() ",
+                     "getEvseValues(QJsonArray) devices", "setProfileChargePowerLimit(QJsonObject&) data"}));
 }
 
 QTEST_GUILESS_MAIN(TestNetworkHandler)

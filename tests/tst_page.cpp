@@ -16,14 +16,15 @@ const QString tab(QChar(0xe004));
 const QString enter(QChar(0xe007));
 
 /*! The running backend. Its cars get ready in half a second. */
-class Simulator {
+class Simulator
+{
 public:
     explicit Simulator(int port = 0, int wallboxes = 4)
     {
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(
             VELA_SIMULATOR,
-            { "--speed=6", "--port", QString::number(port), "--wallboxes", QString::number(wallboxes) });
+            {"--speed=6", "--port", QString::number(port), "--wallboxes", QString::number(wallboxes)});
         while (!m_process.canReadLine() && m_process.waitForReadyRead())
             continue;
         m_url = QUrl(QString::fromUtf8(m_process.readLine().trimmed()));
@@ -68,7 +69,8 @@ private:
 };
 
 /*! The host with the plugin, and the simulator as its gateway's backend. */
-class Home {
+class Home
+{
 public:
     explicit Home(const Simulator &simulator)
         : m_host(VELA_PLUGIN_FILE, m_storage.path())
@@ -100,7 +102,8 @@ QString card(int number)
 }
 } // namespace
 
-class TestPage : public QObject {
+class TestPage : public QObject
+{
     Q_OBJECT
 
 private Q_SLOTS:
@@ -239,27 +242,28 @@ void TestPage::asksWhenTheStreamIsBroken()
 void TestPage::handsReachTheControlEndpoint()
 {
     const QString more = card(2) + "summary";
-    const struct {
+    const struct
+    {
         QStringList steps; // what to click, or to fill: "selector|text"
         QString path;      // into the state
         QString value;
     } story[] = {
-        {{ card(2) + "[data-path=pause]" },                                                       "wallboxes.1.status", "SuspendedEV"},
-        { { card(2) + "[data-path=resume]" },                                                     "wallboxes.1.status", "Charging"   },
-        { { more, card(2) + "[data-path=break]" },                                                "wallboxes.1.status", "Faulted"    },
-        { { card(2) + "[data-path=mend]" },                                                       "wallboxes.1.status", "Charging"   },
-        { { card(2) + "[name=maxChargingCurrent]|20", card(2) + "[data-path=configure] button" },
-         "wallboxes.1.maxChargingCurrent",                                                                              "20"         },
-        { { card(2) + "[data-path=finish]" },                                                     "wallboxes.1.status", "Finishing"  },
-        { { card(2) + "[data-path=unplug]" },                                                     "wallboxes.1.status", "Available"  },
-        { { card(2) + "[data-path=remove]" },                                                     "wallboxes.1.id",     "EVSE-03"    },
-        { { ".add [name=id]|A1", ".add [name=maxChargingCurrent]|16", "#add" },                   "wallboxes.0.id",     "A1"         },
-        { { "[name=status]|503", "[name=delayMs]|10", "[data-path=fault] button" },               "fault.status",       "503"        },
-        { { "[name=garbage]", "[data-path=fault] button" },                                       "fault.garbage",      "true"       },
-        { { "[name=silent]", "[data-path=fault] button" },                                        "fault.silent",       "true"       },
-        { { "#behave" },                                                                          "fault.status",       ""           },
-        { { "[name=group]|north", "[data-path=group] button" },                                   "group",              "north"      },
-        { { "[name=factor]|2.5", "[data-path=speed] button" },                                    "speed",              "2.5"        },
+        {{card(2) + "[data-path=pause]"},                                                      "wallboxes.1.status", "SuspendedEV"},
+        {{card(2) + "[data-path=resume]"},                                                     "wallboxes.1.status", "Charging"   },
+        {{more, card(2) + "[data-path=break]"},                                                "wallboxes.1.status", "Faulted"    },
+        {{card(2) + "[data-path=mend]"},                                                       "wallboxes.1.status", "Charging"   },
+        {{card(2) + "[name=maxChargingCurrent]|20", card(2) + "[data-path=configure] button"},
+         "wallboxes.1.maxChargingCurrent",                                                                           "20"         },
+        {{card(2) + "[data-path=finish]"},                                                     "wallboxes.1.status", "Finishing"  },
+        {{card(2) + "[data-path=unplug]"},                                                     "wallboxes.1.status", "Available"  },
+        {{card(2) + "[data-path=remove]"},                                                     "wallboxes.1.id",     "EVSE-03"    },
+        {{".add [name=id]|A1", ".add [name=maxChargingCurrent]|16", "#add"},                   "wallboxes.0.id",     "A1"         },
+        {{"[name=status]|503", "[name=delayMs]|10", "[data-path=fault] button"},               "fault.status",       "503"        },
+        {{"[name=garbage]", "[data-path=fault] button"},                                       "fault.garbage",      "true"       },
+        {{"[name=silent]", "[data-path=fault] button"},                                        "fault.silent",       "true"       },
+        {{"#behave"},                                                                          "fault.status",       ""           },
+        {{"[name=group]|north", "[data-path=group] button"},                                   "group",              "north"      },
+        {{"[name=factor]|2.5", "[data-path=speed] button"},                                    "speed",              "2.5"        },
     };
     for (const auto &[steps, path, value] : story) {
         for (const QString &step : steps)
@@ -283,12 +287,12 @@ void TestPage::anyIdIsText()
 
 void TestPage::anyRequestIsText()
 {
-    const QByteArrayList bodies{ "",
-                                 "[1]",
-                                 R"({"evse_ids": 5})",
-                                 R"({"limits": "<i>"})",
-                                 R"({"limits": {"a": null}})",
-                                 R"({"limits": {"<i>": {"value": 9}}})" };
+    const QByteArrayList bodies{"",
+                                "[1]",
+                                R"({"evse_ids": 5})",
+                                R"({"limits": "<i>"})",
+                                R"({"limits": {"a": null}})",
+                                R"({"limits": {"<i>": {"value": 9}}})"};
     for (const QByteArray &body : bodies)
         m_simulator->send("POST", "/<i>", body);
     QTRY_COMPARE(m_browser->text("#log").count("404"), bodies.size());
@@ -301,7 +305,7 @@ void TestPage::anyRequestIsText()
 void TestPage::fitsTheWindow_data()
 {
     QTest::addColumn<int>("wallboxes");
-    for (const int wallboxes : { 1, 4, 32 })
+    for (const int wallboxes : {1, 4, 32})
         QTest::addRow("%d wallboxes", wallboxes) << wallboxes;
 }
 
@@ -311,7 +315,7 @@ void TestPage::fitsTheWindow()
     m_simulator = std::make_unique<Simulator>(0, wallboxes);
     m_browser->open(m_simulator->url());
     QTRY_COMPARE(m_browser->run("return document.querySelectorAll('.card').length"), QJsonValue(wallboxes));
-    for (const int width : { 360, 720, 900, 1200, 1600 }) {
+    for (const int width : {360, 720, 900, 1200, 1600}) {
         m_browser->resize(width, 900);
         QCOMPARE(m_browser->run("return innerWidth"), QJsonValue(width));
         QVERIFY(m_browser->run("return document.documentElement.scrollWidth").toInt() <= width);
@@ -337,7 +341,7 @@ bool TestPage::tabTo(const QString &selector)
 {
     const QString isThere = "return document.activeElement.matches(arguments[0])";
     for (int presses = 0; presses < 60; ++presses) {
-        if (m_browser->run(isThere, { selector }).toBool())
+        if (m_browser->run(isThere, {selector}).toBool())
             return true;
         m_browser->press(tab);
     }
@@ -349,7 +353,7 @@ double TestPage::height(const QString &line, int end)
 {
     const QString script = "const path = document.querySelector('#plot path.' + arguments[0]);"
                            "return path.getPointAtLength(path.getTotalLength() * arguments[1]).y";
-    return m_browser->run(script, { line, end }).toDouble();
+    return m_browser->run(script, {line, end}).toDouble();
 }
 
 QTEST_GUILESS_MAIN(TestPage)

@@ -15,17 +15,18 @@ namespace {
 constexpr char program[] = VELA_PROBE_FILE;
 
 /*! A backend with two wallboxes that the plugin would work with. */
-class GoodBackend : public ScriptedBackend {
+class GoodBackend : public ScriptedBackend
+{
 public:
     GoodBackend()
     {
         const QJsonObject record{
-            {"timestamp",    QDateTime::currentDateTimeUtc().toString(Qt::ISODate)},
-            { "status",      "Charging"                                           },
-            { "meter_value", 3500                                                 },
-            { "phase_1",     16                                                   },
+            {"timestamp",   QDateTime::currentDateTimeUtc().toString(Qt::ISODate)},
+            {"status",      "Charging"                                           },
+            {"meter_value", 3500                                                 },
+            {"phase_1",     16                                                   },
         };
-        for (const char *infraId : { "EVSE-01", "EVSE-02" }) {
+        for (const char *infraId : {"EVSE-01", "EVSE-02"}) {
             setWallbox(infraId, 16);
             values.insert(infraId, record);
         }
@@ -33,7 +34,8 @@ public:
 };
 
 /*! The probe's run: its exit status, -1 after a crash, and what it printed. */
-struct Run {
+struct Run
+{
     int status = -1;
     QString out;
     QString err;
@@ -57,9 +59,9 @@ Run run(const QStringList &arguments, const QString &secret = "s3cret")
     loop.exec();
     if (process.state() != QProcess::NotRunning)
         return {};
-    return { process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-             QString::fromUtf8(process.readAllStandardOutput()),
-             QString::fromUtf8(process.readAllStandardError()) };
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
 }
 
 /*! What is on the wire, without the header that names the port. */
@@ -83,7 +85,8 @@ QString wire(const QList<ScriptedBackend::Request> &requests)
 
 Q_DECLARE_METATYPE(ScriptedBackend::Operation)
 
-class TestProbe : public QObject {
+class TestProbe : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void asksWhatThePluginAsks();
@@ -105,7 +108,7 @@ private Q_SLOTS:
 void TestProbe::asksWhatThePluginAsks()
 {
     const GoodBackend probed;
-    const Run probe = run({ "--set-limit", "EVSE-01=10", probed.url() + "/api", "north yard" });
+    const Run probe = run({"--set-limit", "EVSE-01=10", probed.url() + "/api", "north yard"});
     QVERIFY2(probe.out.contains("The plugin would work with this backend (problems: 0, remarks: 1).\n"),
              qPrintable(probe.out + probe.err));
     QCOMPARE(probe.status, 0);
@@ -115,13 +118,13 @@ void TestProbe::asksWhatThePluginAsks()
     NetworkHandler plugin;
     plugin.setServerInfo(polled.url() + "/api", "north yard", "s3cret");
     QJsonObject limits{
-        {"EVSE-01", QJsonObject{ { "value", 10.0 }, { "unit", "A" } }}
+        {"EVSE-01", QJsonObject{{"value", 10.0}, {"unit", "A"}}}
     };
     plugin.isOnline();
     QTRY_COMPARE(polled.requests().size(), 1);
     plugin.getConnectedInfra();
     QTRY_COMPARE(polled.requests().size(), 2);
-    plugin.getEvseValues({ "EVSE-01", "EVSE-02" });
+    plugin.getEvseValues({"EVSE-01", "EVSE-02"});
     QTRY_COMPARE(polled.requests().size(), 3);
     plugin.setProfileChargePowerLimit(limits);
     QTRY_COMPARE(polled.requests().size(), 4);
@@ -135,16 +138,16 @@ void TestProbe::asksWhatThePluginAsks()
 void TestProbe::limitIsSentOnlyOnDemand()
 {
     const GoodBackend backend;
-    QCOMPARE(run({ backend.url(), "yard" }).status, 0);
-    QCOMPARE(run({ "--set-limit=EVSE-02=0", backend.url(), "yard" }).status, 0);
+    QCOMPARE(run({backend.url(), "yard"}).status, 0);
+    QCOMPARE(run({"--set-limit=EVSE-02=0", backend.url(), "yard"}).status, 0);
     QCOMPARE(backend.limits("EVSE-01"), QList<double>());
-    QCOMPARE(backend.limits("EVSE-02"), QList<double>{ 0 });
+    QCOMPARE(backend.limits("EVSE-02"), QList<double>{0});
 }
 
 void TestProbe::limitStaysWithinTheGroup()
 {
     const GoodBackend backend;
-    const Run probe = run({ "--set-limit", "EVSE-01=32", backend.url(), "yard" });
+    const Run probe = run({"--set-limit", "EVSE-01=32", backend.url(), "yard"});
     QVERIFY2(probe.out.contains("PROBLEM  EVSE-01: 32 A is more than the 16 A that the group allows it"),
              qPrintable(probe.out));
     QCOMPARE(probe.status, 1);
@@ -191,7 +194,7 @@ void TestProbe::fault()
     QFETCH(QString, sentence);
     GoodBackend backend;
     backend.answer(operation, httpStatus, body);
-    const Run probe = run({ "--set-limit", "EVSE-01=6", backend.url(), "yard" });
+    const Run probe = run({"--set-limit", "EVSE-01=6", backend.url(), "yard"});
     QVERIFY2(probe.out.contains(sentence), qPrintable(probe.out + probe.err));
     QVERIFY2(probe.out.contains(QString("answer   HTTP %1 after ").arg(httpStatus)), qPrintable(probe.out));
     QTEST(probe.status, "status");
@@ -204,7 +207,7 @@ void TestProbe::nobodyThere()
     GoodBackend backend;
     const QString url = backend.url();
     backend.shutDown();
-    const Run probe = run({ url, "yard" });
+    const Run probe = run({url, "yard"});
     QVERIFY2(probe.out.contains("PROBLEM  nothing listens there"), qPrintable(probe.out));
     QVERIFY2(probe.out.contains("Live values\n  skipped  the backend is out of reach\n"),
              qPrintable(probe.out));
@@ -216,7 +219,7 @@ void TestProbe::silentBackendIsGivenUp()
     GoodBackend backend;
     backend.hold(ScriptedBackend::Online);
     backend.hold(ScriptedBackend::Values);
-    const Run probe = run({ "--timeout", "0.25", backend.url(), "yard" });
+    const Run probe = run({"--timeout", "0.25", backend.url(), "yard"});
     QVERIFY2(probe.out.contains("remark   no answer within 0.25 s (the plugin itself does without"),
              qPrintable(probe.out));
     QVERIFY2(probe.out.contains("PROBLEM  no answer within 0.25 s; the plugin would wait on"),
@@ -231,18 +234,18 @@ void TestProbe::usage_data()
     const QString limit = "--set-limit takes EVSE=AMPERE, with 0 or 6 to 32 whole amperes";
     const QString timeout = "--timeout takes seconds, more than 0 and up to 3600";
     const QString arguments = "takes exactly URL and GROUP; the secret is no argument, see --secret-file";
-    QTest::newRow("no group") << QStringList{ "http://x" } << arguments;
-    QTest::newRow("secret as an argument") << QStringList{ "http://x", "yard", "s3cret" } << arguments;
+    QTest::newRow("no group") << QStringList{"http://x"} << arguments;
+    QTest::newRow("secret as an argument") << QStringList{"http://x", "yard", "s3cret"} << arguments;
     QTest::newRow("secret as an option")
-        << QStringList{ "--secret=s3cret", "http://x", "yard" } << "Unknown option 'secret'.";
-    QTest::newRow("empty group") << QStringList{ "http://x", "" } << "neither URL nor GROUP may be empty";
-    QTest::newRow("no file") << QStringList{ "--secret-file", "/nowhere", "http://x", "yard" }
+        << QStringList{"--secret=s3cret", "http://x", "yard"} << "Unknown option 'secret'.";
+    QTest::newRow("empty group") << QStringList{"http://x", ""} << "neither URL nor GROUP may be empty";
+    QTest::newRow("no file") << QStringList{"--secret-file", "/nowhere", "http://x", "yard"}
                              << "cannot read /nowhere: No such file or directory";
-    QTest::newRow("no current") << QStringList{ "--set-limit", "EVSE-01", "http://x", "yard" } << limit;
-    QTest::newRow("no wallbox") << QStringList{ "--set-limit", "=6", "http://x", "yard" } << limit;
-    QTest::newRow("too little") << QStringList{ "--set-limit", "EVSE-01=5", "http://x", "yard" } << limit;
-    QTest::newRow("never") << QStringList{ "--timeout", "0", "http://x", "yard" } << timeout;
-    QTest::newRow("soon") << QStringList{ "--timeout", "nan", "http://x", "yard" } << timeout;
+    QTest::newRow("no current") << QStringList{"--set-limit", "EVSE-01", "http://x", "yard"} << limit;
+    QTest::newRow("no wallbox") << QStringList{"--set-limit", "=6", "http://x", "yard"} << limit;
+    QTest::newRow("too little") << QStringList{"--set-limit", "EVSE-01=5", "http://x", "yard"} << limit;
+    QTest::newRow("never") << QStringList{"--timeout", "0", "http://x", "yard"} << timeout;
+    QTest::newRow("soon") << QStringList{"--timeout", "nan", "http://x", "yard"} << timeout;
 }
 
 void TestProbe::usage()
@@ -262,11 +265,11 @@ void TestProbe::secretFromFile()
     file.write("from the file\n");
     file.close();
     const GoodBackend backend;
-    QCOMPARE(run({ "--secret-file", file.fileName(), backend.url(), "yard" }, "from outside").status, 0);
+    QCOMPARE(run({"--secret-file", file.fileName(), backend.url(), "yard"}, "from outside").status, 0);
     QCOMPARE(backend.requests().value(0).json().value("secret").toString(), QString("from the file"));
 
     QCOMPARE(
-        run({ backend.url(), "yard" }, QString()).err,
+        run({backend.url(), "yard"}, QString()).err,
         QString("vela-probe: no secret: name a file with --secret-file, or set VELA_SECRET (--help tells "
                 "more)\n"));
 }
@@ -282,8 +285,8 @@ void TestProbe::secretFromTerminal()
     connect(&terminal, &QProcess::readyReadStandardOutput, &terminal,
             [&terminal, &shown] { shown += QString::fromUtf8(terminal.readAllStandardOutput()); });
     terminal.start("script",
-                   { "--quiet", "--return", "--flush", "--command",
-                     QString("'%1' %2 yard").arg(program, backend.url()), "/dev/null" });
+                   {"--quiet", "--return", "--flush", "--command",
+                    QString("'%1' %2 yard").arg(program, backend.url()), "/dev/null"});
     QTRY_COMPARE(shown, QString("Group secret: "));
     terminal.write("s3cret\n");
     QTRY_COMPARE(terminal.state(), QProcess::NotRunning);
@@ -309,12 +312,12 @@ void TestProbe::secretIsNotRepeated()
     record.insert("status", secret);
     backend.values.insert(secret, record);
     backend.answer(ScriptedBackend::Limits, 403, R"({"sent": ["s3\"cr\u00e9t"]})");
-    const Run probe = run({ format, "--set-limit", "EVSE-01=6", backend.url(), "yard" }, secret);
+    const Run probe = run({format, "--set-limit", "EVSE-01=6", backend.url(), "yard"}, secret);
     QCOMPARE(backend.requests().value(0).json().value("secret").toString(), secret);
 
     const QString token = QString::fromUtf8(backend.requests().value(0).headers.value("authorization"));
     backend.answer(ScriptedBackend::GroupInfo, 401, token.toUtf8());
-    const Run second = run({ format, backend.url(), "yard" }, secret);
+    const Run second = run({format, backend.url(), "yard"}, secret);
     const QString printed = probe.out + probe.err + second.out + second.err;
     QCOMPARE(printed.count("refuses"), 2);
     QVERIFY2(printed.contains("no connector status"), qPrintable(printed));
@@ -326,7 +329,7 @@ void TestProbe::jsonDocument()
 {
     GoodBackend backend;
     backend.wallboxes.insert("EVSE-01", "32");
-    const Run probe = run({ "--json", backend.url(), "yard" });
+    const Run probe = run({"--json", backend.url(), "yard"});
     const QJsonObject document = QJsonDocument::fromJson(probe.out.toUtf8()).object();
     QCOMPARE(document.value("works"), QJsonValue(false));
     QCOMPARE(document.value("problems"), QJsonValue(1));
@@ -334,7 +337,7 @@ void TestProbe::jsonDocument()
     const QJsonArray array = document.value("steps").toArray();
     for (const QJsonValue &step : array)
         steps.append(step.toObject().value("step").toString());
-    QCOMPARE(steps, (QStringList{ "url", "online-check", "group-info", "live-values" }));
+    QCOMPARE(steps, (QStringList{"url", "online-check", "group-info", "live-values"}));
     const QJsonObject groupInfo = array.at(2).toObject();
     const QJsonObject finding = groupInfo.value("findings").toArray().at(0).toObject();
     QCOMPARE(finding.value("kind"), QJsonValue("problem"));

@@ -7,7 +7,8 @@
 
 using Backend = ScriptedBackend;
 
-class TestRemoval : public QObject {
+class TestRemoval : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void oneOfTwoWallboxes();
@@ -24,7 +25,7 @@ private Q_SLOTS:
 
 namespace {
 
-const QStringList steps{ "debug: Vela Plugin removed", "debug: thingRemoved()" };
+const QStringList steps{"debug: Vela Plugin removed", "debug: thingRemoved()"};
 
 } // namespace
 
@@ -52,8 +53,8 @@ void TestRemoval::limitOfARemovedWallboxIsSent()
     QVERIFY(site.poll());
     site.fireChargeLimitTimer(); // the renewal has forgotten it
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{ 8 });
-    QCOMPARE(site.backend.limits("EVSE-02"), QList<double>{ 0 });
+    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{8});
+    QCOMPARE(site.backend.limits("EVSE-02"), QList<double>{0});
 }
 
 void TestRemoval::lastThingReleasesEverything()
@@ -64,10 +65,10 @@ void TestRemoval::lastThingReleasesEverything()
     site.log.clear();
     site.remove(site.gateway()); // the wallbox under it goes first
     QCOMPARE(site.story(),
-             (QStringList{ "debug: Vela Plugin removed", "debug: Vela Plugin removed",
-                           "debug: thingRemoved() - Stopping chargeLimit Timer.",
-                           "debug: thingRemoved() - Stopping update timer.",
-                           "debug: thingRemoved() - Deleting networkHandler." }));
+             (QStringList{"debug: Vela Plugin removed", "debug: Vela Plugin removed",
+                          "debug: thingRemoved() - Stopping chargeLimit Timer.",
+                          "debug: thingRemoved() - Stopping update timer.",
+                          "debug: thingRemoved() - Deleting networkHandler."}));
     QCOMPARE(site.chargeLimitTimers().size(), 0);
     QTRY_COMPARE(site.pluginTimers().size(), 0);
     QTRY_COMPARE(site.backend.openConnections(), 0);
@@ -85,9 +86,8 @@ void TestRemoval::nothingToRelease()
     const Job setup = site.add(discovery->offers.first());
     QTRY_COMPARE(site.backend.requests().size(), 2);
     site.remove(site.daemon->findChild<Thing *>());
-    QCOMPARE(
-        site.story(steps),
-        (QStringList{ "debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler." }));
+    QCOMPARE(site.story(steps),
+             (QStringList{"debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler."}));
     QTRY_COMPARE(site.backend.openConnections(), 0);
     QVERIFY(setup->text != "NoError");
 }
@@ -96,7 +96,7 @@ void TestRemoval::requestsUnderWay()
 {
     Site site;
     QCOMPARE(site.addGateway(), QString());
-    for (const Backend::Operation operation : { Backend::Values, Backend::Limits, Backend::GroupInfo })
+    for (const Backend::Operation operation : {Backend::Values, Backend::Limits, Backend::GroupInfo})
         site.backend.hold(operation);
     const Job action = site.set("EVSE-01", "maxChargingCurrent", 8);
     site.tick();
@@ -121,7 +121,7 @@ void TestRemoval::answerForARemovedWallbox()
     site.tick();
     QTRY_COMPARE(site.backend.requests(Backend::Values).size(), 1);
     site.remove(site.wallbox("EVSE-01"));
-    for (const char *infraId : { "EVSE-01", "EVSE-02" })
+    for (const char *infraId : {"EVSE-01", "EVSE-02"})
         site.backend.setStatus(infraId, "Charging");
     QVERIFY(site.backend.release(Backend::Values));
     QTRY_COMPARE(site.state("EVSE-02", "state").toString(), "Charging");
@@ -152,10 +152,10 @@ void TestRemoval::comesBack()
     QTRY_COMPARE(site.pluginTimers().size(), 1);
     QCOMPARE(site.chargeLimitTimers().size(), 1);
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{ 8 }); // has waited in the queue all the time
-    site.fireChargeLimitTimer();                                  // and the action still counts as recent
+    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{8}); // has waited in the queue all the time
+    site.fireChargeLimitTimer();                                // and the action still counts as recent
     QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{ 8, 0 }));
+    QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{8, 0}));
 }
 
 /*! The client's own answer takes the only kept thing away, and with it the client. */
@@ -169,9 +169,8 @@ void TestRemoval::strayWallboxGoesWhileTheGatewayIsNew()
     stray.setParams(params);
     QCOMPARE(Site::result(site.add(stray)), "NoError");
     QCOMPARE(site.addGateway(), QString());
-    QCOMPARE(
-        site.story(steps),
-        (QStringList{ "debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler." }));
+    QCOMPARE(site.story(steps),
+             (QStringList{"debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler."}));
     site.tick(); // there is nobody to ask
     // Set up again, the gateway has a client again.
     QCOMPARE(Site::result(site.setup(site.gateway())), "NoError");

@@ -11,7 +11,8 @@
 
 using Backend = ScriptedBackend;
 
-class TestSetup : public QObject {
+class TestSetup : public QObject
+{
     Q_OBJECT
 private Q_SLOTS:
     void gatewayTellsItsStory();
@@ -39,19 +40,18 @@ void TestSetup::gatewayTellsItsStory()
     connect(site.daemon->plugin(), &IntegrationPlugin::autoThingsAppeared, this,
             [&finishedBefore, job] { finishedBefore.append(job->isFinished()); });
     QCOMPARE(Site::result(setup), "NoError");
-    QCOMPARE(finishedBefore, QList<bool>{ true }); // wallboxes are announced by a gateway that is set up
+    QCOMPARE(finishedBefore, QList<bool>{true}); // wallboxes are announced by a gateway that is set up
     QTRY_COMPARE(site.log.count("debug: Post Setup OCPP Plugin."), 2); // gateway and wallbox
-    QCOMPARE(
-        site.story(),
-        (QStringList{ "debug: Setup OCPP Plugin: Thing(Tavensolis VELA)", "debug: Full URL is QUrl(\"URL\")",
-                      "debug: Get info about connected WBs.",
-                      "debug: Send Post Request \"/vela/get_group_info/yard\"",
-                      "debug: getConnectedInfra() - Received information about connected infrastructure.",
-                      R"(debug: QJsonObject({"EVSE-01":{"max_charging_current":16}}))",
-                      "debug: checkAutoCreate() called", "debug: Setup thing for \"EVSE-01\"",
-                      "debug: Setup OCPP Plugin: Thing(EVSE-01)", "debug: Should setup wallbox",
-                      "debug: OCPP: Setup nymea connections.", "debug: Post Setup OCPP Plugin.",
-                      "debug: Post Setup OCPP Plugin." }));
+    QCOMPARE(site.story(),
+             (QStringList{"debug: Setup OCPP Plugin: Thing(Tavensolis VELA)",
+                          "debug: Full URL is QUrl(\"URL\")", "debug: Get info about connected WBs.",
+                          "debug: Send Post Request \"/vela/get_group_info/yard\"",
+                          "debug: getConnectedInfra() - Received information about connected infrastructure.",
+                          R"(debug: QJsonObject({"EVSE-01":{"max_charging_current":16}}))",
+                          "debug: checkAutoCreate() called", "debug: Setup thing for \"EVSE-01\"",
+                          "debug: Setup OCPP Plugin: Thing(EVSE-01)", "debug: Should setup wallbox",
+                          "debug: OCPP: Setup nymea connections.", "debug: Post Setup OCPP Plugin.",
+                          "debug: Post Setup OCPP Plugin."}));
 }
 
 void TestSetup::gatewayWaitsForTheBackend_data()
@@ -142,7 +142,7 @@ void TestSetup::wallboxMovesMaximumBeforeValue()
     const StateWatch watch(wallbox);
     QCOMPARE(Site::result(site.setup(wallbox)), "NoError");
     QCOMPARE(watch.changes,
-             (QStringList{ "connected true", "maxChargingCurrent max 12", "maxChargingCurrent 12" }));
+             (QStringList{"connected true", "maxChargingCurrent max 12", "maxChargingCurrent 12"}));
 }
 
 /*! A restored wallbox is ready while the gateway still waits, and even where there is none. */
@@ -161,8 +161,8 @@ void TestSetup::wallboxNeedsNoGateway()
     QCOMPARE(site.state("EVSE-07", "maxChargingCurrent"), QVariant(10U));
     QCOMPARE(site.pluginTimers().size() + site.chargeLimitTimers().size(), 0);
     QCOMPARE(site.story(),
-             (QStringList{ "debug: Setup OCPP Plugin: Thing(Lone)", "debug: Should setup wallbox",
-                           "debug: Post Setup OCPP Plugin." }));
+             (QStringList{"debug: Setup OCPP Plugin: Thing(Lone)", "debug: Should setup wallbox",
+                          "debug: Post Setup OCPP Plugin."}));
 }
 
 void TestSetup::timersExistOnce()
@@ -219,7 +219,7 @@ void TestSetup::restartRestoresEverything()
     QTRY_COMPARE(site.pluginTimers().size(), 1);
     QCOMPARE(site.log.count("debug: Setup thing for"), 0); // all are known
     QVERIFY(site.poll());
-    QCOMPARE(site.polledIds(), (QStringList{ "EVSE-01", "EVSE-02" }));
+    QCOMPARE(site.polledIds(), (QStringList{"EVSE-01", "EVSE-02"}));
 }
 
 /*! The one set up last has the values, and either one's removal takes the entry. */

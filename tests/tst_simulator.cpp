@@ -20,7 +20,7 @@
 using namespace std::chrono_literals;
 
 namespace {
-constexpr Seconds readyTime{ 3 }; // how long a car takes from the plug to its first ampere
+constexpr Seconds readyTime{3}; // how long a car takes from the plug to its first ampere
 
 using Prepare = void (*)(Wallbox &);
 
@@ -42,7 +42,8 @@ QJsonObject json(const char *text)
     return QJsonDocument::fromJson(text).object();
 }
 
-struct Answer {
+struct Answer
+{
     int status = 0; //!< 0: none
     QByteArray body;
     QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
@@ -51,9 +52,10 @@ struct Answer {
 
 /*! The running program, and a client for it. Time stands still in its yard unless \a arguments say otherwise.
  */
-class Simulator {
+class Simulator
+{
 public:
-    explicit Simulator(QStringList arguments = { QStringLiteral("--speed"), QStringLiteral("0") })
+    explicit Simulator(QStringList arguments = {QStringLiteral("--speed"), QStringLiteral("0")})
     {
         arguments << QStringLiteral("--port") << QStringLiteral("0");
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -89,7 +91,7 @@ public:
     {
         if (!reply->isFinished() && !QSignalSpy(reply, &QNetworkReply::finished).wait(10000))
             return {};
-        return { reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll() };
+        return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll()};
     }
 
     QNetworkReply *startBackend(const char *path, QJsonObject body = {})
@@ -125,7 +127,7 @@ public:
     QJsonObject values(const QString &id)
     {
         const QJsonObject body{
-            {QStringLiteral("evse_ids"), QJsonArray{ id }}
+            {QStringLiteral("evse_ids"), QJsonArray{id}}
         };
         const QJsonObject reply = backend("/vela/get_values/yard", body).json();
         return reply.value(QLatin1String("values")).toObject().value(id).toObject();
@@ -154,7 +156,8 @@ QByteArray exchange(QTcpSocket &socket, const QByteArray &text, const QByteArray
 } // namespace
 Q_DECLARE_METATYPE(Prepare)
 
-class TestSimulator : public QObject {
+class TestSimulator : public QObject
+{
     Q_OBJECT
 
 private Q_SLOTS:
@@ -252,13 +255,13 @@ void TestSimulator::currents_data()
     QTest::addColumn<int>("wallboxMaximum");
     QTest::addColumn<double>("limit");
     QTest::addColumn<Currents>("currents");
-    QTest::newRow("the car's own maximum") << 3 << 16.0 << 32 << 20.0 << Currents{ 16, 16, 16 };
-    QTest::newRow("the limit") << 3 << 16.0 << 32 << 7.5 << Currents{ 7.5, 7.5, 7.5 };
-    QTest::newRow("the wallbox's maximum") << 3 << 32.0 << 16 << 20.0 << Currents{ 16, 16, 16 };
-    QTest::newRow("one phase") << 1 << 32.0 << 32 << 20.0 << Currents{ 20, 0, 0 };
-    QTest::newRow("two phases") << 2 << 32.0 << 32 << 20.0 << Currents{ 20, 20, 0 };
-    QTest::newRow("too little") << 3 << 16.0 << 32 << 5.0 << Currents{ 0, 0, 0 };
-    QTest::newRow("no limit received") << 3 << 63.0 << 20 << -1.0 << Currents{ 20, 20, 20 };
+    QTest::newRow("the car's own maximum") << 3 << 16.0 << 32 << 20.0 << Currents{16, 16, 16};
+    QTest::newRow("the limit") << 3 << 16.0 << 32 << 7.5 << Currents{7.5, 7.5, 7.5};
+    QTest::newRow("the wallbox's maximum") << 3 << 32.0 << 16 << 20.0 << Currents{16, 16, 16};
+    QTest::newRow("one phase") << 1 << 32.0 << 32 << 20.0 << Currents{20, 0, 0};
+    QTest::newRow("two phases") << 2 << 32.0 << 32 << 20.0 << Currents{20, 20, 0};
+    QTest::newRow("too little") << 3 << 16.0 << 32 << 5.0 << Currents{0, 0, 0};
+    QTest::newRow("no limit received") << 3 << 63.0 << 20 << -1.0 << Currents{20, 20, 20};
 }
 
 void TestSimulator::currents()
@@ -267,12 +270,12 @@ void TestSimulator::currents()
     QFETCH(double, carMaximum);
     QFETCH(int, wallboxMaximum);
     QFETCH(double, limit);
-    Wallbox wallbox = chargingWallbox({ phases, carMaximum });
+    Wallbox wallbox = chargingWallbox({phases, carMaximum});
     wallbox.setMaxChargingCurrent(wallboxMaximum);
     if (limit >= 0)
         wallbox.setLimit(limit);
     const auto currents = wallbox.currents();
-    QTEST((QVector<double>{ currents[0], currents[1], currents[2] }), "currents");
+    QTEST((QVector<double>{currents[0], currents[1], currents[2]}), "currents");
     QCOMPARE(wallbox.power(), (currents[0] + currents[1] + currents[2]) * 230);
 }
 
@@ -301,7 +304,7 @@ void TestSimulator::refusedOperations()
         else
             QCOMPARE(tried.status(), wallbox.status());
     };
-    attempt("plug", [](Wallbox &tried) { return tried.plugIn({ 1, 10 }); });
+    attempt("plug", [](Wallbox &tried) { return tried.plugIn({1, 10}); });
     attempt("unplug", [](Wallbox &tried) { return tried.unplug(); });
     attempt("pause", [](Wallbox &tried) { return tried.pause(); });
     attempt("resume", [](Wallbox &tried) { return tried.resume(); });
@@ -312,7 +315,7 @@ void TestSimulator::refusedOperations()
 void TestSimulator::meterCountsTheSession()
 {
     Wallbox wallbox;
-    wallbox.plugIn({ 3, 16 });
+    wallbox.plugIn({3, 16});
     wallbox.advance(readyTime + 30min); // getting ready takes no energy, however far one step reaches
     QCOMPARE(wallbox.sessionEnergy(), 5520.0);
     wallbox.setLimit(8);
@@ -389,8 +392,8 @@ void TestSimulator::strictness()
 
 void TestSimulator::answersAsThePluginReads()
 {
-    Simulator simulator({ QStringLiteral("--wallboxes"), QStringLiteral("2"), QStringLiteral("--speed"),
-                          QStringLiteral("0") });
+    Simulator simulator(
+        {QStringLiteral("--wallboxes"), QStringLiteral("2"), QStringLiteral("--speed"), QStringLiteral("0")});
     QCOMPARE(
         simulator.backend("/vela/get_group_info/yard").json().value(QLatin1String("evse_ids")).toObject(),
         json(R"({"EVSE-01": {"max_charging_current": 32}, "EVSE-02": {"max_charging_current": 32}})"));
@@ -399,7 +402,7 @@ void TestSimulator::answersAsThePluginReads()
         simulator.backend("/vela/get_values/yard", json(R"({"evse_ids": ["EVSE-02", "?"]})")).json();
     QCOMPARE(reply.value(QLatin1String("success")), QJsonValue(true));
     QJsonObject values = reply.value(QLatin1String("values")).toObject();
-    QCOMPARE(values.keys(), QStringList{ QStringLiteral("EVSE-02") }); // an unknown id is left out
+    QCOMPARE(values.keys(), QStringList{QStringLiteral("EVSE-02")}); // an unknown id is left out
     QJsonObject record = values.value(QLatin1String("EVSE-02")).toObject();
     const QString time = record.take(QStringLiteral("timestamp")).toString();
     static const QRegularExpression utcWithMs(QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$)"));
@@ -440,19 +443,19 @@ void TestSimulator::limitSteersTheCar()
                                                                       : QString());
     }
     QCOMPARE(received,
-             (QStringList{ QStringLiteral("EVSE-01 10 applied"), QStringLiteral("gone 8 "),
-                           QStringLiteral("EVSE-01 0 applied") }));
+             (QStringList{QStringLiteral("EVSE-01 10 applied"), QStringLiteral("gone 8 "),
+                          QStringLiteral("EVSE-01 0 applied")}));
 }
 
 void TestSimulator::badLimitVoidsTheRequest()
 {
     Simulator simulator;
-    const char *badLimits[] = { R"({"value": -1, "unit": "A"})", R"({"value": "9", "unit": "A"})",
-                                R"({"value": 9, "unit": "W"})", R"({"value": 9})", R"({"unit": "A"})" };
+    const char *badLimits[] = {R"({"value": -1, "unit": "A"})", R"({"value": "9", "unit": "A"})",
+                               R"({"value": 9, "unit": "W"})", R"({"value": 9})", R"({"unit": "A"})"};
     for (const char *bad : badLimits) {
         const QJsonObject limits{
-            {QStringLiteral("EVSE-01"),  json(R"({"value": 9, "unit": "A"})")},
-            { QStringLiteral("EVSE-02"), json(bad)                           }
+            {QStringLiteral("EVSE-01"), json(R"({"value": 9, "unit": "A"})")},
+            {QStringLiteral("EVSE-02"), json(bad)                           }
         };
         QCOMPARE(simulator
                      .backend("/vela/set_limits/yard",
@@ -469,7 +472,7 @@ void TestSimulator::badLimitVoidsTheRequest()
 void TestSimulator::groupIdIsDecoded()
 {
     Simulator simulator(
-        { QStringLiteral("--group"), QStringLiteral("süd %41/b?#"), QStringLiteral("--secret"), {} });
+        {QStringLiteral("--group"), QStringLiteral("süd %41/b?#"), QStringLiteral("--secret"), {}});
     const QJsonObject emptySecret{
         {QStringLiteral("secret"), QString()}
     };
@@ -481,7 +484,7 @@ void TestSimulator::groupIdIsDecoded()
 
 void TestSimulator::timePassesAtSpeed()
 {
-    Simulator simulator({ QStringLiteral("--speed"), QStringLiteral("36000") }); // ten hours a second
+    Simulator simulator({QStringLiteral("--speed"), QStringLiteral("36000")}); // ten hours a second
     const auto energy = [&simulator] {
         return simulator.values(QStringLiteral("EVSE-01")).value(QLatin1String("meter_value")).toDouble();
     };
@@ -495,20 +498,21 @@ void TestSimulator::timePassesAtSpeed()
 void TestSimulator::handsMoveCars()
 {
     Simulator simulator;
-    const struct {
+    const struct
+    {
         const char *path;
         const char *body;
         const char *status;
     } story[] = {
-        {"/control/wallboxes/EVSE-01/break",      "",                                     "Faulted"    },
-        { "/control/wallboxes/EVSE-01/mend",      "",                                     "Charging"   },
-        { "/control/wallboxes/EVSE-01/pause",     "",                                     "SuspendedEV"},
-        { "/control/wallboxes/EVSE-01/resume",    "{}",                                   "Charging"   },
-        { "/control/wallboxes/EVSE-01/finish",    "",                                     "Finishing"  },
-        { "/control/wallboxes/EVSE-01/unplug",    "",                                     "Available"  },
-        { "/control/wallboxes/EVSE-01/plug",      R"({"phases": 1, "maxCurrent": 20.5})", "Preparing"  },
-        { "/control/speed",                       R"({"factor": 1000})",                  "Charging"   },
-        { "/control/wallboxes/EVSE-01/configure", R"({"maxChargingCurrent": 13})",        "Charging"   },
+        {"/control/wallboxes/EVSE-01/break",     "",                                     "Faulted"    },
+        {"/control/wallboxes/EVSE-01/mend",      "",                                     "Charging"   },
+        {"/control/wallboxes/EVSE-01/pause",     "",                                     "SuspendedEV"},
+        {"/control/wallboxes/EVSE-01/resume",    "{}",                                   "Charging"   },
+        {"/control/wallboxes/EVSE-01/finish",    "",                                     "Finishing"  },
+        {"/control/wallboxes/EVSE-01/unplug",    "",                                     "Available"  },
+        {"/control/wallboxes/EVSE-01/plug",      R"({"phases": 1, "maxCurrent": 20.5})", "Preparing"  },
+        {"/control/speed",                       R"({"factor": 1000})",                  "Charging"   },
+        {"/control/wallboxes/EVSE-01/configure", R"({"maxChargingCurrent": 13})",        "Charging"   },
     };
     for (const auto &step : story) {
         QCOMPARE(simulator.control(step.path, step.body).status, 200);
@@ -517,13 +521,13 @@ void TestSimulator::handsMoveCars()
     }
     QCOMPARE(simulator.wallbox(0).value(QLatin1String("car")).toObject(),
              json(R"({"phases": 1, "maxCurrent": 20.5, "paused": false})"));
-    QCOMPARE(simulator.wallbox(0).value(QLatin1String("currents")).toArray(), (QJsonArray{ 13, 0, 0 }));
+    QCOMPARE(simulator.wallbox(0).value(QLatin1String("currents")).toArray(), (QJsonArray{13, 0, 0}));
     QCOMPARE(simulator.control("/control/wallboxes/EVSE-01/plug").status, 409);
 }
 
 void TestSimulator::wallboxesComeAndGo()
 {
-    Simulator simulator({ QStringLiteral("--wallboxes"), QStringLiteral("2") });
+    Simulator simulator({QStringLiteral("--wallboxes"), QStringLiteral("2")});
     QCOMPARE(simulator.control("/control/wallboxes/EVSE-01/remove").status, 200);
     QCOMPARE(simulator.control("/control/wallboxes").status, 200); // takes the number that is free
     QCOMPARE(simulator.control("/control/wallboxes", R"({"id": "a/b %", "maxChargingCurrent": 16})").status,
@@ -654,8 +658,8 @@ void TestSimulator::eventsTellTheNewsOnce()
     QCOMPARE(answered.count(R"("operation":"is_online")"), 1);
     QVERIFY2(answered.contains(R"("status":200)"), answered);
 
-    const QNetworkReply::RawHeaderPair foreign{ "Origin", "http://evil.example" };
-    QCOMPARE(Simulator::finish(simulator.start("GET", "/control/events", {}, { foreign })).status, 403);
+    const QNetworkReply::RawHeaderPair foreign{"Origin", "http://evil.example"};
+    QCOMPARE(Simulator::finish(simulator.start("GET", "/control/events", {}, {foreign})).status, 403);
 }
 
 void TestSimulator::pageKeepsToItself()
@@ -799,7 +803,7 @@ void TestSimulator::takenPort()
     Simulator simulator;
     QProcess second;
     const QString port = QString::number(simulator.url().port());
-    second.start(QStringLiteral(VELA_SIMULATOR), { QStringLiteral("--port"), port });
+    second.start(QStringLiteral(VELA_SIMULATOR), {QStringLiteral("--port"), port});
     QVERIFY(second.waitForFinished());
     QCOMPARE(second.exitCode(), 1);
     QCOMPARE(second.readAllStandardOutput(), QByteArray());
@@ -825,7 +829,7 @@ void TestSimulator::badOptions()
     QFETCH(QString, option);
     QFETCH(QByteArray, says);
     QProcess process;
-    process.start(QStringLiteral(VELA_SIMULATOR), { option });
+    process.start(QStringLiteral(VELA_SIMULATOR), {option});
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.exitCode(), 2);
     const QByteArray error = process.readAllStandardError();

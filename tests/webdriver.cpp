@@ -13,15 +13,15 @@ constexpr int patience = 30000; // ms; a first start on a busy machine takes sec
 
 QJsonObject capabilities(const QString &profile)
 {
-    const QJsonArray arguments{ "--headless",
-                                "--no-sandbox",
-                                "--disable-gpu",
-                                "--disable-quic",
-                                "--no-first-run",
-                                "--disable-background-networking",
-                                "--disable-component-update",
-                                "--disable-sync",
-                                "--user-data-dir=" + profile };
+    const QJsonArray arguments{"--headless",
+                               "--no-sandbox",
+                               "--disable-gpu",
+                               "--disable-quic",
+                               "--no-first-run",
+                               "--disable-background-networking",
+                               "--disable-component-update",
+                               "--disable-sync",
+                               "--user-data-dir=" + profile};
     const QJsonObject options{
         {"args", arguments}
     };
@@ -29,7 +29,7 @@ QJsonObject capabilities(const QString &profile)
         {"goog:chromeOptions", options}
     };
     return {
-        {"capabilities", QJsonObject{ { "alwaysMatch", always } }}
+        {"capabilities", QJsonObject{{"alwaysMatch", always}}}
     };
 }
 
@@ -48,7 +48,7 @@ QString driverUrl(QProcess &driver)
 
 WebDriver::WebDriver()
 {
-    m_driver.start("chromedriver", { "--port=0" });
+    m_driver.start("chromedriver", {"--port=0"});
     m_session = driverUrl(m_driver);
     const QJsonValue session = call("POST", "/session", capabilities(m_profile.path()));
     m_session += "/session/" + session["sessionId"].toString();
@@ -79,13 +79,13 @@ QJsonValue WebDriver::run(const QString &script, const QJsonArray &arguments)
     return call("POST", "/execute/sync",
                 {
                     {"script", script   },
-                    { "args",  arguments}
+                    {"args",   arguments}
     });
 }
 
 QString WebDriver::text(const QString &selector)
 {
-    return run("return document.querySelector(arguments[0])?.innerText ?? ''", { selector }).toString();
+    return run("return document.querySelector(arguments[0])?.innerText ?? ''", {selector}).toString();
 }
 
 void WebDriver::click(const QString &selector)
@@ -108,37 +108,37 @@ void WebDriver::press(const QString &keys)
     QJsonArray strokes;
     for (const QChar key : keys) {
         strokes.append(QJsonObject{
-            {"type",   "keyDown"   },
-            { "value", QString(key)}
+            {"type",  "keyDown"   },
+            {"value", QString(key)}
         });
         strokes.append(QJsonObject{
-            {"type",   "keyUp"     },
-            { "value", QString(key)}
+            {"type",  "keyUp"     },
+            {"value", QString(key)}
         });
     }
     const QJsonObject keyboard{
-        {"type",     "key"     },
-        { "id",      "keyboard"},
-        { "actions", strokes   }
+        {"type",    "key"     },
+        {"id",      "keyboard"},
+        {"actions", strokes   }
     };
     call("POST", "/actions",
          {
-             {"actions", QJsonArray{ keyboard }}
+             {"actions", QJsonArray{keyboard}}
     });
 }
 
 void WebDriver::resize(int width, int height)
 {
     const QJsonObject metrics{
-        {"width",              width },
-        { "height",            height},
-        { "deviceScaleFactor", 1     },
-        { "mobile",            false }
+        {"width",             width },
+        {"height",            height},
+        {"deviceScaleFactor", 1     },
+        {"mobile",            false }
     };
     call("POST", "/goog/cdp/execute",
          {
-             {"cmd",     "Emulation.setDeviceMetricsOverride"},
-             { "params", metrics                             }
+             {"cmd",    "Emulation.setDeviceMetricsOverride"},
+             {"params", metrics                             }
     });
 }
 
@@ -165,8 +165,8 @@ QString WebDriver::pathOf(const QString &selector)
 {
     const QJsonValue element = call("POST", "/element",
                                     {
-                                        {"using",  "css selector"},
-                                        { "value", selector      }
+                                        {"using", "css selector"},
+                                        {"value", selector      }
     });
     return "/element/"
         + element.toObject().begin().value().toString(); // its key is a constant of the protocol

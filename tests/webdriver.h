@@ -13,7 +13,8 @@
 /*! A headless Chromium at the test's command, by the W3C's WebDriver protocol: JSON over HTTP to Chromium's
  * own driver, which ends the browser with this object. What the browser refuses is a warning that says why,
  * and an undefined value. */
-class WebDriver {
+class WebDriver
+{
 public:
     WebDriver();
     ~WebDriver();

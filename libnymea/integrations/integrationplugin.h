@@ -22,7 +22,8 @@ class ThingPairingInfo;
 
 /*! Base of every integration plugin. The daemon calls the virtual operations on its main thread, init()
     first; a job passed to one of them is finished at once or later. */
-class LIBNYMEA_EXPORT IntegrationPlugin : public QObject {
+class LIBNYMEA_EXPORT IntegrationPlugin : public QObject
+{
     Q_OBJECT
 public:
     explicit IntegrationPlugin(QObject *parent = nullptr);

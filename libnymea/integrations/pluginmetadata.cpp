@@ -10,7 +10,8 @@
 namespace {
 
 /*! Reads the members of one metadata document and collects what is wrong with them. */
-class Reader {
+class Reader
+{
 public:
     QStringList errors;
 

@@ -10,7 +10,8 @@
 #include <QJsonObject>
 
 /*! What a plugin says about itself in its metadata document: vendors and thing classes. Plain data. */
-class LIBNYMEA_EXPORT PluginMetadata {
+class LIBNYMEA_EXPORT PluginMetadata
+{
 public:
     PluginMetadata() = default;
 
@@ -34,7 +35,7 @@ private:
     QString m_pluginDisplayName;
     Vendors m_vendors;
     ThingClasses m_thingClasses;
-    QStringList m_validationErrors{ QStringLiteral("No metadata has been read.") };
+    QStringList m_validationErrors{QStringLiteral("No metadata has been read.")};
 };
 
 #endif // PLUGINMETADATA_H

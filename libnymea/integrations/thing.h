@@ -12,7 +12,8 @@
 
 /*! A device or service as the daemon knows it: parameters that identify it, states that show it.
     Owned by the daemon, which deletes it some time after the plugin's thingRemoved() has run. */
-class LIBNYMEA_EXPORT Thing : public QObject {
+class LIBNYMEA_EXPORT Thing : public QObject
+{
     Q_OBJECT
 public:
     /*! Outcome of a job. */
@@ -131,7 +132,8 @@ private:
 LIBNYMEA_EXPORT QDebug operator<<(QDebug debug, const Thing *thing);
 
 /*! Things, none of them owned by the list. */
-class LIBNYMEA_EXPORT Things : public QList<Thing *> {
+class LIBNYMEA_EXPORT Things : public QList<Thing *>
+{
 public:
     Things() = default;
     Things(const QList<Thing *> &other);

@@ -8,7 +8,8 @@
 #include "types/action.h"
 
 /*! The job of carrying out an action on a thing. A child of its thing. */
-class LIBNYMEA_EXPORT ThingActionInfo : public ThingJob {
+class LIBNYMEA_EXPORT ThingActionInfo : public ThingJob
+{
     Q_OBJECT
 public:
     ThingActionInfo(Thing *thing, const Action &action, std::chrono::milliseconds timeout);

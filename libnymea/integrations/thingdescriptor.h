@@ -7,7 +7,8 @@
 #include "types/param.h"
 
 /*! A thing that could be: offered by a discovery or announced by the plugin. Plain data. */
-class LIBNYMEA_EXPORT ThingDescriptor {
+class LIBNYMEA_EXPORT ThingDescriptor
+{
 public:
     explicit ThingDescriptor(const ThingClassId &thingClassId = ThingClassId(),
                              const QString &title = QString(), const QString &description = QString(),
@@ -41,7 +42,8 @@ private:
     ParamList m_params;
 };
 
-class LIBNYMEA_EXPORT ThingDescriptors : public QList<ThingDescriptor> {
+class LIBNYMEA_EXPORT ThingDescriptors : public QList<ThingDescriptor>
+{
 public:
     ThingDescriptors() = default;
     ThingDescriptors(const QList<ThingDescriptor> &other);

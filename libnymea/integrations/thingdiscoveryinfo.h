@@ -8,7 +8,8 @@
 #include "integrations/thingjob.h"
 
 /*! The job of looking for things of a class; the plugin adds what it finds and finishes it. */
-class LIBNYMEA_EXPORT ThingDiscoveryInfo : public ThingJob {
+class LIBNYMEA_EXPORT ThingDiscoveryInfo : public ThingJob
+{
     Q_OBJECT
 public:
     ThingDiscoveryInfo(const ThingClassId &thingClassId, const ParamList &params,

@@ -12,7 +12,8 @@
 
     finish() returns at once; finished() follows from the event loop, and after it the job deletes itself,
     ending every connection whose context it is. Owned by its parent until then. */
-class LIBNYMEA_EXPORT ThingJob : public QObject {
+class LIBNYMEA_EXPORT ThingJob : public QObject
+{
     Q_OBJECT
 public:
     /*! A \a timeout of 0 means no limit. */

@@ -7,7 +7,8 @@
 #include "integrations/thing.h"
 
 /*! The daemon as a plugin's base class sees it. */
-class LIBNYMEA_EXPORT ThingManager : public QObject {
+class LIBNYMEA_EXPORT ThingManager : public QObject
+{
     Q_OBJECT
 public:
     using QObject::QObject;

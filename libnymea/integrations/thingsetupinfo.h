@@ -7,7 +7,8 @@
 #include "integrations/thingjob.h"
 
 /*! The job of getting a thing to work: new, restored at a start, or reconfigured. A child of its thing. */
-class LIBNYMEA_EXPORT ThingSetupInfo : public ThingJob {
+class LIBNYMEA_EXPORT ThingSetupInfo : public ThingJob
+{
     Q_OBJECT
 public:
     ThingSetupInfo(Thing *thing, std::chrono::milliseconds timeout);

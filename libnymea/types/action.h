@@ -7,7 +7,8 @@
 #include "types/param.h"
 
 /*! The wish that a thing does something: an action type with its parameters. Plain data. */
-class LIBNYMEA_EXPORT Action {
+class LIBNYMEA_EXPORT Action
+{
 public:
     explicit Action(const ActionTypeId &actionTypeId = ActionTypeId(), const ThingId &thingId = ThingId(),
                     const ParamList &params = ParamList());

@@ -8,14 +8,16 @@
 
 /*! Describes an action of a thing class. A writable state yields one whose id, name and single
     parameter are the state's own. */
-struct ActionType {
+struct ActionType
+{
     ActionTypeId id;
     QString name;
     QString displayName;
     ParamTypes paramTypes;
 };
 
-class LIBNYMEA_EXPORT ActionTypes : public QVector<ActionType> {
+class LIBNYMEA_EXPORT ActionTypes : public QVector<ActionType>
+{
 public:
     /*! The type of that id or name; one with a null id without it. */
     ActionType findById(const ActionTypeId &id) const;

@@ -10,7 +10,8 @@
 #include <QVariant>
 
 /*! One value of a parameter, named by the parameter's type. */
-class LIBNYMEA_EXPORT Param {
+class LIBNYMEA_EXPORT Param
+{
 public:
     explicit Param(const ParamTypeId &paramTypeId = ParamTypeId(), const QVariant &value = QVariant());
 
@@ -24,7 +25,8 @@ private:
     QVariant m_value;
 };
 
-class LIBNYMEA_EXPORT ParamList : public QList<Param> {
+class LIBNYMEA_EXPORT ParamList : public QList<Param>
+{
 public:
     ParamList() = default;
     ParamList(const QList<Param> &other);

@@ -11,7 +11,8 @@
 #include <QVector>
 
 /*! Describes a parameter of a thing class, a discovery or an action. Plain data, read from metadata. */
-struct ParamType {
+struct ParamType
+{
     ParamTypeId id;
     QString name; //!< unique among its siblings, lower camel case
     QString displayName;
@@ -23,7 +24,8 @@ struct ParamType {
     bool readOnly = false; //!< set when the thing is created, not by the user afterwards
 };
 
-class LIBNYMEA_EXPORT ParamTypes : public QVector<ParamType> {
+class LIBNYMEA_EXPORT ParamTypes : public QVector<ParamType>
+{
 public:
     /*! The type of that id or name; one with a null id without it. */
     ParamType findById(const ParamTypeId &id) const;

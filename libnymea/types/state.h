@@ -9,7 +9,8 @@
 #include <QVariant>
 
 /*! A thing's value of one state type, with the limits in force for it. Plain data. */
-class LIBNYMEA_EXPORT State {
+class LIBNYMEA_EXPORT State
+{
 public:
     explicit State(const StateTypeId &stateTypeId = StateTypeId(), const QVariant &value = QVariant());
 

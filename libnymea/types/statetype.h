@@ -11,7 +11,8 @@
 #include <QVector>
 
 /*! Describes a state of a thing class. Plain data, read from metadata. */
-struct StateType {
+struct StateType
+{
     StateTypeId id;
     QString name; //!< unique in its class, lower camel case
     QString displayName;
@@ -26,7 +27,8 @@ struct StateType {
     bool writable = false; //!< then an action type of the same id sets it
 };
 
-class LIBNYMEA_EXPORT StateTypes : public QVector<StateType> {
+class LIBNYMEA_EXPORT StateTypes : public QVector<StateType>
+{
 public:
     /*! The type of that id or name; one with a null id without it. */
     StateType findById(const StateTypeId &id) const;

@@ -11,7 +11,8 @@
 #include <QStringList>
 
 /*! A kind of thing that a plugin offers. Plain data, read from metadata. */
-struct ThingClass {
+struct ThingClass
+{
     ThingClassId id;
     VendorId vendorId;
     QString name; //!< unique in the plugin
@@ -25,7 +26,8 @@ struct ThingClass {
     ActionTypes actionTypes;
 };
 
-class LIBNYMEA_EXPORT ThingClasses : public QVector<ThingClass> {
+class LIBNYMEA_EXPORT ThingClasses : public QVector<ThingClass>
+{
 public:
     /*! The class of that id or name; one with a null id without it. */
     ThingClass findById(const ThingClassId &id) const;

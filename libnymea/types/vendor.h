@@ -10,7 +10,8 @@
 #include <QVector>
 
 /*! A vendor of thing classes. Plain data, read from metadata. */
-struct Vendor {
+struct Vendor
+{
     VendorId id;
     QString name;
     QString displayName;

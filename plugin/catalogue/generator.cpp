@@ -15,7 +15,8 @@
 
 namespace {
 
-struct Constant {
+struct Constant
+{
     QString type;
     QString name;
     QString id;
@@ -26,7 +27,8 @@ QString upperFirst(const QString &name)
     return name.left(1).toUpper() + name.mid(1);
 }
 
-class Generator {
+class Generator
+{
 public:
     explicit Generator(const QJsonObject &catalogue);
 
@@ -62,15 +64,15 @@ Generator::Generator(const QJsonObject &catalogue)
     vendor[QLatin1String("id")] = vendorId;
     addConstant(QStringLiteral("VendorId"), vendorName + QLatin1String("VendorId"), vendorId);
 
-    QJsonArray thingClasses{ thingClass(catalogue[QLatin1String("gateway")].toObject()) };
+    QJsonArray thingClasses{thingClass(catalogue[QLatin1String("gateway")].toObject())};
     for (int number = 1; number <= m_wallboxCount; ++number) {
         QJsonObject wallbox = catalogue[QLatin1String("wallbox")].toObject();
-        for (const QLatin1String key : { QLatin1String("name"), QLatin1String("displayName") })
+        for (const QLatin1String key : {QLatin1String("name"), QLatin1String("displayName")})
             wallbox[key] = wallbox[key].toString().arg(number);
         thingClasses.append(thingClass(wallbox));
     }
     vendor[QLatin1String("thingClasses")] = thingClasses;
-    m_metadata[QLatin1String("vendors")] = QJsonArray{ vendor };
+    m_metadata[QLatin1String("vendors")] = QJsonArray{vendor};
 }
 
 /*! The id of the item at \a path. Daemons store things under these ids, so neither the namespace nor the
@@ -137,7 +139,7 @@ QJsonArray Generator::states(const QJsonArray &descriptions, const QString &clas
 
 void Generator::addConstant(const QString &type, const QString &name, const QString &id)
 {
-    m_constants.append({ type, name, id });
+    m_constants.append({type, name, id});
 }
 
 QByteArray Generator::header() const
