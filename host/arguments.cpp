@@ -10,9 +10,10 @@ QString readAssignments(const QStringList &assignments, const ParamTypes &types,
     for (const QString &assignment : assignments) {
         const QString name = assignment.section(QLatin1Char('='), 0, 0);
         const ParamType type = types.findByName(name);
-        if (type.id.isNull() || !assignment.contains(QLatin1Char('=')))
-            return QStringLiteral("\"%1\" does not set a parameter as NAME=VALUE would; there are %2.")
-                .arg(name, namesOf(types));
+        if (!assignment.contains(QLatin1Char('=')))
+            return QStringLiteral("\"%1\" must read PARAM=VALUE.").arg(assignment);
+        if (type.id.isNull())
+            return QStringLiteral("There is no parameter \"%1\"; there are %2.").arg(name, namesOf(types));
         if (params->hasParam(type.id))
             return QStringLiteral("Parameter %1 is given twice.").arg(name);
         const CheckedValue value = parseValue(assignment.section(QLatin1Char('='), 1), ruleFor(type));

@@ -165,9 +165,9 @@ void TestHost::refusals_data()
     QTest::newRow("class not for discovery") << "discover lamp"
                                              << "Things of class lamp are not found by discovery.";
     QTest::newRow("unknown parameter") << "discover bridge port=1"
-                                       << "\"port\" does not set a parameter";
+                                       << "There is no parameter \"port\"; there are ";
     QTest::newRow("no assignment") << "discover bridge address"
-                                   << "\"address\" does not set a parameter";
+                                   << "\"address\" must read PARAM=VALUE.";
     QTest::newRow("given twice") << "discover bridge address=A address=B"
                                  << "Parameter address is given twice.";
     QTest::newRow("bad parameter") << "discover bridge children=many"
