@@ -245,7 +245,8 @@ QStringList liveTable(const QVector<LiveRow> &rows, const TableStyle &style, qin
         units.append(QLatin1String(column.unit));
     }
     QStringList lines{line(titles, layout, style), line(units, layout, style)};
-    for (const LiveRow &row : rows.mid(0, style.maxRows))
+    const auto shown = rows.mid(0, style.maxRows);
+    for (const LiveRow &row : shown)
         lines.append(rowLine(row, layout, style, now));
     if (rows.size() > style.maxRows)
         lines.append(QStringLiteral("and %1 more; a taller window shows them")

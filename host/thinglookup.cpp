@@ -17,7 +17,8 @@ QString listed(const Things &things)
 {
     constexpr int most = 8;
     QStringList texts;
-    for (const Thing *thing : things.mid(0, most)) {
+    const QList<Thing *> first = things.mid(0, most);
+    for (const Thing *thing : first) {
         const auto count = std::count_if(things.cbegin(), things.cend(), [thing](const Thing *other) {
             return other->name() == thing->name();
         });

@@ -103,7 +103,7 @@ Things parentsFirst(Things things)
 QString entriesError(const QJsonArray &entries)
 {
     QSet<QUuid> ids;
-    for (const QJsonValue entry : entries) {
+    for (const QJsonValue &entry : entries) {
         const QUuid id(entry.toObject().value(QLatin1String("id")).toString());
         if (id.isNull())
             return QStringLiteral("a thing has no id");
@@ -152,7 +152,7 @@ QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *th
         return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, error);
 
     Things stored;
-    for (const QJsonValue entry : qAsConst(entries))
+    for (const QJsonValue &entry : qAsConst(entries))
         restore(entry.toObject(), classes, owner, &stored);
     things->append(parentsFirst(stored));
     return QString();
@@ -176,7 +176,7 @@ QString ThingStore::write(const Things &things)
     QJsonArray entries;
     for (const Thing *thing : things)
         entries.append(toJson(thing));
-    for (const QJsonValue stranger : qAsConst(m_strangers))
+    for (const QJsonValue &stranger : qAsConst(m_strangers))
         entries.append(stranger);
     const QByteArray content = QJsonDocument(QJsonObject{
                                                  {QStringLiteral("things"), entries}

@@ -114,7 +114,8 @@ ParamType Reader::paramType(const QJsonObject &object, const QString &where)
 ParamTypes Reader::paramTypes(const QJsonValue &array, const QString &where)
 {
     ParamTypes result;
-    for (const QJsonValue entry : array.toArray())
+    const QJsonArray entries = array.toArray();
+    for (const QJsonValue &entry : entries)
         result.append(paramType(entry.toObject(), where));
     return result;
 }
@@ -162,7 +163,8 @@ ActionType actionTypeFor(const StateType &stateType)
 QStringList texts(const QJsonValue &array)
 {
     QStringList result;
-    for (const QJsonValue entry : array.toArray())
+    const QJsonArray entries = array.toArray();
+    for (const QJsonValue &entry : entries)
         result.append(entry.toString());
     return result;
 }
@@ -180,7 +182,7 @@ ThingClass Reader::thingClass(const QJsonObject &object, const VendorId &vendorI
     result.paramTypes = paramTypes(object.value(QLatin1String("paramTypes")), result.name);
     result.discoveryParamTypes = paramTypes(object.value(QLatin1String("discoveryParamTypes")), result.name);
     const QJsonArray stateTypes = object.value(QLatin1String("stateTypes")).toArray();
-    for (const QJsonValue entry : stateTypes) {
+    for (const QJsonValue &entry : stateTypes) {
         result.stateTypes.append(stateType(entry.toObject(), result.name));
         if (result.stateTypes.constLast().writable)
             result.actionTypes.append(actionTypeFor(result.stateTypes.constLast()));
@@ -198,7 +200,7 @@ PluginMetadata::PluginMetadata(const QJsonObject &document)
     m_pluginDisplayName = reader.text(document, "displayName", where);
     m_pluginId = reader.id(document, where);
     const QJsonArray vendors = document.value(QLatin1String("vendors")).toArray();
-    for (const QJsonValue vendorEntry : vendors) {
+    for (const QJsonValue &vendorEntry : vendors) {
         const QJsonObject object = vendorEntry.toObject();
         Vendor vendor;
         vendor.name = reader.text(object, "name", QStringLiteral("vendor"));
@@ -206,7 +208,7 @@ PluginMetadata::PluginMetadata(const QJsonObject &document)
         vendor.displayName = reader.text(object, "displayName", vendor.name);
         m_vendors.append(vendor);
         const QJsonArray thingClasses = object.value(QLatin1String("thingClasses")).toArray();
-        for (const QJsonValue classEntry : thingClasses)
+        for (const QJsonValue &classEntry : thingClasses)
             m_thingClasses.append(reader.thingClass(classEntry.toObject(), vendor.id));
     }
     m_validationErrors = reader.errors;

@@ -24,7 +24,7 @@ struct Constant
 
 QString upperFirst(const QString &name)
 {
-    return name.left(1).toUpper() + name.mid(1);
+    return name.at(0).toUpper() + name.mid(1);
 }
 
 class Generator
@@ -105,7 +105,7 @@ QJsonObject Generator::thingClass(QJsonObject description)
 QJsonArray Generator::params(const QJsonArray &descriptions, const QString &className, const QString &kind)
 {
     QJsonArray result;
-    for (const QJsonValue description : descriptions) {
+    for (const QJsonValue &description : descriptions) {
         QJsonObject param = description.toObject();
         const QString name = param[QLatin1String("name")].toString();
         const QString id = newId(QStringLiteral("thingClass/%1/param%2/%3").arg(className, kind, name));
@@ -120,7 +120,7 @@ QJsonArray Generator::params(const QJsonArray &descriptions, const QString &clas
 QJsonArray Generator::states(const QJsonArray &descriptions, const QString &className)
 {
     QJsonArray result;
-    for (const QJsonValue description : descriptions) {
+    for (const QJsonValue &description : descriptions) {
         QJsonObject state = description.toObject();
         const QString name = state[QLatin1String("name")].toString();
         const QString id = newId(QStringLiteral("thingClass/%1/state/%2").arg(className, name));
