@@ -31,15 +31,15 @@ const struct
     const char *name;
     void (*begin)(Backend &backend);
 } faults[] = {
-    {"500",                      [](Backend &backend) { backend.answer(Backend::Values, 500); }  },
-    {"503",                      [](Backend &backend) { backend.answer(Backend::Values, 503); }  },
-    {"closed without an answer", [](Backend &backend) { backend.answerRaw(Backend::Values, ""); }},
+    {"500",                      [](Backend &backend) { backend.answer(Backend::Values, 500); }},
+    {"503",                      [](Backend &backend) { backend.answer(Backend::Values, 503); }},
+    {"closed without an answer", [](Backend &backend) { backend.hangUp(Backend::Values, ""); } },
     {"closed mid-reply",
      [](Backend &backend) {
-         backend.answerRaw(Backend::Values, "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n{");
-     }                                                                                           },
-    {"reset",                    [](Backend &backend) { backend.reset(Backend::Values); }        },
-    {"all connections closed",   [](Backend &backend) { backend.closeConnections(); }            },
+         backend.hangUp(Backend::Values, "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n{");
+     }                                                                                         },
+    {"reset",                    [](Backend &backend) { backend.reset(Backend::Values); }      },
+    {"all connections closed",   [](Backend &backend) { backend.closeConnections(); }          },
 };
 
 } // namespace
