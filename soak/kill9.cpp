@@ -33,7 +33,7 @@ const struct
     int within;
 } phases[] = {
     {"start",         0,    150},
-    {"discovery",     0,    30 },
+    {"discovery",     0,    50 },
     {"auto-creation", 0,    120},
     {"polling",       1980, 60 }, // after the last poll's news: around the next poll
     {"actions",       0,    60 },
@@ -78,7 +78,8 @@ private:
     QElapsedTimer m_sinceStart;
     QMap<QString, int> m_kills; // by phase
     QStringList m_leftovers;    // in the folder, of the last host
-    int m_leftoverFiles = 0;    // of all hosts
+    int m_staleLocks = 0;       // of all hosts
+    int m_halfWritten = 0;      // of all hosts
     qint64 m_slowestStart = 0;  // ms
 };
 
@@ -162,7 +163,7 @@ QString Killer::bringUp()
 
 void Killer::begin(Phase phase)
 {
-    if (phase == Discovery)
+    for (int i = 0; phase == Discovery && i < 20; ++i) // each writes the plugin's storage
         m_host->send(QString("discover vela backendUrl=%1 groupId=yard groupSecret=s3cret").arg(m_backend));
     if (phase == AutoCreation)
         m_host->send("add 1");
@@ -237,10 +238,11 @@ QString Killer::judgeFiles()
             return "things.json cannot be read";
         if (isSettings && !(content.contains("url=") && content.contains("groupSecret=s3cret")))
             return name + " is not whole";
-        if (!isThings && !isSettings && name != "in-use-by")
-            m_leftovers.append(name);
+        if (isThings || isSettings || name == "in-use-by")
+            continue;
+        m_leftovers.append(name);
+        ++(name.endsWith("lock") ? m_staleLocks : m_halfWritten);
     }
-    m_leftoverFiles += m_leftovers.size();
     return QString();
 }
 
@@ -249,8 +251,8 @@ void Killer::printFigures() const
     std::printf("kills:");
     for (auto it = m_kills.cbegin(); it != m_kills.cend(); ++it)
         std::printf(" %s %d;", qPrintable(it.key()), it.value());
-    std::printf("\nthings stored and not yet reported: %d; files left for the next start to sweep: %d\n",
-                m_reported.unreported(), m_leftoverFiles);
+    std::printf("\nthings stored and not yet reported: %d; stale locks: %d; half-written files: %d\n",
+                m_reported.unreported(), m_staleLocks, m_halfWritten);
     std::printf("slowest start until the first answer: %lld ms\n", static_cast<long long>(m_slowestStart));
 }
 
