@@ -14,9 +14,11 @@
 #include <QMap>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <sys/prctl.h>
 
 namespace {
 
@@ -256,6 +258,13 @@ void Killer::printFigures() const
     std::printf("slowest start until the first answer: %lld ms\n", static_cast<long long>(m_slowestStart));
 }
 
+/*! The backend; ends with this program, however that ends. */
+class Simulator : public QProcess
+{
+protected:
+    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGTERM); }
+};
+
 /*! Kills as often as \a kills says; what was wrong. */
 QString killHosts(Killer &killer, int kills, std::mt19937 &random)
 {
@@ -283,7 +292,7 @@ int main(int argc, char **argv)
     const bool asProcessOne = ProcessOne::isPermitted();
     std::printf(asProcessOne ? "each host is process 1 of a namespace of its own\n"
                              : "SKIPPED: hosts have ids of their own; the same for all takes root\n");
-    QProcess simulator;
+    Simulator simulator;
     simulator.start(VELA_SIMULATOR,
                     {"--port", "0", "--speed", "600", "--wallboxes", QString::number(wallboxes)});
     if (!simulator.waitForReadyRead())
