@@ -103,7 +103,7 @@ Things IntegrationPlugin::myThings() const
     Things mine;
     const Things things = m_thingManager->configuredThings();
     for (Thing *thing : things) {
-        if (!m_metadata.thingClasses().findById(thing->thingClassId()).id.isNull())
+        if (m_metadata.thingClasses().contains(thing->thingClassId()))
             mine.append(thing);
     }
     return mine;

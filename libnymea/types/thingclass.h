@@ -32,6 +32,7 @@ public:
     /*! The class of that id or name; one with a null id without it. */
     ThingClass findById(const ThingClassId &id) const;
     ThingClass findByName(const QString &name) const;
+    bool contains(const ThingClassId &id) const;
 };
 
 #endif // THINGCLASS_H

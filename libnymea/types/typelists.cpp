@@ -68,3 +68,8 @@ ThingClass ThingClasses::findByName(const QString &name) const
 {
     return firstWithName(*this, name);
 }
+
+bool ThingClasses::contains(const ThingClassId &id) const
+{
+    return std::any_of(cbegin(), cend(), [&id](const ThingClass &entry) { return entry.id == id; });
+}
