@@ -39,6 +39,7 @@ void warnAbout(const QNetworkReply *reply, const char *failure)
 /*! The object in \a reply's body; empty when the body is anything else. */
 QJsonObject jsonObject(QNetworkReply *reply)
 {
+    // All of it is here: readAll() would ask for 16 kB at a time, and copy.
     return QJsonDocument::fromJson(reply->read(reply->bytesAvailable())).object();
 }
 

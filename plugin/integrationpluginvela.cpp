@@ -170,7 +170,7 @@ void IntegrationPluginVela::setupWallbox(ThingSetupInfo *info)
     qCDebug(dcVela) << "Should setup wallbox";
     Thing *thing = info->thing();
     thing->setStateValue(QStringLiteral("connected"), true);
-    // The maximum first: a value above the old one might be refused.
+    // The maximum first: a platform may hold values to the limits.
     const uint maxAllowedCurrent = thing->paramValue(QStringLiteral("maxAllowedCurrent")).toUInt();
     thing->setStateMaxValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
     thing->setStateValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
@@ -201,10 +201,11 @@ void IntegrationPluginVela::checkAutoCreate(const ThingId &parentId, const QJson
 
 void IntegrationPluginVela::removeVanishedWallboxes(const QJsonObject &infraInfo)
 {
+    const QStringList listedIds = infraInfo.keys();
     // A copy: the platform may remove a thing, and with it the entry, before the emission returns.
     const QStringList infraIds = m_infraThings.keys();
     for (const QString &infraId : infraIds) {
-        if (infraInfo.contains(infraId))
+        if (listedIds.contains(infraId))
             continue;
         const Thing *thing = m_infraThings.value(infraId);
         if (!thing)
@@ -236,7 +237,8 @@ void IntegrationPluginVela::setupConnects(Thing *thing)
 {
     qCDebug(dcVela) << "OCPP: Setup nymea connections.";
     if (!m_networkHandler)
-        return; // went with a wallbox that was the last kept thing while the gateway was still new
+        return; // this very answer has removed the last thing, and the client with it; a new gateway counts
+                // later
     // The gateway is the context: without it nobody wants the values.
     connect(m_networkHandler, &NetworkHandler::valuesReceived, thing,
             [this](const QJsonObject &receivedValues) { applyValues(receivedValues); });
@@ -247,11 +249,11 @@ void IntegrationPluginVela::applyValues(const QJsonObject &receivedValues)
     qCDebug(dcVela) << "setupConnects() - valuesReceived";
     // Absent wallboxes first, so that no one listening sees new values beside a wallbox that has gone.
     // A copy: whoever listens may remove a wallbox that is not connected.
-    const QHash<QString, Thing *> infraThings = m_infraThings;
-    for (auto it = infraThings.constBegin(); it != infraThings.constEnd(); ++it) {
-        if (!receivedValues.contains(it.key()))
-            it.value()->setStateValue(QStringLiteral("connected"), false);
-    }
+    QHash<QString, Thing *> absentThings = m_infraThings;
+    for (auto it = receivedValues.constBegin(); it != receivedValues.constEnd(); ++it)
+        absentThings.remove(it.key());
+    for (Thing *thing : qAsConst(absentThings))
+        thing->setStateValue(QStringLiteral("connected"), false);
     for (auto it = receivedValues.constBegin(); it != receivedValues.constEnd(); ++it) {
         const QJsonObject record = it.value().toObject();
         qCDebug(dcVela) << "Values for device" << it.key();
