@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -31,16 +30,11 @@ only where that is not a terminal. Exit status: 0 after "quit", end of input,
 SIGINT or SIGTERM; 1 when the plugin or the storage folder cannot be used; 2 for a
 wrong option.)";
 
-/*! The plugin that was built or installed together with this program. */
+/*! The plugin that was built together with this program. */
 QString defaultPlugin()
 {
-    const QStringList places = QStringLiteral(VELA_DEFAULT_PLUGINS).split(QLatin1Char(':'));
     const QDir here(QCoreApplication::applicationDirPath());
-    for (const QString &place : places) {
-        if (QFileInfo::exists(here.filePath(place)))
-            return QDir::cleanPath(here.filePath(place));
-    }
-    return QDir::cleanPath(here.filePath(places.constFirst()));
+    return QDir::cleanPath(here.filePath(QStringLiteral(VELA_DEFAULT_PLUGIN)));
 }
 
 } // namespace
@@ -91,6 +85,8 @@ HostOptions OptionReader::options()
         m_parser.showHelp(EXIT_SUCCESS);
     if (m_parser.isSet(m_version))
         m_parser.showVersion();
+    if (m_parser.isSet(m_storage) && m_parser.value(m_storage).isEmpty())
+        fail(QStringLiteral("--storage needs a folder."));
     if (!m_parser.positionalArguments().isEmpty())
         fail(QStringLiteral("Unknown argument \"%1\".").arg(m_parser.positionalArguments().constFirst()));
     bool isNumber = false;
