@@ -7,6 +7,8 @@
 #include "pluginloader.h"
 #include "values.h"
 
+#include <QSettings>
+
 #include <algorithm>
 
 using namespace std::chrono_literals;
@@ -50,6 +52,11 @@ QString Daemon::load()
     connect(plugin(), &IntegrationPlugin::autoThingsAppeared, this, &Daemon::onAutoThingsAppeared);
     connect(plugin(), &IntegrationPlugin::autoThingDisappeared, this, &Daemon::onAutoThingDisappeared);
     m_plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
+    if (m_plugin->pluginStorage()->status() != QSettings::NoError) {
+        const QString file = m_plugin->pluginStorage()->fileName();
+        m_plugin.reset();
+        return QStringLiteral("%1 cannot be used.").arg(file);
+    }
     m_plugin->init();
     restoreThings();
     m_plugin->startMonitoringAutoThings();

@@ -123,6 +123,13 @@ QJsonObject event(const char *name)
     return result;
 }
 
+/*! The commands that run a job: all their answers have the same members, also when no job began. */
+QStringList jobCommands()
+{
+    return {QStringLiteral("discover"), QStringLiteral("add"), QStringLiteral("set"),
+            QStringLiteral("setup")};
+}
+
 QJsonObject jobAnswer(const QString &command, const ThingJob *job)
 {
     QJsonObject result = answer(command, errorText(job));
@@ -149,7 +156,12 @@ void writeThingEvent(const char *name, const Thing *thing)
 
 void JsonOutput::refused(const QString &command, const QString &reason)
 {
-    write(answer(command, reason));
+    QJsonObject object = answer(command, reason);
+    if (jobCommands().contains(command)) {
+        object[QLatin1String("thingError")] = errorName(Thing::ThingErrorInvalidParameter);
+        object[QLatin1String("message")] = reason;
+    }
+    write(object);
 }
 
 void JsonOutput::done(const QString &command)

@@ -39,7 +39,7 @@ int run(const HostOptions &options)
     QObject::connect(&session, &Session::ended, qApp, &QCoreApplication::quit);
     const int status = QCoreApplication::exec();
     daemon->commit();
-    return status;
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : EXIT_FAILURE;
 }
 
 } // namespace

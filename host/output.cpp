@@ -19,5 +19,7 @@ QString errorText(const ThingJob *job)
 {
     if (job->status() == Thing::ThingErrorNoError)
         return QString();
-    return job->displayMessage().isEmpty() ? errorName(job->status()) : job->displayMessage();
+    const QString text = job->displayMessage().isEmpty() ? errorName(job->status()) : job->displayMessage();
+    const bool hasTimedOut = job->status() == Thing::ThingErrorTimeout;
+    return hasTimedOut ? text + QLatin1String(" Warnings in the log may tell why.") : text;
 }

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <sys/file.h>
@@ -52,11 +53,12 @@ QString StorageFolder::lock()
 void StorageFolder::sweep() const
 {
     // Left by a kill in the middle of a write: the temporary files of QSaveFile and QSettings, and the lock
-    // files of QSettings, which waits for ever on one that names its own process id.
-    const QStringList leftovers{QStringLiteral("*.json.??????"), QStringLiteral("*.conf.??????"),
-                                QStringLiteral("*.conf.lock"), QStringLiteral("*.lock.rmlock")};
+    // files of QSettings, which waits for ever on one that names its own process id. Six letters without a
+    // capital are more likely somebody's backup.
+    static const QRegularExpression leftover(QStringLiteral(
+        R"(^(things\.json|pluginconfig-.*\.conf)\.((?=[a-z]*[A-Z])[A-Za-z]{6}|lock(\.rmlock)?)$)"));
     const QDir folder(m_path);
-    const QStringList files = folder.entryList(leftovers, QDir::Files | QDir::Hidden);
-    for (const QString &file : files)
+    const QStringList leftovers = folder.entryList(QDir::Files | QDir::Hidden).filter(leftover);
+    for (const QString &file : leftovers)
         QFile::remove(folder.filePath(file));
 }

@@ -141,14 +141,14 @@ void TestHostStorage::sweepsLeftovers()
 {
     const QString settings = "pluginconfig-00000000-0000-4000-8000-000000000001.conf";
     const QStringList leftovers{settings + ".lock", settings + ".lock.rmlock", settings + ".AbCdEf",
-                                "things.json.XyZ123"};
+                                "things.json.XyZabc"};
     for (const QString &file : leftovers)
         write(file, "half");
-    write("a note of the owner", "whole");
+    write("things.json.backup", "whole");
     addBridge(*host(), 1); // writes both files: with a lock of QSettings in the way it would wait for ever
     for (const QString &file : leftovers)
         QVERIFY2(!QFile::exists(path(file)), qPrintable(file));
-    QCOMPARE(content("a note of the owner"), QByteArray("whole"));
+    QCOMPARE(content("things.json.backup"), QByteArray("whole"));
     QVERIFY(QFile::exists(path(settings)));
 }
 
