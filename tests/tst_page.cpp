@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
+
 #include "hostprocess.h"
+#include "simulatorprocess.h"
 #include "webdriver.h"
 
-#include <QEventLoop>
-#include <QJsonDocument>
-#include <QNetworkReply>
 #include <QtTest>
 
 #include <memory>
@@ -16,40 +15,15 @@ const QString tab(QChar(0xe004));
 const QString enter(QChar(0xe007));
 
 /*! The running backend. Its cars get ready in half a second. */
-class Simulator
+class Simulator : public SimulatorProcess
 {
 public:
     explicit Simulator(int port = 0, int wallboxes = 4)
+        : SimulatorProcess(
+            {"--speed=6", QString("--port=%1").arg(port), QString("--wallboxes=%1").arg(wallboxes)})
     {
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(
-            VELA_SIMULATOR,
-            {"--speed=6", "--port", QString::number(port), "--wallboxes", QString::number(wallboxes)});
-        while (!m_process.canReadLine() && m_process.waitForReadyRead())
-            continue;
-        m_url = QUrl(QString::fromUtf8(m_process.readLine().trimmed()));
-    }
-    ~Simulator()
-    {
-        m_process.terminate();
-        m_process.waitForFinished();
-        if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
-            QTest::qFail("the simulator did not end well", __FILE__, __LINE__); // sanitizers speak last
     }
 
-    QUrl url() const { return m_url; }
-    QJsonObject send(const QByteArray &method, const QString &path, const QByteArray &body = {})
-    {
-        QNetworkRequest request(m_url.resolved(QUrl(path)));
-        request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
-        QNetworkReply *reply = m_manager.sendCustomRequest(request, method, body);
-        QEventLoop loop;
-        QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-        loop.exec();
-        reply->deleteLater();
-        return QJsonDocument::fromJson(reply->readAll()).object();
-    }
-    QJsonObject state() { return send("GET", "/control/state"); }
     /*! "wallboxes.0.status" as text; empty if there is nothing. */
     QString read(const QString &path)
     {
@@ -60,12 +34,6 @@ public:
                 value.isArray() ? QJsonValue(value.toArray().at(name.toInt())) : value.toObject().value(name);
         return value.toVariant().toString();
     }
-    QJsonValue wallbox(int index) { return state().value("wallboxes").toArray().at(index); }
-
-private:
-    QProcess m_process;
-    QUrl m_url;
-    QNetworkAccessManager m_manager;
 };
 
 /*! The host with the plugin, and the simulator as its gateway's backend. */
@@ -294,7 +262,7 @@ void TestPage::anyRequestIsText()
                                 R"({"limits": {"a": null}})",
                                 R"({"limits": {"<i>": {"value": 9}}})"};
     for (const QByteArray &body : bodies)
-        m_simulator->send("POST", "/<i>", body);
+        m_simulator->post("/<i>", body);
     QTRY_COMPARE(m_browser->text("#log").count("404"), bodies.size());
     m_browser->click("#log summary"); // the last one
     QTRY_VERIFY(m_browser->text("#log .request").contains("\"<i>\": {"));
