@@ -4,7 +4,6 @@
 #include "fakeplugin.h"
 
 #include <QDebug>
-#include <QTimer>
 
 namespace {
 
@@ -140,18 +139,7 @@ void FakePlugin::obey(ThingActionInfo *info, const QString &order)
         for (const bool on : {true, false, true, false})
             info->thing()->setStateValue(QStringLiteral("power"), on);
     }
-    if (order == QLatin1String("burn"))
-        burn(info->thing());
-    if (order == QLatin1String("grow"))
-        announceLamps(myThings().findById(info->thing()->parentId()));
     info->finish(Thing::ThingErrorNoError);
-}
-
-void FakePlugin::burn(Thing *lamp)
-{
-    auto *timer = new QTimer(lamp);
-    connect(timer, &QTimer::timeout, lamp, [lamp] { count(lamp, QStringLiteral("burnt")); });
-    timer->start(1);
 }
 
 void FakePlugin::thingRemoved(Thing *thing)

@@ -26,7 +26,6 @@ private:
     void announceLamps(const Thing *bridge);
     void announceNonsense(const Thing *bridge);
     void obey(ThingActionInfo *info, const QString &order);
-    void burn(Thing *lamp);
 };
 
 #endif // FAKEPLUGIN_H

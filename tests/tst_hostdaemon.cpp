@@ -10,6 +10,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
+constexpr char timeout[] = "ThingErrorTimeout: The plugin did not answer in time.";
+
 /*! A daemon with the fake plugin, and its reports as lines. */
 class Fixture
 {
@@ -70,17 +72,24 @@ public:
         return outcome(daemon->add(offer(setup, children)));
     }
 
+    /*! "ok", or the error with which the job ends. */
     static QString outcome(ThingJob *job)
     {
-        QString result;
-        QObject::connect(job, &ThingJob::finished, job, [job, &result] {
-            result = job->status() == Thing::ThingErrorNoError
+        const auto result = std::make_shared<QString>();
+        QObject::connect(job, &ThingJob::finished, job, [job, result] {
+            *result = job->status() == Thing::ThingErrorNoError
                 ? QStringLiteral("ok")
                 : QString::fromLatin1(QMetaEnum::fromType<Thing::ThingError>().valueToKey(job->status()))
                     + QLatin1String(": ") + job->displayMessage();
         });
-        [[maybe_unused]] const bool finished = QTest::qWaitFor([&result] { return !result.isEmpty(); });
-        return result;
+        [[maybe_unused]] const bool finished = QTest::qWaitFor([result] { return !result->isEmpty(); });
+        return *result;
+    }
+
+    void reportAnswer(ThingJob *job)
+    {
+        QObject::connect(job, &ThingJob::finished, daemon.get(),
+                         [this, job] { reports << "answered " + job->displayMessage(); });
     }
 
     ThingClass bridgeClass() const { return daemon->thingClasses().findByName(QStringLiteral("bridge")); }
@@ -122,7 +131,6 @@ private slots:
     void announcedWhileTheParentIsPending();
     void firstSetupFails_data();
     void firstSetupFails();
-    void unansweredJobs();
     void nonsenseIsRefused();
     void restartSetsUpParentsFirst();
     void restoredThingStaysWhenItsSetupFails();
@@ -134,7 +142,6 @@ private slots:
     void actionValues_data();
     void actionValues();
     void everyChangeIsReportedInOrder();
-    void discoveryParameters();
 };
 
 void TestHostDaemon::announcedWhileTheParentIsPending()
@@ -156,37 +163,24 @@ void TestHostDaemon::announcedWhileTheParentIsPending()
 void TestHostDaemon::firstSetupFails_data()
 {
     QTest::addColumn<QString>("setup");
-    QTest::newRow("by itself") << "fails";
-    QTest::newRow("with children already announced") << "announces and fails";
+    QTest::addColumn<QString>("error");
+    const QString error = "ThingErrorHardwareNotAvailable: The bridge does not answer.";
+    QTest::newRow("by itself") << "fails" << error;
+    QTest::newRow("with children already announced") << "announces and fails" << error;
+    QTest::newRow("for want of an answer") << "hangs" << timeout;
 }
 
 void TestHostDaemon::firstSetupFails()
 {
     QFETCH(QString, setup);
-    Fixture fixture;
-    QCOMPARE(fixture.addBridge(setup, 2),
-             QString("ThingErrorHardwareNotAvailable: The bridge does not answer."));
+    Fixture fixture(50ms);
+    QTEST(fixture.addBridge(setup, 2), "error");
     QCOMPARE(fixture.addBridge("succeeds"), QString("ok")); // the fence
     QCOMPARE(fixture.reports.mid(0, 3),
              QStringList({"failed Bridge A", "added Bridge A", "set up Bridge A"}));
     QCOMPARE(fixture.names(), QStringList("Bridge A"));
     fixture.start();
     QCOMPARE(fixture.names(), QStringList("Bridge A"));
-}
-
-void TestHostDaemon::unansweredJobs()
-{
-    Fixture fixture(50ms);
-    QCOMPARE(fixture.addBridge("hangs"), QString("ThingErrorTimeout: The plugin did not answer in time."));
-    QCOMPARE(fixture.names(), QStringList());
-    QCOMPARE(fixture.addBridge("announces", 1), QString("ok"));
-    QTRY_VERIFY(fixture.thing("Lamp 1"));
-    QCOMPARE(Fixture::outcome(fixture.daemon->execute(fixture.thing("Lamp 1"), "order", "hang")),
-             QString("ThingErrorTimeout: The plugin did not answer in time."));
-    const ParamType address = fixture.bridgeClass().discoveryParamTypes.findByName("address");
-    QCOMPARE(Fixture::outcome(fixture.daemon->discover(fixture.bridgeClass().id,
-                                                       QList<Param>{Param(address.id, "nobody")})),
-             QString("ThingErrorTimeout: The plugin did not answer in time."));
 }
 
 void TestHostDaemon::nonsenseIsRefused()
@@ -225,15 +219,14 @@ void TestHostDaemon::restoredThingStaysWhenItsSetupFails()
 {
     Fixture fixture(50ms);
     QCOMPARE(fixture.addBridge("succeeds"), QString("ok"));
-    QCOMPARE(fixture.addBridge("hangs"), QString("ThingErrorTimeout: The plugin did not answer in time."));
+    QCOMPARE(fixture.addBridge("hangs"), QString(timeout));
     fixture.start();
     QTRY_COMPARE(fixture.reports, QStringList({"Bridge A setups 3", "failed Bridge A"}));
     Thing *bridge = fixture.thing("Bridge A");
     QVERIFY(bridge);
     QCOMPARE(bridge->setupStatus(), Thing::ThingSetupStatusFailed);
     QCOMPARE(bridge->setupError(), Thing::ThingErrorTimeout);
-    QCOMPARE(Fixture::outcome(fixture.daemon->setup(bridge)),
-             QString("ThingErrorTimeout: The plugin did not answer in time."));
+    QCOMPARE(Fixture::outcome(fixture.daemon->setup(bridge)), QString(timeout));
     QCOMPARE(fixture.addBridge("succeeds"), QString("ok"));
     QCOMPARE(fixture.thing("Bridge A"), bridge);
     QCOMPARE(bridge->stateValue(QStringLiteral("setups")), QVariant(5u));
@@ -292,12 +285,13 @@ void TestHostDaemon::removalAnswersPendingJobs()
     Thing *bridge = fixture.thing("Bridge A");
     ThingJob *action = fixture.daemon->execute(fixture.thing("Lamp 1"), "order", "hang");
     ThingJob *setup = fixture.daemon->add(fixture.offer("hangs"));
+    fixture.reports.clear();
+    fixture.reportAnswer(action);
+    fixture.reportAnswer(setup);
     fixture.daemon->remove(bridge);
-    QStringList answers;
-    connect(action, &ThingJob::finished, this, [action, &answers] { answers << action->displayMessage(); });
-    connect(setup, &ThingJob::finished, this, [setup, &answers] { answers << setup->displayMessage(); });
-    QTRY_COMPARE(answers, QStringList({"Lamp 1 has been removed.", "Bridge A has been removed."}));
-    QCOMPARE(fixture.reports.last(), QString("removed Bridge A"));
+    QTRY_COMPARE(fixture.reports.filter("removed"),
+                 QStringList({"removed Lamp 1", "removed Bridge A", "answered Lamp 1 has been removed.",
+                              "answered Bridge A has been removed."}));
 }
 
 void TestHostDaemon::disappearedIsRemovedAtOnce()
@@ -340,6 +334,7 @@ void TestHostDaemon::actionValues_data()
         << "order" << QVariant(1) << invalid.arg("order") + "must be a text, not \"1\".";
     QTest::newRow("the plugin's refusal")
         << "order" << QVariant("fail") << "ThingErrorHardwareFailure: The lamp is broken.";
+    QTest::newRow("no answer") << "order" << QVariant("hang") << timeout;
     QTest::newRow("not writable") << "burnt" << QVariant(1)
                                   << "ThingErrorInvalidParameter: Lamp 1 has no such action.";
 }
@@ -349,7 +344,7 @@ void TestHostDaemon::actionValues()
     QFETCH(QString, state);
     QFETCH(QVariant, value);
     QFETCH(QString, outcome);
-    Fixture fixture;
+    Fixture fixture(50ms);
     QCOMPARE(fixture.addBridge("announces", 1), QString("ok"));
     QTRY_VERIFY(fixture.thing("Lamp 1"));
     Thing *lamp = fixture.thing("Lamp 1");
@@ -369,31 +364,12 @@ void TestHostDaemon::everyChangeIsReportedInOrder()
     fixture.reports.clear();
     ThingJob *job = fixture.daemon->execute(lamp, "order", "blink");
     QCOMPARE(fixture.reports, QStringList()); // together, once the plugin is done
-    QStringList reportsAtTheAnswer;
-    connect(job, &ThingJob::finished, this,
-            [&fixture, &reportsAtTheAnswer] { reportsAtTheAnswer = fixture.reports; });
+    fixture.reportAnswer(job);
     // A limit alone is no change of the value.
     lamp->setStateMaxValue(QStringLiteral("brightness"), 3);
-    QTRY_VERIFY(!reportsAtTheAnswer.isEmpty());
-    QCOMPARE(
-        reportsAtTheAnswer,
-        QStringList({"Lamp 1 power true", "Lamp 1 power false", "Lamp 1 power true", "Lamp 1 power false"}));
-}
-
-void TestHostDaemon::discoveryParameters()
-{
-    Fixture fixture;
-    const ThingClass lamp = fixture.daemon->thingClasses().findByName(QStringLiteral("lamp"));
-    QCOMPARE(
-        Fixture::outcome(fixture.daemon->discover(lamp.id, {})),
-        QString("ThingErrorCreationMethodNotSupported: Things of class lamp are not found by discovery."));
-    QCOMPARE(Fixture::outcome(fixture.daemon->discover(ThingClassId(), {})),
-             QString("ThingErrorThingClassNotFound: The plugin has no such thing class."));
-    const ParamType children = fixture.bridgeClass().discoveryParamTypes.findByName("children");
-    QCOMPARE(Fixture::outcome(
-                 fixture.daemon->discover(fixture.bridgeClass().id, QList<Param>{Param(children.id, 101)})),
-             QString("ThingErrorInvalidParameter: Parameter children must be at most 100, not \"101\"."));
-    QCOMPARE(Fixture::outcome(fixture.daemon->discover(fixture.bridgeClass().id, {})), QString("ok"));
+    QTRY_COMPARE(fixture.reports,
+                 QStringList({"Lamp 1 power true", "Lamp 1 power false", "Lamp 1 power true",
+                              "Lamp 1 power false", "answered "}));
 }
 
 QTEST_GUILESS_MAIN(TestHostDaemon)
