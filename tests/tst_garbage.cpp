@@ -19,7 +19,6 @@ private Q_SLOTS:
     void values();
     void hugeValues_data();
     void hugeValues();
-    void discovery();
     void groupInfo_data();
     void groupInfo();
     void valuesWithoutEnd();
@@ -247,20 +246,6 @@ void TestGarbage::hugeValues()
     QVERIFY(m_site->poll());
     QCOMPARE(m_site->state("EVSE-01", "connected"), QVariant(true));
     QCOMPARE(m_site->state("EVSE-01", "sessionEnergy"), QVariant(2.5));
-}
-
-void TestGarbage::discovery()
-{
-    for (const char *body : {"<html>Sign in</html>", "[]", "null", R"({"evse_ids":["EVSE-01"]})",
-                             "{\"evse_ids\":{\"\xff\":{}}}"}) {
-        m_site->backend.answer(ScriptedBackend::GroupInfo, 200, body);
-        QCOMPARE(Site::result(m_site->discover()),
-                 "SetupFailed: The OCPP Backend could not be reached!\nPlease check the entered URL.");
-    }
-    m_site->backend.answerNormally(ScriptedBackend::GroupInfo);
-    const Job discovery = m_site->discover();
-    QCOMPARE(Site::result(discovery), QString("NoError"));
-    QCOMPARE(discovery->offers.size(), 1);
 }
 
 void TestGarbage::groupInfo_data()

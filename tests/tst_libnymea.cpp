@@ -71,10 +71,8 @@ private Q_SLOTS:
     void stateConversion();
     void stateNotifiesOnChangeOnly();
     void maximumMovesAlone();
-    void thingShowsItself();
     void jobFinishesOnce();
     void jobTakesItsConnectionsAlong();
-    void jobEndsInTime();
     void pluginTimers();
     void metadataErrors_data();
     void metadataErrors();
@@ -133,15 +131,6 @@ void TestLibnymea::maximumMovesAlone()
              QVariant(32U)); // the class's stays
 }
 
-void TestLibnymea::thingShowsItself()
-{
-    Thing thing(thingClass());
-    thing.setName("Garage");
-    QString text;
-    QDebug(&text) << &thing << 1;
-    QCOMPARE(text, QString("Thing(Garage, class box, id %1) 1 ").arg(thing.id().toString()));
-}
-
 void TestLibnymea::jobFinishesOnce()
 {
     LogRecorder log("Thing");
@@ -171,15 +160,6 @@ void TestLibnymea::jobTakesItsConnectionsAlong()
     QCOMPARE(calls, 1);
 }
 
-void TestLibnymea::jobEndsInTime()
-{
-    QPointer<ThingJob> job = new ThingDiscoveryInfo({}, {}, 1ms, this);
-    Thing::ThingError status = Thing::ThingErrorNoError;
-    connect(job.data(), &ThingJob::finished, job.data(), [&status, job] { status = job->status(); });
-    QTRY_VERIFY(!job);
-    QCOMPARE(status, Thing::ThingErrorTimeout);
-}
-
 void TestLibnymea::pluginTimers()
 {
     LogRecorder log("Thing");
@@ -205,40 +185,32 @@ void TestLibnymea::pluginTimers()
 
 void TestLibnymea::metadataErrors_data()
 {
-    QTest::addColumn<QJsonObject>("change"); // of a sound state
+    QTest::addColumn<QString>("key"); // of a sound state
+    QTest::addColumn<QJsonValue>("value");
     QTest::addColumn<QStringList>("errors");
-    QTest::newRow("sound") << QJsonObject() << QStringList();
-    QTest::newRow("no id") << QJsonObject{
-        {"id", "7"}
-    } << QStringList("box.uint: \"id\" is not a UUID");
-    QTest::newRow("id of another item") << QJsonObject{ { "id", "00000000-0000-0000-0000-000000000003" } }
-                                        << QStringList("box.uint: \"id\" {00000000-0000-0000-0000-000000000003} is "
-                                                       "used twice");
-    QTest::newRow("type") << QJsonObject{
-        {"type",
-         "number"}
-    } << QStringList("box.number: type \"number\" is not supported");
-    QTest::newRow("unit") << QJsonObject{
-        {"unit",
-         "Furlong"}
-    } << QStringList("box.uint: unit \"Furlong\" is not known");
-    QTest::newRow("default") << QJsonObject{
-        {"defaultValue",
-         QJsonArray()}
-    } << QStringList("box.uint: \"defaultValue\" does not fit the type");
-    QTest::newRow("no display name") << QJsonObject{
-        {"displayName", ""}
-    } << QStringList("box.uint: \"displayName\" is not a text");
+    const auto row = [](const char *name, const char *key, const QJsonValue &value, const char *error) {
+        QTest::newRow(name) << key << value << QString(error).split('\n', Qt::SkipEmptyParts);
+    };
+    row("sound", "type", "uint", "");
+    row("no id", "id", "7", "box.uint: \"id\" is not a UUID");
+    row("id of another item", "id", "00000000-0000-0000-0000-000000000003",
+        "box.uint: \"id\" {00000000-0000-0000-0000-000000000003} is used twice");
+    row("type", "type", "number", "box.number: type \"number\" is not supported");
+    row("unit", "unit", "Furlong", "box.uint: unit \"Furlong\" is not known");
+    row("default", "defaultValue", QJsonArray(), "box.uint: \"defaultValue\" does not fit the type");
+    row("no display name", "displayName", "", "box.uint: \"displayName\" is not a text");
 }
 
 void TestLibnymea::metadataErrors()
 {
-    QFETCH(QJsonObject, change);
+    QFETCH(QString, key);
+    QFETCH(QJsonValue, value);
     QFETCH(QStringList, errors);
-    const PluginMetadata metadata = ::metadata({
-        merged({{"type", "uint"}},
-        change)
-    });
+    QJsonObject state{
+        {"type", "uint"}
+    };
+    state[key] = value;
+    const PluginMetadata metadata = ::metadata({state});
     QCOMPARE(metadata.validationErrors(), errors);
     QCOMPARE(metadata.isValid(), errors.isEmpty());
 }

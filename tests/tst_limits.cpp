@@ -27,7 +27,6 @@ private Q_SLOTS:
     void equalActionsAreSignsOfLife();
     void restartIsSilent();
     void limitsAreNotRetried();
-    void pollsGoOnWithoutAnswers();
 };
 
 namespace {
@@ -260,19 +259,6 @@ void TestLimits::limitsAreNotRetried()
     QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 12)), "NoError");
     QVERIFY(site.poll());
     QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{10, 12}));
-}
-
-void TestLimits::pollsGoOnWithoutAnswers()
-{
-    Site site;
-    QCOMPARE(site.addGateway(), QString());
-    site.backend.hold(Backend::Values);
-    for (int poll = 1; poll <= 3; ++poll) {
-        site.tick();
-        QTRY_COMPARE(site.backend.requests(Backend::Values).size(), poll);
-        QCOMPARE(site.polledIds(), QStringList("EVSE-01"));
-    }
-    QCOMPARE(site.backend.limits().size(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestLimits)

@@ -15,9 +15,9 @@ private Q_SLOTS:
     void status();
     void currents_data();
     void currents();
-    void mistypedMembers();
     void timestamp_data();
     void timestamp();
+    void zoneMayChange();
     void energyDrawn_data();
     void energyDrawn();
 };
@@ -87,30 +87,6 @@ void TestLiveValues::currents()
     QTEST(values.phaseCount, "phases");
 }
 
-void TestLiveValues::mistypedMembers()
-{
-    const LiveValues values = mapLiveValues({
-        {"status",      3   },
-        {"phase_1",     "16"},
-        {"meter_value", "12"},
-        {"timestamp",   17  }
-    });
-    QCOMPARE(values.state, "Unavailable");
-    QCOMPARE(values.sessionEnergy, 0.0);
-    QCOMPARE(values.timestampText, QString());
-    QCOMPARE(mapLiveValues({
-                               {"status",  "Charging"},
-                               {"phase_1", "16"      }
-    })
-                 .currentPower,
-             0.0);
-    QCOMPARE(mapLiveValues({
-                               {"meter_value", 3500}
-    })
-                 .sessionEnergy,
-             3.5);
-}
-
 void TestLiveValues::timestamp_data()
 {
     QTest::addColumn<qint64>("time"); // -1: none
@@ -134,6 +110,19 @@ void TestLiveValues::timestamp()
     });
     QTEST(values.timestamp.value_or(-1), "time");
     QCOMPARE(values.timestampText, QTest::currentDataTag());
+}
+
+/*! Where a time names no zone it is local time, also when the daemon's zone is another one by then. */
+void TestLiveValues::zoneMayChange()
+{
+    const QJsonObject record{
+        {"timestamp", "2024-05-01T12:00:00"}
+    };
+    const qint64 before = mapLiveValues(record).timestamp.value_or(-1);
+    qputenv("TZ", "UTC-3");
+    const qint64 after = mapLiveValues(record).timestamp.value_or(-1);
+    qputenv("TZ", "UTC-2");
+    QCOMPARE(before - after, 3600);
 }
 
 void TestLiveValues::energyDrawn_data()

@@ -242,30 +242,17 @@ void TestNetworkHandler::url_data()
     QTest::addColumn<QString>("suffix"); // of the backend's URL
     QTest::addColumn<QString>("groupId");
     QTest::addColumn<QString>("target");
-    QTest::newRow("trailing slash") << "/"
-                                    << "yard"
-                                    << "/vela/get_values/yard";
-    QTest::newRow("path is replaced") << "/api/v1"
-                                      << "yard"
-                                      << "/vela/get_values/yard";
-    QTest::newRow("query stays") << "/api?tenant=7"
-                                 << "yard"
-                                 << "/vela/get_values/yard?tenant=7";
-    QTest::newRow("no group id") << ""
-                                 << ""
-                                 << "/vela/get_values/";
-    QTest::newRow("space") << ""
-                           << "my yard"
-                           << "/vela/get_values/my%20yard";
-    QTest::newRow("percent sign is literal") << ""
-                                             << "50%20"
-                                             << "/vela/get_values/50%2520";
-    QTest::newRow("question mark is no query") << ""
-                                               << "a?b#c"
-                                               << "/vela/get_values/a%3Fb%23c";
-    QTest::newRow("umlaut") << ""
-                            << "höfe"
-                            << "/vela/get_values/h%C3%B6fe";
+    const auto row = [](const char *name, const char *suffix, const char *groupId, const char *target) {
+        QTest::newRow(name) << suffix << groupId << target;
+    };
+    row("trailing slash", "/", "yard", "/vela/get_values/yard");
+    row("path is replaced", "/api/v1", "yard", "/vela/get_values/yard");
+    row("query stays", "/api?tenant=7", "yard", "/vela/get_values/yard?tenant=7");
+    row("no group id", "", "", "/vela/get_values/");
+    row("space", "", "my yard", "/vela/get_values/my%20yard");
+    row("percent sign is literal", "", "50%20", "/vela/get_values/50%2520");
+    row("question mark is no query", "", "a?b#c", "/vela/get_values/a%3Fb%23c");
+    row("umlaut", "", "höfe", "/vela/get_values/h%C3%B6fe");
 }
 
 /*! With an empty secret and no ids, both of which are sent nevertheless. */

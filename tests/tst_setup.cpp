@@ -23,7 +23,6 @@ private Q_SLOTS:
     void wallboxMovesMaximumBeforeValue();
     void wallboxNeedsNoGateway();
     void timersExistOnce();
-    void everySetupConnectsTheValuesOnceMore();
     void restartRestoresEverything();
     void sameInfraIdTwice();
 };
@@ -184,16 +183,6 @@ void TestSetup::timersExistOnce()
     site.tick();
     QCOMPARE(site.log.count("debug: postSetupThing() - m_chargeLimitTimer timeout."), 1);
     QCOMPARE(site.log.count("debug: Update the values for all connected wallboxes."), 1);
-}
-
-void TestSetup::everySetupConnectsTheValuesOnceMore()
-{
-    Site site;
-    QCOMPARE(site.addGateway(), QString());
-    QCOMPARE(Site::result(site.setup(site.gateway())), "NoError");
-    site.log.clear();
-    QVERIFY(site.poll());
-    QCOMPARE(site.log.count("debug: setupConnects() - valuesReceived"), 2);
 }
 
 void TestSetup::restartRestoresEverything()
