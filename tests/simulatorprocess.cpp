@@ -3,8 +3,9 @@
 
 #include "simulatorprocess.h"
 
+#include "json.h"
+
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -14,7 +15,7 @@ constexpr int patience = 10000; // ms, far above what anything here takes
 
 QJsonObject SimulatorProcess::Answer::json() const
 {
-    return QJsonDocument::fromJson(body).object();
+    return ::json(body);
 }
 
 SimulatorProcess::SimulatorProcess(const QStringList &options)

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "json.h"
 #include "livevalues.h"
 
 #include <QDateTime>
@@ -18,8 +19,6 @@ private Q_SLOTS:
     void timestamp_data();
     void timestamp();
     void zoneMayChange();
-    void energyDrawn_data();
-    void energyDrawn();
 };
 
 void TestLiveValues::initTestCase()
@@ -115,35 +114,12 @@ void TestLiveValues::timestamp()
 /*! Where a time names no zone it is local time, also when the daemon's zone is another one by then. */
 void TestLiveValues::zoneMayChange()
 {
-    const QJsonObject record{
-        {"timestamp", "2024-05-01T12:00:00"}
-    };
+    const QJsonObject record = json(R"({"timestamp": "2024-05-01T12:00:00"})");
     const qint64 before = mapLiveValues(record).timestamp.value_or(-1);
     qputenv("TZ", "UTC-3");
     const qint64 after = mapLiveValues(record).timestamp.value_or(-1);
     qputenv("TZ", "UTC-2");
     QCOMPARE(before - after, 3600);
-}
-
-void TestLiveValues::energyDrawn_data()
-{
-    QTest::addColumn<double>("previous");
-    QTest::addColumn<double>("current");
-    QTest::addColumn<double>("drawn");
-    QTest::newRow("the session goes on") << 2.5 << 3.5 << 1.0;
-    QTest::newRow("nothing drawn") << 3.5 << 3.5 << 0.0;
-    QTest::newRow("a new session has begun") << 3.5 << 0.2 << 0.0;
-    QTest::newRow("a session begins at 0") << 3.5 << 0.0 << 0.0;
-    QTest::newRow("after a restart") << 0.0 << 12.0 << 0.0;
-    QTest::newRow("the first watt-hour") << 0.0 << 0.001 << 0.0;
-    QTest::newRow("from a negative reading") << -1.0 << 1.0 << 2.0;
-}
-
-void TestLiveValues::energyDrawn()
-{
-    QFETCH(double, previous);
-    QFETCH(double, current);
-    QTEST(::energyDrawn(previous, current), "drawn");
 }
 
 QTEST_APPLESS_MAIN(TestLiveValues)

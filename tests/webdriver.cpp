@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
+
 #include "webdriver.h"
 
+#include "json.h"
+
 #include <QEventLoop>
-#include <QJsonDocument>
 #include <QNetworkReply>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -11,26 +13,26 @@
 namespace {
 constexpr int patience = 30000; // ms; a first start on a busy machine takes seconds
 
+QJsonObject member(const QString &name, const QJsonValue &value)
+{
+    QJsonObject object;
+    object.insert(name, value);
+    return object;
+}
+
 QJsonObject capabilities(const QString &profile)
 {
-    const QJsonArray arguments{"--headless",
-                               "--no-sandbox",
-                               "--disable-gpu",
-                               "--disable-quic",
-                               "--no-first-run",
-                               "--disable-background-networking",
-                               "--disable-component-update",
-                               "--disable-sync",
-                               "--user-data-dir=" + profile};
-    const QJsonObject options{
-        {"args", arguments}
-    };
-    const QJsonObject always{
-        {"goog:chromeOptions", options}
-    };
-    return {
-        {"capabilities", QJsonObject{{"alwaysMatch", always}}}
-    };
+    QJsonArray arguments{"--headless",
+                         "--no-sandbox",
+                         "--disable-gpu",
+                         "--disable-quic",
+                         "--no-first-run",
+                         "--disable-background-networking",
+                         "--disable-component-update",
+                         "--disable-sync"};
+    arguments.append("--user-data-dir=" + profile);
+    const QJsonObject options = member("goog:chromeOptions", member("args", arguments));
+    return member("capabilities", member("alwaysMatch", options));
 }
 
 QString driverUrl(QProcess &driver)
@@ -68,19 +70,14 @@ bool WebDriver::isInstalled()
 
 void WebDriver::open(const QUrl &url)
 {
-    call("POST", "/url",
-         {
-             {"url", url.toString()}
-    });
+    call("POST", "/url", member("url", url.toString()));
 }
 
 QJsonValue WebDriver::run(const QString &script, const QJsonArray &arguments)
 {
-    return call("POST", "/execute/sync",
-                {
-                    {"script", script   },
-                    {"args",   arguments}
-    });
+    QJsonObject body = member("script", script);
+    body.insert("args", arguments);
+    return call("POST", "/execute/sync", body);
 }
 
 QString WebDriver::text(const QString &selector)
@@ -97,49 +94,27 @@ void WebDriver::fill(const QString &selector, const QString &text)
 {
     const QString path = pathOf(selector);
     call("POST", path + "/clear");
-    call("POST", path + "/value",
-         {
-             {"text", text}
-    });
+    call("POST", path + "/value", member("text", text));
 }
 
 void WebDriver::press(const QString &keys)
 {
-    QJsonArray strokes;
-    for (const QChar key : keys) {
-        strokes.append(QJsonObject{
-            {"type",  "keyDown"   },
-            {"value", QString(key)}
-        });
-        strokes.append(QJsonObject{
-            {"type",  "keyUp"     },
-            {"value", QString(key)}
-        });
-    }
-    const QJsonObject keyboard{
-        {"type",    "key"     },
-        {"id",      "keyboard"},
-        {"actions", strokes   }
-    };
+    QStringList strokes;
+    for (const QChar key : keys)
+        strokes.append(
+            QString(R"({"type": "keyDown", "value": "%1"}, {"type": "keyUp", "value": "%1"})").arg(key));
     call("POST", "/actions",
-         {
-             {"actions", QJsonArray{keyboard}}
-    });
+         json(QString(R"({"actions": [{"type": "key", "id": "keyboard", "actions": [%1]}]})")
+                  .arg(strokes.join(','))
+                  .toUtf8()));
 }
 
 void WebDriver::resize(int width, int height)
 {
-    const QJsonObject metrics{
-        {"width",             width },
-        {"height",            height},
-        {"deviceScaleFactor", 1     },
-        {"mobile",            false }
-    };
+    const QString metrics = R"({"width": %1, "height": %2, "deviceScaleFactor": 1, "mobile": false})";
     call("POST", "/goog/cdp/execute",
-         {
-             {"cmd",    "Emulation.setDeviceMetricsOverride"},
-             {"params", metrics                             }
-    });
+         json(R"({"cmd": "Emulation.setDeviceMetricsOverride", "params": )"
+              + metrics.arg(width).arg(height).toUtf8() + '}'));
 }
 
 QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const QJsonObject &body)
@@ -163,11 +138,9 @@ QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const 
 
 QString WebDriver::pathOf(const QString &selector)
 {
-    const QJsonValue element = call("POST", "/element",
-                                    {
-                                        {"using", "css selector"},
-                                        {"value", selector      }
-    });
+    QJsonObject search = member("using", "css selector");
+    search.insert("value", selector);
+    const QJsonValue element = call("POST", "/element", search);
     return "/element/"
         + element.toObject().begin().value().toString(); // its key is a constant of the protocol
 }
