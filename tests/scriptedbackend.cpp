@@ -3,7 +3,7 @@
 
 #include "scriptedbackend.h"
 
-#include <QJsonDocument>
+#include "json.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -62,14 +62,14 @@ bool takeRequest(QByteArray &buffer, ScriptedBackend::Request &request)
 
 QJsonObject ScriptedBackend::Request::json() const
 {
-    return QJsonDocument::fromJson(body).object();
+    return ::json(body);
 }
 
 ScriptedBackend::ScriptedBackend()
 {
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket *socket = m_server.nextPendingConnection())
-            accept(socket, ++m_connections);
+            accept(socket);
     });
     if (!m_server.listen(QHostAddress::LocalHost))
         qFatal("The scripted backend cannot listen: %s", qPrintable(m_server.errorString()));
@@ -108,28 +108,21 @@ void ScriptedBackend::closeConnections()
 
 void ScriptedBackend::setWallbox(const QString &infraId, int maxChargingCurrent)
 {
-    wallboxes.insert(infraId,
-                     QJsonObject{
-                         {"max_charging_current", maxChargingCurrent}
-    });
+    QJsonObject wallbox;
+    wallbox.insert("max_charging_current", maxChargingCurrent);
+    wallboxes.insert(infraId, wallbox);
 }
 
 void ScriptedBackend::setStatus(const QString &infraId, const QString &status)
 {
-    values.insert(infraId,
-                  QJsonObject{
-                      {"status", status}
-    });
+    QJsonObject record;
+    record.insert("status", status);
+    values.insert(infraId, record);
 }
 
 void ScriptedBackend::answer(Operation operation, int status, const QByteArray &body)
 {
     m_scripts.insert(operation, {Script::Respond, status, body});
-}
-
-void ScriptedBackend::answerRaw(Operation operation, const QByteArray &bytes)
-{
-    m_scripts.insert(operation, {Script::Raw, 0, bytes});
 }
 
 void ScriptedBackend::hangUp(Operation operation, const QByteArray &bytes)
@@ -220,16 +213,15 @@ int ScriptedBackend::openConnections() const
     return m_server.findChildren<QTcpSocket *>().size();
 }
 
-void ScriptedBackend::accept(QTcpSocket *socket, int number)
+void ScriptedBackend::accept(QTcpSocket *socket)
 {
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    connect(socket, &QTcpSocket::readyRead, this, [this, socket, number, buffer = QByteArray()]() mutable {
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket, buffer = QByteArray()]() mutable {
         buffer += socket->readAll();
         // Qt writes a POST's header and body apart and waits for the first to be acknowledged.
         const int yes = 1;
         setsockopt(int(socket->socketDescriptor()), IPPROTO_TCP, TCP_QUICKACK, &yes, sizeof yes);
         Request request;
-        request.connection = number;
         while (takeRequest(buffer, request))
             serve(socket, request);
     });
@@ -245,9 +237,6 @@ void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
         break;
     case Script::Respond:
         socket->write(response(script.status, script.bytes));
-        break;
-    case Script::Raw:
-        socket->write(script.bytes);
         break;
     case Script::HangUp:
         socket->write(script.bytes);
@@ -267,10 +256,9 @@ QByteArray ScriptedBackend::defaultBody(Operation operation) const
     QJsonObject body;
     if (operation == GroupInfo)
         body.insert("evse_ids", wallboxes);
-    if (operation == Values)
-        body = {
-            {"success", true  },
-            {"values",  values}
-        };
+    if (operation == Values) {
+        body.insert("success", true);
+        body.insert("values", values);
+    }
     return QJsonDocument(body).toJson();
 }

@@ -26,7 +26,6 @@ public:
         QByteArray target;                     //!< as on the request line, percent-encoded
         QHash<QByteArray, QByteArray> headers; //!< names in lower case
         QByteArray body;
-        int connection = 0; //!< counts from 1 in the order of connecting
 
         QJsonObject json() const;
     };
@@ -50,9 +49,7 @@ public:
 
     /*! Answers \a operation in this way until told otherwise. */
     void answer(Operation operation, int status, const QByteArray &body = "{}");
-    /*! Sends \a bytes in place of a response. */
-    void answerRaw(Operation operation, const QByteArray &bytes);
-    /*! Closes the connection instead of answering, after \a bytes. */
+    /*! Sends \a bytes in place of a response, and closes the connection. */
     void hangUp(Operation operation, const QByteArray &bytes = {});
     /*! Resets the connection in place of a response. */
     void reset(Operation operation);
@@ -82,18 +79,17 @@ public:
 private:
     struct Script
     {
-        enum { Normal, Respond, Raw, HangUp, Reset, Hold } kind = Normal;
+        enum { Normal, Respond, HangUp, Reset, Hold } kind = Normal;
         int status = 200;
         QByteArray bytes;
     };
 
-    void accept(QTcpSocket *socket, int number);
+    void accept(QTcpSocket *socket);
     void serve(QTcpSocket *socket, const Request &request);
     QByteArray defaultBody(Operation operation) const;
 
     QTcpServer m_server;
     QTcpSocket m_reservation; // keeps the port while the server is shut down
-    int m_connections = 0;
     QHash<Operation, Script> m_scripts;
     QHash<Operation, QList<QPointer<QTcpSocket>>> m_held; // children of the server
     QList<Request> m_requests;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "census.h"
+#include "json.h"
 #include "site.h"
 #include "waiting.h"
 
@@ -15,13 +16,15 @@
 
 using Backend = ScriptedBackend;
 
+using Act = void (*)(Site &site);
+
 /*! One thing that goes wrong between plugin and backend. */
 struct Fault
 {
-    void (*strike)(Site &site); //!< before each poll
-    QString logged;             //!< what a poll under it logs, as "ERROR HTTP-STATUS"
+    Act strike;      //!< before each poll
+    QString logged;  //!< what a poll under it logs, as "ERROR HTTP-STATUS"
     QString current; //!< what the wallbox shows meanwhile: "1" as before, "2" as the backend has it
-    void (*end)(Site &site);
+    Act end;
 };
 Q_DECLARE_METATYPE(Fault)
 
@@ -42,11 +45,9 @@ std::atomic<bool> namesResolve{true};
 
 void setCurrent(Site &site, int ampere)
 {
-    site.backend.values.insert("EVSE-01",
-                               QJsonObject{
-                                   {"status",  "Charging"},
-                                   {"phase_1", ampere    }
-    });
+    QJsonObject record = json(R"({"status": "Charging"})");
+    record.insert("phase_1", ampere);
+    site.backend.values.insert("EVSE-01", record);
 }
 
 /*! What the wallbox shows, as "CONNECTED CURRENT". */
@@ -153,31 +154,30 @@ void TestFaults::init()
 void TestFaults::fault_data()
 {
     QTest::addColumn<Fault>("fault");
-    const auto startUp = [](Site &site) { site.backend.startUp(); };
-    QTest::newRow("refused, then started on the same port")
-        << Fault{[](Site &site) { site.backend.shutDown(); }, "ConnectionRefusedError 0", "1", startUp};
-    QTest::newRow("restarted between polls") << Fault{[](Site &site) {
-                                                          site.backend.shutDown();
-                                                          site.backend.startUp();
-                                                      },
-                                                      QString(), "2", [](Site &) {}};
-    QTest::newRow("connection closed between polls")
-        << Fault{[](Site &site) { site.backend.closeConnections(); }, QString(), "2", [](Site &) {}};
-    QTest::newRow("accepted, answered after 30 s") << Fault{hold, QString(), "1", release};
-    QTest::newRow("accepted, never answered, then closed") << Fault{hold, QString(), "1", closeSilent};
-    QTest::newRow("closed without an answer")
-        << Fault{[](Site &site) { site.backend.hangUp(Backend::Values); }, "RemoteHostClosedError 0", "1",
-                 answerNormally};
-    QTest::newRow("closed mid-reply") << Fault{
-        [](Site &site) {
-            site.backend.hangUp(Backend::Values, "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"success\"");
-        },
-        "RemoteHostClosedError 200", "1", answerNormally};
-    QTest::newRow("reset") << Fault{[](Site &site) { site.backend.reset(Backend::Values); },
-                                    "RemoteHostClosedError 0", "1", answerNormally};
-    QTest::newRow("401") << Fault{answer<401>, "AuthenticationRequiredError 401", "1", answerNormally};
-    QTest::newRow("418") << Fault{answer<418>, "ProtocolInvalidOperationError 418", "1", answerNormally};
-    QTest::newRow("503") << Fault{answer<503>, "ServiceUnavailableError 503", "1", answerNormally};
+    const auto row = [](const char *name, Act strike, const QString &logged, const char *current,
+                        Act end = answerNormally) {
+        QTest::newRow(name) << Fault{strike, logged, current, end};
+    };
+    const Act shutDown = [](Site &site) { site.backend.shutDown(); };
+    const Act startUp = [](Site &site) { site.backend.startUp(); };
+    const Act restart = [](Site &site) { site.backend.shutDown(), site.backend.startUp(); };
+    const Act close = [](Site &site) { site.backend.closeConnections(); };
+    const Act reset = [](Site &site) { site.backend.reset(Backend::Values); };
+    const Act hangUp = [](Site &site) { site.backend.hangUp(Backend::Values); };
+    const Act cut = [](Site &site) {
+        site.backend.hangUp(Backend::Values, "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"success\"");
+    };
+    row("refused, then started on the same port", shutDown, "ConnectionRefusedError 0", "1", startUp);
+    row("restarted between polls", restart, "", "2");
+    row("connection closed between polls", close, "", "2");
+    row("accepted, answered after 30 s", hold, "", "1", release);
+    row("accepted, never answered, then closed", hold, "", "1", closeSilent);
+    row("closed without an answer", hangUp, "RemoteHostClosedError 0", "1");
+    row("closed mid-reply", cut, "RemoteHostClosedError 200", "1");
+    row("reset", reset, "RemoteHostClosedError 0", "1");
+    row("401", answer<401>, "AuthenticationRequiredError 401", "1");
+    row("418", answer<418>, "ProtocolInvalidOperationError 418", "1");
+    row("503", answer<503>, "ServiceUnavailableError 503", "1");
 }
 
 void TestFaults::fault()

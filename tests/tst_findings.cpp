@@ -77,8 +77,6 @@ private Q_SLOTS:
     void valuesReply();
     void record_data();
     void record();
-    void limitRequest_data();
-    void limitRequest();
     void mask_data();
     void mask();
     void cuttingLeavesNoPartOfASecret();
@@ -282,25 +280,6 @@ void TestFindings::record()
     record.insert(member, value);
     const QByteArray body = R"({"success": true, "values": {"a": )" + QJsonDocument(record).toJson() + "}}";
     QTEST(listed(judgeValues(body, {"a"}, noon())), "expected");
-}
-
-void TestFindings::limitRequest_data()
-{
-    QTest::addColumn<QString>("wallbox");
-    QTest::addColumn<double>("ampere");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("within") << "a" << 16.0 << "";
-    QTest::newRow("off") << "a" << 0.0 << "";
-    QTest::newRow("above") << "a" << 17.0 << "problem limit-not-sent a";
-    QTest::newRow("in another group") << "A" << 6.0 << "problem limit-not-sent A";
-}
-
-void TestFindings::limitRequest()
-{
-    QFETCH(QString, wallbox);
-    QFETCH(double, ampere);
-    const QJsonObject evseIds = json(R"({"a": {"max_charging_current": 16}})");
-    QTEST(listed(judgeLimitRequest({wallbox, ampere}, evseIds)), "expected");
 }
 
 void TestFindings::mask_data()

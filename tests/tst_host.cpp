@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "hostprocess.h"
+#include "json.h"
 
 #include <QtTest>
 
@@ -97,29 +98,16 @@ void TestHost::answersAndEvents()
              QStringList({"class", "id", "name", "params", "parentId", "setupStatus", "states"}));
     QCOMPARE(lamp.value("class").toString(), QString("lamp"));
     QCOMPARE(lamp.value("parentId").toString(), id);
-    QCOMPARE(lamp.value("params").toObject(),
-             (QJsonObject{
-                 {"number", 1}
-    }));
-    QCOMPARE(lamp.value("states").toObject(),
-             (QJsonObject{
-                 {"brightness",    5    },
-                 {"maxBrightness", 10   },
-                 {"power",         false},
-                 {"order",         ""   },
-                 {"burnt",         0    }
-    }));
+    QCOMPARE(lamp["params"].toObject(), json(R"({"number": 1})"));
+    QCOMPARE(lamp["states"].toObject(),
+             json(R"({"brightness": 5, "maxBrightness": 10, "power": false, "order": "", "burnt": 0})"));
     QCOMPARE(m_host->command("show Lamp").value("things").toArray(), QJsonArray{lamp});
 
     m_host->events.clear();
     QVERIFY(m_host->command("set 'Lamp 1' brightness 9").value("ok").toBool());
-    const QJsonObject change{
-        {"event",   "stateChanged"  },
-        {"thingId", lamp.value("id")},
-        {"name",    "Lamp 1"        },
-        {"state",   "brightness"    },
-        {"value",   9               }
-    };
+    QJsonObject change =
+        json(R"({"event": "stateChanged", "name": "Lamp 1", "state": "brightness", "value": 9})");
+    change["thingId"] = lamp["id"];
     QCOMPARE(m_host->events, QVector<QJsonObject>{change}); // before the answer
     QVERIFY(m_host->command("remove " + id).value("ok").toBool());
     QCOMPARE(m_host->eventsNamed("thingRemoved").size(), 2);
@@ -130,13 +118,8 @@ void TestHost::discoverAnswers()
 {
     QJsonObject answer = m_host->command("discover bridge address=A children=2");
     QCOMPARE(answer.value("thingError"), QJsonValue("ThingErrorNoError"));
-    QJsonObject offer{
-        {"title",       "Bridge A"                                    },
-        {"description", "A bridge"                                    },
-        {"class",       "bridge"                                      },
-        {"thingId",     QJsonValue()                                  },
-        {"params",      QJsonObject{{"address", "A"}, {"children", 2}}}
-    };
+    QJsonObject offer = json(R"({"title": "Bridge A", "description": "A bridge", "class": "bridge",
+        "thingId": null, "params": {"address": "A", "children": 2}})");
     QCOMPARE(answer.value("offers").toArray(), QJsonArray{offer});
     const QString id = m_host->command("add 1").value("thingId").toString();
     answer = m_host->command("discover bridge address=A children=2");

@@ -26,11 +26,7 @@ public:
     {
         daemon.reset();
         reports.clear();
-        Daemon::Options options;
-        options.pluginFile = QStringLiteral(FAKE_PLUGIN);
-        options.storageFolder = m_folder.path();
-        options.jobTimeout = m_jobTimeout;
-        daemon = std::make_unique<Daemon>(options);
+        daemon = std::make_unique<Daemon>(Daemon::Options{FAKE_PLUGIN, m_folder.path(), m_jobTimeout});
         record();
         error = daemon->load();
     }
@@ -59,9 +55,9 @@ public:
     {
         const ParamTypes types = bridgeClass().discoveryParamTypes;
         ParamList params;
-        params.append(Param(types.findByName(QStringLiteral("address")).id, QStringLiteral("A")));
-        params.append(Param(types.findByName(QStringLiteral("setup")).id, setup));
-        params.append(Param(types.findByName(QStringLiteral("children")).id, children));
+        params.append(Param(types.findByName("address").id, "A"));
+        params.append(Param(types.findByName("setup").id, setup));
+        params.append(Param(types.findByName("children").id, children));
         const ThingDiscoveryInfo *info = daemon->discover(bridgeClass().id, params);
         return info->thingDescriptors().value(0);
     }
@@ -78,9 +74,9 @@ public:
         const auto result = std::make_shared<QString>();
         QObject::connect(job, &ThingJob::finished, job, [job, result] {
             *result = job->status() == Thing::ThingErrorNoError
-                ? QStringLiteral("ok")
+                ? "ok"
                 : QString::fromLatin1(QMetaEnum::fromType<Thing::ThingError>().valueToKey(job->status()))
-                    + QLatin1String(": ") + job->displayMessage();
+                    + ": " + job->displayMessage();
         });
         [[maybe_unused]] const bool finished = QTest::qWaitFor([result] { return !result->isEmpty(); });
         return *result;
@@ -92,7 +88,7 @@ public:
                          [this, job] { reports << "answered " + job->displayMessage(); });
     }
 
-    ThingClass bridgeClass() const { return daemon->thingClasses().findByName(QStringLiteral("bridge")); }
+    ThingClass bridgeClass() const { return daemon->thingClasses().findByName("bridge"); }
 
     QString error;
     QStringList reports;
@@ -157,7 +153,7 @@ void TestHostDaemon::announcedWhileTheParentIsPending()
                  QStringList({"added Bridge A", "set up Bridge A", "Bridge A postSetups 1", "added Lamp 1",
                               "set up Lamp 1", "added Lamp 2", "set up Lamp 2"}));
     QCOMPARE(fixture.thing("Lamp 2")->parentId(), fixture.thing("Bridge A")->id());
-    QCOMPARE(fixture.thing("Lamp 2")->paramValue(QStringLiteral("number")), QVariant(2u));
+    QCOMPARE(fixture.thing("Lamp 2")->paramValue("number"), QVariant(2u));
 }
 
 void TestHostDaemon::firstSetupFails_data()
@@ -229,7 +225,7 @@ void TestHostDaemon::restoredThingStaysWhenItsSetupFails()
     QCOMPARE(Fixture::outcome(fixture.daemon->setup(bridge)), QString(timeout));
     QCOMPARE(fixture.addBridge("succeeds"), QString("ok"));
     QCOMPARE(fixture.thing("Bridge A"), bridge);
-    QCOMPARE(bridge->stateValue(QStringLiteral("setups")), QVariant(5u));
+    QCOMPARE(bridge->stateValue("setups"), QVariant(5u));
 }
 
 void TestHostDaemon::reconfiguresTheLivingThing()
@@ -239,9 +235,9 @@ void TestHostDaemon::reconfiguresTheLivingThing()
     Thing *bridge = fixture.thing("Bridge A");
     QCOMPARE(fixture.addBridge("announces", 3), QString("ok"));
     QCOMPARE(fixture.thing("Bridge A"), bridge);
-    QCOMPARE(bridge->paramValue(QStringLiteral("children")), QVariant(3u));
+    QCOMPARE(bridge->paramValue("children"), QVariant(3u));
     QTRY_COMPARE(fixture.names().size(), 4);
-    QTRY_COMPARE(bridge->stateValue(QStringLiteral("postSetups")), QVariant(2u));
+    QTRY_COMPARE(bridge->stateValue("postSetups"), QVariant(2u));
     QCOMPARE(fixture.reports.count("added Bridge A"), 1);
     QCOMPARE(fixture.reports.count("set up Bridge A"), 2);
 }
@@ -257,8 +253,8 @@ void TestHostDaemon::pendingSetupRefusesAnother()
         "ThingErrorThingInUse: A set-up of Bridge A is pending; wait until it has finished.";
     QCOMPARE(Fixture::outcome(fixture.daemon->setup(bridge)), refusal);
     QCOMPARE(Fixture::outcome(fixture.daemon->add(other)), refusal);
-    QCOMPARE(bridge->paramValue(QStringLiteral("setup")), QVariant("hangs"));
-    QCOMPARE(bridge->stateValue(QStringLiteral("setups")), QVariant(2u));
+    QCOMPARE(bridge->paramValue("setup"), QVariant("hangs"));
+    QCOMPARE(bridge->stateValue("setups"), QVariant(2u));
 }
 
 void TestHostDaemon::removesChildrenFirst()
@@ -366,7 +362,7 @@ void TestHostDaemon::everyChangeIsReportedInOrder()
     QCOMPARE(fixture.reports, QStringList()); // together, once the plugin is done
     fixture.reportAnswer(job);
     // A limit alone is no change of the value.
-    lamp->setStateMaxValue(QStringLiteral("brightness"), 3);
+    lamp->setStateMaxValue("brightness", 3);
     QTRY_COMPARE(fixture.reports,
                  QStringList({"Lamp 1 power true", "Lamp 1 power false", "Lamp 1 power true",
                               "Lamp 1 power false", "answered "}));

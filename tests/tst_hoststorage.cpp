@@ -2,12 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "hostprocess.h"
+#include "json.h"
 
 #include <daemon.h>
 
 #include <QtTest>
-
-#include <QJsonDocument>
 
 #include <sys/stat.h>
 
@@ -88,16 +87,14 @@ void TestHostStorage::write(const QString &file, const QByteArray &content) cons
 
 QJsonArray TestHostStorage::storedThings() const
 {
-    return QJsonDocument::fromJson(content("things.json")).object().value("things").toArray();
+    return json(content("things.json")).value("things").toArray();
 }
 
 void TestHostStorage::storeThings(const QJsonArray &things) const
 {
-    write("things.json",
-          QJsonDocument(QJsonObject{
-                            {"things", things}
-    })
-              .toJson());
+    QJsonObject document;
+    document.insert("things", things);
+    write("things.json", QJsonDocument(document).toJson());
 }
 
 void TestHostStorage::restoresThings()
@@ -228,9 +225,9 @@ void TestHostStorage::valuesThatDoNotFit()
     QJsonObject params = bridge.value("params").toObject();
     params["00000000-0000-4000-8000-000000000013"] = stored;
     bridge["params"] = params;
-    bridge["states"] = QJsonObject{
-        {"00000000-0000-4000-8000-000000000017", stored}
-    };
+    QJsonObject states;
+    states["00000000-0000-4000-8000-000000000017"] = stored;
+    bridge["states"] = states;
     storeThings({bridge});
     auto restarted = host();
     restarted->nextEvent("setupFinished");

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "json.h"
 #include "logrecorder.h"
 
 #include <hardwaremanager.h>
@@ -30,12 +31,9 @@ PluginMetadata metadata(const QVector<QJsonObject> &states)
 {
     int ids = 0;
     const auto item = [&ids](const QString &name) {
-        const QString id = QString("00000000-0000-0000-0000-00000000000%1").arg(++ids);
-        return QJsonObject{
-            {"name",        name},
-            {"displayName", name},
-            {"id",          id  }
-        };
+        const QString text =
+            R"({"name": "%1", "displayName": "%1", "id": "00000000-0000-0000-0000-00000000000%2"})";
+        return json(text.arg(name).arg(++ids).toUtf8());
     };
     QJsonObject plugin = item("plugin");
     QJsonObject vendor = item("vendor");
@@ -51,14 +49,11 @@ PluginMetadata metadata(const QVector<QJsonObject> &states)
 
 ThingClass thingClass()
 {
-    const QJsonObject limited{
-        {"type",         "uint"},
-        {"defaultValue", 16    },
-        {"maxValue",     32    }
-    };
-    return metadata({{{"type", "bool"}}, limited, {{"type", "double"}}, {{"type", "QString"}}})
+    const QJsonObject limited = json(R"({"type": "uint", "defaultValue": 16, "maxValue": 32})");
+    return metadata({json(R"({"type": "bool"})"), limited, json(R"({"type": "double"})"),
+                     json(R"({"type": "QString"})")})
         .thingClasses()
-        .first();
+        .constFirst();
 }
 
 } // namespace
@@ -70,7 +65,6 @@ private Q_SLOTS:
     void stateConversion_data();
     void stateConversion();
     void stateNotifiesOnChangeOnly();
-    void maximumMovesAlone();
     void jobFinishesOnce();
     void jobTakesItsConnectionsAlong();
     void pluginTimers();
@@ -116,19 +110,6 @@ void TestLibnymea::stateNotifiesOnChangeOnly()
     QCOMPARE(spy.count(), 1);
     QCOMPARE(spy[0],
              (QVariantList{QVariant::fromValue(thing.state("uint").stateTypeId()), 10U, QVariant(), 32U}));
-}
-
-void TestLibnymea::maximumMovesAlone()
-{
-    Thing thing(thingClass());
-    QSignalSpy spy(&thing, &Thing::stateValueChanged);
-    thing.setStateMaxValue("uint", 10);
-    thing.setStateMaxValue("uint", 10U);
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(thing.stateValue("uint"), QVariant(16U));
-    QCOMPARE(thing.state("uint").maxValue(), QVariant(10U));
-    QCOMPARE(thing.thingClass().stateTypes.findByName("uint").maxValue,
-             QVariant(32U)); // the class's stays
 }
 
 void TestLibnymea::jobFinishesOnce()
@@ -206,9 +187,7 @@ void TestLibnymea::metadataErrors()
     QFETCH(QString, key);
     QFETCH(QJsonValue, value);
     QFETCH(QStringList, errors);
-    QJsonObject state{
-        {"type", "uint"}
-    };
+    QJsonObject state = json(R"({"type": "uint"})");
     state[key] = value;
     const PluginMetadata metadata = ::metadata({state});
     QCOMPARE(metadata.validationErrors(), errors);

@@ -25,7 +25,6 @@ private Q_SLOTS:
     void renewalFollowsTheStates();
     void renewalEndsAfterThirtySeconds();
     void equalActionsAreSignsOfLife();
-    void restartIsSilent();
     void limitsAreNotRetried();
 };
 
@@ -77,40 +76,35 @@ void TestLimits::silence()
 void TestLimits::actions_data()
 {
     QTest::addColumn<bool>("power");
-    QTest::addColumn<uint>("current");
     QTest::addColumn<QString>("state");
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<QStringList>("changes");
     QTest::addColumn<QList<double>>("limits");
     using Limits = QList<double>;
-    QTest::newRow("another current enables as well")
-        << false << 10U << "maxChargingCurrent" << QVariant(16)
-        << QStringList{"maxChargingCurrent 16", "power true"} << Limits{16};
-    QTest::newRow("another current while enabled") << true << 10U << "maxChargingCurrent" << QVariant(16)
-                                                   << QStringList{"maxChargingCurrent 16"} << Limits{16};
-    QTest::newRow("the same current does not enable")
-        << false << 10U << "maxChargingCurrent" << QVariant(10) << QStringList() << Limits();
-    QTest::newRow("disable") << true << 10U << "power" << QVariant(false) << QStringList{"power false"}
-                             << Limits{0};
-    QTest::newRow("disable what is disabled")
-        << false << 10U << "power" << QVariant(false) << QStringList() << Limits();
-    QTest::newRow("enable: no limit yet")
-        << false << 10U << "power" << QVariant(true) << QStringList{"power true"} << Limits();
-    QTest::newRow("enable what is enabled")
-        << true << 10U << "power" << QVariant(true) << QStringList() << Limits();
+    const auto row = [](const char *name, bool power, const char *state, const QVariant &value,
+                        const QStringList &changes, const Limits &limits) {
+        QTest::newRow(name) << power << state << value << changes << limits;
+    };
+    row("another current enables as well", false, "maxChargingCurrent", 16,
+        {"maxChargingCurrent 16", "power true"}, {16});
+    row("another current while enabled", true, "maxChargingCurrent", 16, {"maxChargingCurrent 16"}, {16});
+    row("the same current does not enable", false, "maxChargingCurrent", 10, {}, {});
+    row("disable", true, "power", false, {"power false"}, {0});
+    row("disable what is disabled", false, "power", false, {}, {});
+    row("enable: no limit yet", false, "power", true, {"power true"}, {});
+    row("enable what is enabled", true, "power", true, {}, {});
 }
 
 void TestLimits::actions()
 {
     QFETCH(bool, power);
-    QFETCH(uint, current);
     QFETCH(QString, state);
     QFETCH(QVariant, value);
     Site site;
     QCOMPARE(site.addGateway(), QString());
     Thing *wallbox = site.wallbox("EVSE-01");
     wallbox->setStateValue("power", power);
-    wallbox->setStateValue("maxChargingCurrent", current);
+    wallbox->setStateValue("maxChargingCurrent", 10U);
     const StateWatch watch(wallbox);
     site.log.clear();
     const Job action = site.set("EVSE-01", state, value);
@@ -229,21 +223,6 @@ void TestLimits::equalActionsAreSignsOfLife()
     site.fireChargeLimitTimer();
     QVERIFY(site.poll());
     QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{16});
-}
-
-void TestLimits::restartIsSilent()
-{
-    Site site;
-    QCOMPARE(prepare(site), QString());
-    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 10)), "NoError");
-    site.log.clear();
-    site.restart();
-    QTRY_COMPARE(site.log.count("debug: Post Setup OCPP Plugin."), 3);
-    site.fireChargeLimitTimer();
-    QVERIFY(site.poll());
-    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 8)), "NoError");
-    QVERIFY(site.poll());
-    QCOMPARE(texts(site.backend.limits()), QStringList(R"({"EVSE-01":{"unit":"A","value":8}})"));
 }
 
 void TestLimits::limitsAreNotRetried()

@@ -16,7 +16,6 @@ private Q_SLOTS:
     void lastThingReleasesEverything();
     void nothingToRelease();
     void requestsUnderWay();
-    void answerForARemovedWallbox();
     void oneOfTwoGateways();
     void comesBack();
     void strayWallboxGoesWhileTheGatewayIsNew();
@@ -110,21 +109,6 @@ void TestRemoval::requestsUnderWay()
     site.backend.answerNormally(Backend::GroupInfo);
     QCOMPARE(site.addGateway(), QString());
     QCOMPARE(discovery->text, "pending");
-}
-
-void TestRemoval::answerForARemovedWallbox()
-{
-    Site site;
-    site.backend.setWallbox("EVSE-02", 16);
-    QCOMPARE(site.addGateway(), QString());
-    site.backend.hold(Backend::Values);
-    site.tick();
-    QTRY_COMPARE(site.backend.requests(Backend::Values).size(), 1);
-    site.remove(site.wallbox("EVSE-01"));
-    for (const char *infraId : {"EVSE-01", "EVSE-02"})
-        site.backend.setStatus(infraId, "Charging");
-    QVERIFY(site.backend.release(Backend::Values));
-    QTRY_COMPARE(site.state("EVSE-02", "state").toString(), "Charging");
 }
 
 /*! The wallboxes of the one that stays go on being polled, and the values reach them. */

@@ -21,7 +21,6 @@ private Q_SLOTS:
     void gatewayUsesStoredCredentials();
     void laterAnswersDoNotFinishAgain();
     void wallboxMovesMaximumBeforeValue();
-    void wallboxNeedsNoGateway();
     void timersExistOnce();
     void restartRestoresEverything();
     void sameInfraIdTwice();
@@ -142,26 +141,6 @@ void TestSetup::wallboxMovesMaximumBeforeValue()
     QCOMPARE(Site::result(site.setup(wallbox)), "NoError");
     QCOMPARE(watch.changes,
              (QStringList{"connected true", "maxChargingCurrent max 12", "maxChargingCurrent 12"}));
-}
-
-/*! A restored wallbox is ready while the gateway still waits, and even where there is none. */
-void TestSetup::wallboxNeedsNoGateway()
-{
-    Site site;
-    const ThingClass thingClass = site.daemon->thingClasses().findByName("wallbox7");
-    ThingDescriptor descriptor(thingClass.id, "Lone");
-    descriptor.setParams({
-        {Param(thingClass.paramTypes.findByName("infraID").id, "EVSE-07"),
-         Param(thingClass.paramTypes.findByName("maxAllowedCurrent").id, 10)}
-    });
-    site.log.clear();
-    QCOMPARE(Site::result(site.add(descriptor)), "NoError");
-    QCOMPARE(site.state("EVSE-07", "connected"), QVariant(true));
-    QCOMPARE(site.state("EVSE-07", "maxChargingCurrent"), QVariant(10U));
-    QCOMPARE(site.pluginTimers().size() + site.chargeLimitTimers().size(), 0);
-    QCOMPARE(site.story(),
-             (QStringList{"debug: Setup OCPP Plugin: Thing(Lone)", "debug: Should setup wallbox",
-                          "debug: Post Setup OCPP Plugin."}));
 }
 
 void TestSetup::timersExistOnce()
