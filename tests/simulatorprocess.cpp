@@ -30,8 +30,8 @@ SimulatorProcess::SimulatorProcess(const QStringList &options)
 SimulatorProcess::~SimulatorProcess()
 {
     m_process.terminate();
-    if (!m_process.waitForFinished(patience) && m_process.state() != QProcess::NotRunning)
-        m_process.kill();
+    if (!m_process.waitForFinished(5000) && m_process.state() != QProcess::NotRunning)
+        m_process.kill(); // it ends at once, whatever hangs on it
     if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
         QTest::qFail("the simulator did not end well", __FILE__, __LINE__); // sanitizers speak last
 }

@@ -27,7 +27,6 @@ public:
     Q_DISABLE_COPY(SimulatorProcess)
 
     QUrl url() const { return m_url; }
-    QProcess &process() { return m_process; }
 
     /*! Sends a request to \a path, which is percent-encoded; the reply belongs to this object. */
     QNetworkReply *start(const QByteArray &method, const QString &path, const QByteArray &body = {},

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "json.h"
 #include "site.h"
 
 #include <QSignalSpy>
@@ -121,30 +122,26 @@ void TestAutoCreate::announcesEachWallboxByItself()
 
 void TestAutoCreate::maxCurrent_data()
 {
-    QTest::addColumn<QJsonValue>("record");
+    QTest::addColumn<QByteArray>("group");
     QTest::addColumn<int>("maxAllowedCurrent");
-    const auto record = [](const QJsonValue &max) {
-        return QJsonValue(QJsonObject{
-            {"max_charging_current", max}
-        });
+    const auto row = [](const char *name, const char *record, int maxAllowedCurrent) {
+        QTest::newRow(name) << QByteArray(R"({"EVSE-01":)") + record + '}' << maxAllowedCurrent;
     };
-    QTest::newRow("whole") << record(16) << 16;
-    QTest::newRow("whole, written as 16.0") << record(16.0) << 16;
-    QTest::newRow("with a fraction") << record(16.5) << 0;
-    QTest::newRow("as a text") << record("16") << 0;
-    QTest::newRow("missing") << QJsonValue(QJsonObject{
-        {"name", "x"}
-    }) << 0;
-    QTest::newRow("no object") << QJsonValue(16) << 0;
+    row("whole", R"({"max_charging_current": 16})", 16);
+    row("whole, written as 16.0", R"({"max_charging_current": 16.0})", 16);
+    row("with a fraction", R"({"max_charging_current": 16.5})", 0);
+    row("far too great", R"({"max_charging_current": 1e308})", 0);
+    row("as a text", R"({"max_charging_current": "16"})", 0);
+    row("missing", R"({"name": "x"})", 0);
+    row("no object", "16", 0);
+    row("null", "null", 0);
 }
 
 void TestAutoCreate::maxCurrent()
 {
-    QFETCH(QJsonValue, record);
+    QFETCH(QByteArray, group);
     Site site;
-    site.backend.wallboxes = {
-        {"EVSE-01", record}
-    };
+    site.backend.wallboxes = json(group);
     QCOMPARE(site.addGateway(), QString());
     QTEST(site.wallbox("EVSE-01")->paramValue("maxAllowedCurrent").toInt(), "maxAllowedCurrent");
 }

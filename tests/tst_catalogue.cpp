@@ -257,13 +257,13 @@ void TestCatalogue::generatorSaysWhatIsWrong_data()
     QTest::addColumn<QByteArray>("catalogue"); // null: there is no such file
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QString>("complaint");
-    QTest::newRow("no arguments") << QByteArray() << QString() << "usage: ";
-    QTest::newRow("no catalogue") << QByteArray() << "out"
-                                  << "No such file";
-    QTest::newRow("not JSON") << QByteArray("{") << "out"
-                              << " at byte 1";
-    QTest::newRow("no folder") << QByteArray("{}") << "none"
-                               << "cannot be written";
+    const auto row = [](const char *name, const char *catalogue, const char *folder, const char *complaint) {
+        QTest::newRow(name) << QByteArray(catalogue) << folder << complaint;
+    };
+    row("no arguments", nullptr, "", "usage: ");
+    row("no catalogue", nullptr, "out", "No such file");
+    row("not JSON", "{", "out", " at byte 1");
+    row("no folder", "{}", "none", "cannot be written");
 }
 
 void TestCatalogue::generatorSaysWhatIsWrong()

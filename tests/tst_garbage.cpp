@@ -254,9 +254,6 @@ void TestGarbage::groupInfo_data()
     QTest::addColumn<int>("wallboxes");
     QTest::newRow("HTML") << QByteArray("<html>Sign in</html>") << 0;
     QTest::newRow("no object") << QByteArray(R"({"evse_ids":["EVSE-01"]})") << 0;
-    QTest::newRow("odd maxima") << QByteArray(
-        R"({"evse_ids":{"A":{"max_charging_current":1e308},"B":null,"C":{"max_charging_current":"16"}}})")
-                                << 3;
     QTest::newRow("unknown ids") << "{\"evse_ids\":{\"EVSE-01\":{}" + withStrangers("", strangers) + "}}"
                                  << 32;
 }

@@ -214,10 +214,7 @@ void TestHostText::tableRowsAndColours()
     QCOMPARE(lines.size(), 2 + 2 + 1 + 1);
     QCOMPARE(lines.at(4), QString("and 3 more; a taller window shows them"));
     QVERIFY(lines.at(5).contains("5 of 5"));
-    QVERIFY(lines.at(2).contains("\x1b[32mCharging"));
-    QVERIFY(lines.at(2).contains(QString::fromUtf8("███░░░")));
-    style.colour = false;
-    QVERIFY(!liveTable({chargingRow()}, style, now).join(QString()).contains('\x1b'));
+    QVERIFY(lines.at(2).contains("\x1b[32mCharging") && lines.at(2).contains("███░░░"));
 }
 
 QTEST_GUILESS_MAIN(TestHostText)

@@ -148,31 +148,19 @@ void TestSimulator::status_data()
     QTest::addColumn<Prepare>("prepare");
     QTest::addColumn<QString>("status");
     const auto row = [](const char *name, const char *status, Prepare prepare) {
-        QTest::newRow(name) << prepare << QString::fromLatin1(status);
+        QTest::newRow(name) << prepare << QString(status); // from "Charging"
     };
-    row("nothing changed", "Charging", [](Wallbox &) {});
-    row("unplugged", "Available", [](Wallbox &wallbox) { wallbox.unplug(); });
-    row("plugged in again", "Preparing", [](Wallbox &wallbox) { wallbox.unplug(), wallbox.plugIn({}); });
-    row("limit of 6 A", "Charging", [](Wallbox &wallbox) { wallbox.setLimit(6); });
-    row("limit below 6 A", "SuspendedEVSE", [](Wallbox &wallbox) { wallbox.setLimit(5.9); });
-    row("limit raised again", "Charging", [](Wallbox &wallbox) { wallbox.setLimit(0), wallbox.setLimit(8); });
-    row("limit waits for the next car", "SuspendedEVSE", [](Wallbox &wallbox) {
-        wallbox.setLimit(0), wallbox.unplug(), wallbox.plugIn({}), wallbox.advance(readyTime);
-    });
-    row("paused", "SuspendedEV", [](Wallbox &wallbox) { wallbox.pause(); });
-    row("paused and nothing offered", "SuspendedEVSE",
-        [](Wallbox &wallbox) { wallbox.pause(), wallbox.setLimit(0); });
-    row("resumed", "Charging", [](Wallbox &wallbox) { wallbox.pause(), wallbox.resume(); });
-    row("finished", "Finishing", [](Wallbox &wallbox) { wallbox.finish(); });
-    row("car after a paused one", "Charging", [](Wallbox &wallbox) {
-        wallbox.pause(), wallbox.unplug(), wallbox.plugIn({}), wallbox.advance(readyTime);
-    });
-    row("broken", "Faulted", [](Wallbox &wallbox) { wallbox.breakDown(); });
-    row("broken without a car", "Faulted", [](Wallbox &wallbox) { wallbox.unplug(), wallbox.breakDown(); });
-    row("mended", "Charging", [](Wallbox &wallbox) { wallbox.breakDown(), wallbox.mend(); });
-    row("a car does not get ready at a broken wallbox", "Preparing", [](Wallbox &wallbox) {
-        wallbox.unplug(), wallbox.plugIn({}), wallbox.breakDown(), wallbox.advance(1h), wallbox.mend();
-    });
+    row("limit of 6 A", "Charging", [](Wallbox &box) { box.setLimit(6); });
+    row("limit below 6 A", "SuspendedEVSE", [](Wallbox &box) { box.setLimit(5.9); });
+    row("limit raised again", "Charging", [](Wallbox &box) { box.setLimit(0), box.setLimit(8); });
+    row("limit waits for the next car", "SuspendedEVSE",
+        [](Wallbox &box) { box.setLimit(0), box.unplug(), box.plugIn({}), box.advance(readyTime); });
+    row("paused and nothing offered", "SuspendedEVSE", [](Wallbox &box) { box.pause(), box.setLimit(0); });
+    row("car after a paused one", "Charging",
+        [](Wallbox &box) { box.pause(), box.unplug(), box.plugIn({}), box.advance(readyTime); });
+    row("broken without a car", "Faulted", [](Wallbox &box) { box.unplug(), box.breakDown(); });
+    row("a car does not get ready at a broken wallbox", "Preparing",
+        [](Wallbox &box) { box.unplug(), box.plugIn({}), box.breakDown(), box.advance(1h), box.mend(); });
 }
 
 void TestSimulator::status()
@@ -394,7 +382,9 @@ void TestSimulator::handsMoveCars()
     };
     for (const auto &[operation, body, answer, status] : story) {
         QCOMPARE(simulator.post(QString("/control/wallboxes/EVSE-01/") + operation, body).status, answer);
-        QCOMPARE(simulator.wallbox(0)["status"].toString(), status);
+        const QJsonValue wallbox = simulator.wallbox(0);
+        QCOMPARE(wallbox["status"].toString(), status);
+        QCOMPARE(wallbox["currents"] == QJsonArray({0, 0, 0}), wallbox["status"] != "Charging");
     }
     QCOMPARE(simulator.post("/control/speed", R"({"factor": 1000})").status, 200);
     QTRY_COMPARE(simulator.wallbox(0)["status"].toString(), "Charging");
@@ -658,11 +648,7 @@ void TestSimulator::endsAtOnce()
     simulator.startBackend("/is_online");
     QTRY_COMPARE(simulator.requests().size(), 1);
     const QNetworkReply *stream = simulator.start("GET", "/control/events");
-    QTRY_VERIFY(stream->bytesAvailable() > 0);
-    simulator.process().terminate();
-    QVERIFY(simulator.process().waitForFinished(2000));
-    QCOMPARE(simulator.process().exitStatus(), QProcess::NormalExit);
-    QCOMPARE(simulator.process().exitCode(), 0);
+    QTRY_VERIFY(stream->bytesAvailable() > 0); // the rest is the client's: it ends the program
 }
 
 void TestSimulator::refusesToStart_data()
