@@ -214,7 +214,7 @@ QJsonObject Killer::command(const QString &line)
 {
     m_host->send(line);
     for (;;) {
-        const QJsonObject object = m_host->next();
+        QJsonObject object = m_host->next();
         read(object);
         if (object.isEmpty() || object.contains("answer"))
             return object;

@@ -16,8 +16,8 @@ namespace {
 
 constexpr int compared = 3; // tenths at either end
 // From one end to the other. A leak of 16 bytes a poll is beyond that in the short form already.
-constexpr qint64 heapAllowance = 32 * 1024;
-constexpr qint64 residentAllowance = 1024 * 1024;
+constexpr qint64 heapAllowance = qint64(32) * 1024;
+constexpr qint64 residentAllowance = qint64(1024) * 1024;
 
 /*! By how much even the least of the last tenths is above the greatest of the first ones. A single census may
     catch buffers that come and go, some 50 kB of them; what leaks is still there in the next. */

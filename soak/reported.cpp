@@ -9,7 +9,7 @@
 namespace {
 
 // Grow only; what was stored last may be newer than what was reported.
-const QStringList growing{"totalEnergyConsumed", "timestamp"};
+constexpr const char *growing[] = {"totalEnergyConsumed", "timestamp"};
 
 QString infraId(const QJsonObject &thing)
 {
@@ -74,7 +74,7 @@ QString Reported::lost(const QJsonArray &things) const
             continue; // removed, and not yet reported
         if (!present.contains(id))
             return "A thing is lost: " + thing.value("name").toString() + ' ' + id;
-        const QString error = changed(present.value(id));
+        QString error = changed(present.value(id));
         if (!error.isEmpty())
             return error;
     }
@@ -92,7 +92,7 @@ QString Reported::changed(const QJsonObject &thing) const
     }
     const QJsonObject before = reported.value("states").toObject();
     const QJsonObject now = thing.value("states").toObject();
-    for (const QString &state : growing) {
+    for (const char *state : growing) {
         if (now.value(state).toDouble() < before.value(state).toDouble())
             return QString("%1 of %2 fell").arg(state, name);
     }

@@ -106,12 +106,12 @@ QString Soak::enter()
     const QString error = m_site.addGateway();
     if (!error.isEmpty())
         return "The gateway does not come back: " + error;
-    if (m_site.backend.requests().first().operation != Backend::GroupInfo)
+    if (m_site.backend.requests().constFirst().operation != Backend::GroupInfo)
         return "A request was sent after the last thing had gone";
     if (m_wallboxes.size() != wallboxes)
         return QString("There are %1 wallboxes").arg(m_wallboxes.size());
     m_site.backend.forgetRequests();
-    m_site.chargeLimitTimers().first()->stop(); // fires by hand
+    m_site.chargeLimitTimers().constFirst()->stop(); // fires by hand
     return QString();
 }
 
@@ -129,7 +129,7 @@ QString Soak::setUpAgain()
 {
     if (Site::result(m_site.setup(m_site.gateway())) != "NoError")
         return "The gateway cannot be set up again";
-    m_site.chargeLimitTimers().first()->stop();
+    m_site.chargeLimitTimers().constFirst()->stop();
     return m_site.infraIds() == m_site.backend.wallboxes.keys() ? QString()
                                                                 : "The wallboxes are not the group's";
 }
@@ -139,7 +139,7 @@ QString Soak::setUpAgain()
 QString Soak::leave()
 {
     m_site.remove(m_wallboxes.last());
-    const QString error = pollFor(10);
+    QString error = pollFor(10);
     if (!error.isEmpty())
         return error;
     m_site.backend.hold(Backend::Values);
@@ -155,7 +155,7 @@ QString Soak::leaveClosedYard()
 {
     m_site.backend.wallboxes = {};
     m_site.backend.values = {};
-    const QString error = setUpAgain();
+    QString error = setUpAgain();
     m_yard.listAll();
     m_site.remove(m_site.gateway());
     return error;
@@ -175,7 +175,7 @@ QString Soak::lastThingHasGone()
     if (!m_site.pluginTimers().isEmpty() || !m_site.chargeLimitTimers().isEmpty())
         return "A timer is left";
     if (!m_site.log.lines().isEmpty())
-        return "Something happens after the last thing has gone: " + m_site.log.lines().first();
+        return "Something happens after the last thing has gone: " + m_site.log.lines().constFirst();
     if (m_figures.lives % 2 == 0) {
         m_site.restart(); // the class of a wallbox that was removed by hand is free again
         m_limits = {};
@@ -260,13 +260,13 @@ QString Soak::poll(int ticks)
             .arg(m_site.log.lines().join("; "));
     m_figures.polls += ticks;
     if (!m_disturbed && !m_site.log.warnings().isEmpty())
-        return m_site.log.warnings().first();
+        return m_site.log.warnings().constFirst();
 
     const bool good = showsPresentValues();
     m_figures.failedPolls += !good;
     for (auto it = m_wallboxes.cbegin(); good && it != m_wallboxes.cend(); ++it)
         m_yard.read(it.key());
-    const QString error = judgeLimits(limits) + judgeTotals();
+    QString error = judgeLimits(limits) + judgeTotals();
     if (m_faultyPolls > 0 && --m_faultyPolls == 0)
         m_site.backend.answerNormally(Backend::Values);
     m_disturbed = m_faultyPolls > 0;

@@ -63,7 +63,7 @@ Census Census::take()
     Census census;
     census.objects = liveObjects;
     census.descriptors = openDescriptors();
-    census.heap = qint64(memory.uordblks + memory.hblkhd);
+    census.heap = qint64(memory.uordblks) + qint64(memory.hblkhd);
     census.resident = residentBytes();
     return census;
 }

@@ -238,7 +238,7 @@ void TestAutoCreate::removedByHandKeepsItsClass()
     QCOMPARE(refresh(site), QString()); // it is listed still, but no class is free
     QCOMPARE(site.wallboxes().size(), 31);
     QCOMPARE(site.log.warnings().size(), 1);
-    QVERIFY(site.log.warnings().first().contains("EVSE-07"));
+    QVERIFY(site.log.warnings().constFirst().contains("EVSE-07"));
 }
 
 QTEST_GUILESS_MAIN(TestAutoCreate)

@@ -28,14 +28,15 @@ QString row(const QJsonObject &object, const Texts &keys)
 Texts rows(const QJsonValue &array, const Texts &keys)
 {
     Texts result;
-    for (const QJsonValue entry : array.toArray())
+    const QJsonArray entries = array.toArray();
+    for (const QJsonValue &entry : entries)
         result.append(row(entry.toObject(), keys));
     return result;
 }
 
 QString capitalised(const QString &name)
 {
-    return name.left(1).toUpper() + name.mid(1);
+    return name.at(0).toUpper() + name.mid(1);
 }
 
 /*! Every constant that a thing class gives, as "NAME ID". */
@@ -46,18 +47,24 @@ Texts constantsOf(const QJsonObject &thingClass)
     const auto add = [&result](const QString &constant, const QJsonValue &entry) {
         result.append(constant + ' ' + entry["id"].toString());
     };
-    for (const QJsonValue entry : thingClass["paramTypes"].toArray())
-        add(name + "Thing" + capitalised(entry["name"].toString()) + "ParamTypeId", entry);
-    for (const QJsonValue entry : thingClass["discoveryParamTypes"].toArray())
-        add(name + "Discovery" + capitalised(entry["name"].toString()) + "ParamTypeId", entry);
-    for (const QJsonValue entry : thingClass["stateTypes"].toArray()) {
-        const QString state = capitalised(entry["name"].toString());
+    const auto forEach = [&thingClass](const QString &key, const auto &visit) {
+        const QJsonArray entries = thingClass[key].toArray();
+        for (const QJsonValue &entry : entries)
+            visit(entry, capitalised(entry["name"].toString()));
+    };
+    forEach("paramTypes", [&](const QJsonValue &entry, const QString &param) {
+        add(name + "Thing" + param + "ParamTypeId", entry);
+    });
+    forEach("discoveryParamTypes", [&](const QJsonValue &entry, const QString &param) {
+        add(name + "Discovery" + param + "ParamTypeId", entry);
+    });
+    forEach("stateTypes", [&](const QJsonValue &entry, const QString &state) {
         add(name + state + "StateTypeId", entry);
         if (entry["writable"].toBool()) {
             add(name + state + "ActionTypeId", entry);
             add(name + state + "Action" + state + "ParamTypeId", entry);
         }
-    }
+    });
     return result;
 }
 
@@ -175,7 +182,7 @@ void TestCatalogue::wallboxes()
 void TestCatalogue::idsNeverChange()
 {
     Texts constants{"pluginId " + m_document["id"].toString(), "velaVendorId " + m_vendor["id"].toString()};
-    for (const QJsonValue thingClass : qAsConst(m_classes))
+    for (const QJsonValue &thingClass : qAsConst(m_classes))
         constants += constantsOf(thingClass.toObject());
     QCOMPARE(constants, m_ids);
     QCOMPARE(constants.size(), 680);
@@ -202,7 +209,7 @@ void TestCatalogue::platformReadsIt()
 {
     const PluginMetadata metadata(m_document);
     QCOMPARE(metadata.validationErrors(), Texts());
-    const ThingClass wallbox = metadata.thingClasses().last();
+    const ThingClass wallbox = metadata.thingClasses().constLast();
     QCOMPARE(wallbox.stateTypes.findByName("timestamp").defaultValue, QVariant(0)); // a date is no number
     QCOMPARE(wallbox.stateTypes.findByName("power").cached, true);                  // unless said otherwise
     QCOMPARE(wallbox.actionTypes.size(), 2);

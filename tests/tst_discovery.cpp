@@ -62,8 +62,8 @@ void TestDiscovery::offersTheGateway()
     QVERIFY(offer.thingId().isNull());
     QVERIFY(offer.parentId().isNull());
     QCOMPARE(offer.params().size(), 1);
-    QCOMPARE(offer.params().first().paramTypeId(), gateway.paramTypes.first().id);
-    QCOMPARE(offer.params().first().value(), QVariant(site.backend.url()));
+    QCOMPARE(offer.params().constFirst().paramTypeId(), gateway.paramTypes.constFirst().id);
+    QCOMPARE(offer.params().constFirst().value(), QVariant(site.backend.url()));
     QCOMPARE(stored(site), (QStringList{"groupId yard", "groupSecret s3cret", "url URL"}));
     QCOMPARE(site.story(),
              (QStringList{"debug: Starting discovery.", "debug: Full URL is QUrl(\"URL\")",
@@ -226,7 +226,7 @@ void TestDiscovery::sharesOneClient()
     QVERIFY(site.poll());
     QCOMPARE(site.backend.requests(Backend::Values).size(), 0);
     QCOMPARE(other.requests(Backend::Values).size(), 1);
-    QCOMPARE(other.requests(Backend::Values).first().target, QByteArray("/vela/get_values/depot"));
+    QCOMPARE(other.requests(Backend::Values).constFirst().target, QByteArray("/vela/get_values/depot"));
 
     const Job setup = site.setup(site.gateway()); // with what the last successful discovery has stored
     QCOMPARE(Site::result(setup), "NoError");

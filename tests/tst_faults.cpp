@@ -136,6 +136,7 @@ template <int Status> void answer(Site &site)
 } // namespace
 
 // Qt asks this for addresses; the program's own comes before the C library's.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the C library's names are reserved
 extern "C" int getaddrinfo(const char *name, const char *service, const addrinfo *hints, addrinfo **result)
 {
     if (!namesResolve)

@@ -83,9 +83,14 @@ WatchedApplication *watched()
     return static_cast<WatchedApplication *>(QCoreApplication::instance());
 }
 
-const QByteArray good = R"({"timestamp":"2024-05-01T12:00:00Z","status":"Charging",)"
+constexpr char good[] = R"({"timestamp":"2024-05-01T12:00:00Z","status":"Charging",)"
                         R"("phase_1":16,"phase_2":16,"phase_3":16,"meter_value":2500})";
-const QByteArray later = QByteArray(good).replace("2500", "3500");
+
+/*! The good record with another member in place of the meter's 2500 Wh. */
+QByteArray goodBut(const QByteArray &meterValue)
+{
+    return QByteArray(good).replace("2500", meterValue);
+}
 
 /*! A values reply with \a record for EVSE-01 and the good one for EVSE-02. */
 QByteArray valuesOf(const QByteArray &record)
@@ -153,9 +158,9 @@ void TestGarbage::values_data()
     const auto failed = [&none](const char *name, const QByteArray &reply) {
         QTest::newRow(name) << reply << none << none << none;
     };
-    failed("cut body", response(valuesOf(later)).chopped(1));
+    failed("cut body", response(valuesOf(goodBut("3500"))).chopped(1));
     failed("no HTTP", "SSH-2.0-OpenSSH_9.2\r\n");
-    failed("gzip that is none", response(valuesOf(later), "Content-Encoding: gzip\r\n"));
+    failed("gzip that is none", response(valuesOf(goodBut("3500")), "Content-Encoding: gzip\r\n"));
 
     const auto record = [&none](const char *name, const QByteArray &text, const QStringList &changes,
                                 const QStringList &afterwards) {
@@ -182,10 +187,9 @@ void TestGarbage::values_data()
     // What a meter shows is counted, however much it is.
     const QStringList oneMore{"sessionEnergy 3.5", "totalEnergyConsumed 1"};
     const QStringList oneLess{"sessionEnergy 2.5"};
-    record("1e308 Wh", QByteArray(good).replace("2500", "1e308"),
-           {"sessionEnergy 1e+305", "totalEnergyConsumed 1e+305"}, oneLess);
-    record("unknown ids", withStrangers(later, strangers), oneMore, oneLess);
-    record("duplicate keys", QByteArray(later).replace("{", R"({"meter_value":1,)"), oneMore, oneLess);
+    record("1e308 Wh", goodBut("1e308"), {"sessionEnergy 1e+305", "totalEnergyConsumed 1e+305"}, oneLess);
+    record("unknown ids", withStrangers(goodBut("3500"), strangers), oneMore, oneLess);
+    record("duplicate keys", goodBut("3500").replace("{", R"({"meter_value":1,)"), oneMore, oneLess);
 
     const QByteArray gzipped = QByteArray::fromBase64(
         "H4sIAAAAAAACA6tWKi5NTk4tLlayKikqTdVRKkvMKU0F8qqVXMOCXXUNDEHMkszc1OKSxNwCJSslIwMj"
@@ -224,7 +228,7 @@ void TestGarbage::hugeValues_data()
     QTest::addColumn<QString>("change");
     QTest::newRow("HTML") << "<html>" + QByteArray(hugeSize, ' ') << allowed << "connected false";
     // To be read whole it takes more than 0.1 s: some 20 ms a megabyte.
-    QTest::newRow("JSON") << valuesOf(withStrangers(later, hugeSize / 40)) << 30 * allowed
+    QTest::newRow("JSON") << valuesOf(withStrangers(goodBut("3500"), hugeSize / 40)) << 30 * allowed
                           << "totalEnergyConsumed 1";
 }
 
@@ -254,7 +258,7 @@ void TestGarbage::groupInfo_data()
     QTest::addColumn<int>("wallboxes");
     QTest::newRow("HTML") << QByteArray("<html>Sign in</html>") << 0;
     QTest::newRow("no object") << QByteArray(R"({"evse_ids":["EVSE-01"]})") << 0;
-    QTest::newRow("unknown ids") << "{\"evse_ids\":{\"EVSE-01\":{}" + withStrangers("", strangers) + "}}"
+    QTest::newRow("unknown ids") << R"({"evse_ids":{"EVSE-01":{})" + withStrangers("", strangers) + "}}"
                                  << 32;
 }
 
@@ -281,7 +285,8 @@ void TestGarbage::valuesWithoutEnd()
     m_site->backend.forgetRequests();
     m_site->tick();
     QTRY_COMPARE(m_site->backend.requests(ScriptedBackend::Values).size(), 1);
-    QVERIFY(m_site->backend.sendPart(ScriptedBackend::Values, "HTTP/1.1 200 OK\r\n\r\n" + valuesOf(later)));
+    QVERIFY(m_site->backend.sendPart(ScriptedBackend::Values,
+                                     "HTTP/1.1 200 OK\r\n\r\n" + valuesOf(goodBut("3500"))));
     m_site->backend.answer(ScriptedBackend::Values, 200, valuesOf(good));
     const StateWatch watch(m_site->wallbox("EVSE-01"));
     for (int i = 0; i < 20; ++i) {

@@ -151,8 +151,9 @@ void TestLibnymea::pluginTimers()
     PluginTimer *three = manager->registerTimer(3);
     QVERIFY(two->running());
     QStringList ticks;
-    connect(two, &PluginTimer::timeout, this, [&ticks] { ticks.append("two"); });
-    connect(three, &PluginTimer::timeout, this, [&ticks, manager, two] {
+    const QObject listener;
+    connect(two, &PluginTimer::timeout, &listener, [&ticks] { ticks.append("two"); });
+    connect(three, &PluginTimer::timeout, &listener, [&ticks, manager, two] {
         ticks.append("three");
         manager->unregisterTimer(two); // in the middle of a tick
     });

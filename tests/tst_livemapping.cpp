@@ -1,20 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "json.h"
 #include "site.h"
 
 #include <QtTest>
 
 namespace {
 
-const QJsonObject charging{
-    {"timestamp",   "2024-05-01T12:00:00.500Z"},
-    {"status",      "Charging"                },
-    {"phase_1",     0.99                      },
-    {"phase_2",     1.0                       },
-    {"phase_3",     16                        },
-    {"meter_value", 2500                      }
-};
+QJsonObject charging()
+{
+    return json(R"({"timestamp": "2024-05-01T12:00:00.500Z", "status": "Charging", "meter_value": 2500,
+        "phase_1": 0.99, "phase_2": 1.0, "phase_3": 16})");
+}
 
 /*! \a record with another member. */
 QJsonObject with(QJsonObject record, const QString &key, const QJsonValue &value)
@@ -43,7 +41,7 @@ void TestLiveMapping::writesStatesInOrder()
 {
     Site site;
     QCOMPARE(site.addGateway(), QString());
-    site.backend.values["EVSE-01"] = charging;
+    site.backend.values["EVSE-01"] = charging();
     const StateWatch watch(site.wallbox("EVSE-01"));
     site.log.clear();
     QVERIFY(site.poll());
@@ -82,12 +80,12 @@ void TestLiveMapping::absentWallboxKeepsItsStates()
 {
     Site site;
     QCOMPARE(site.addGateway(), QString());
-    site.backend.values["EVSE-01"] = charging;
+    site.backend.values["EVSE-01"] = charging();
     QVERIFY(site.poll());
     const StateWatch watch(site.wallbox("EVSE-01"));
-    site.backend.values = with({}, "evse-01", charging); // another letter case is another wallbox
+    site.backend.values = with({}, "evse-01", charging()); // another letter case is another wallbox
     QVERIFY(site.poll());
-    site.backend.values["EVSE-01"] = charging;
+    site.backend.values["EVSE-01"] = charging();
     QVERIFY(site.poll());
     site.backend.answer(ScriptedBackend::Values, 200, R"({"success":true})"); // no values at all
     QVERIFY(site.poll());
@@ -106,16 +104,17 @@ void TestLiveMapping::listenersMayRemoveTheWallbox()
     for (const char *infraId : {"EVSE-02", "EVSE-03"})
         site.backend.setWallbox(infraId, 16);
     QCOMPARE(site.addGateway(), QString());
+    const QObject listener;
     const Things wallboxes = site.wallboxes();
     for (Thing *wallbox : wallboxes) {
-        connect(wallbox, &Thing::stateValueChanged, this, [&site] {
+        connect(wallbox, &Thing::stateValueChanged, &listener, [&site] {
             while (site.wallboxes().size() > 1)
-                site.remove(site.wallboxes().first());
+                site.remove(site.wallboxes().constFirst());
         });
     }
     QVERIFY(site.poll());
     QCOMPARE(site.wallboxes().size(), 1);
-    QCOMPARE(site.wallboxes().first()->stateValue("connected"), QVariant(false));
+    QCOMPARE(site.wallboxes().constFirst()->stateValue("connected"), QVariant(false));
 }
 
 void TestLiveMapping::unknownIdsAreSkipped()
@@ -123,7 +122,7 @@ void TestLiveMapping::unknownIdsAreSkipped()
     Site site;
     QCOMPARE(site.addGateway(), QString());
     for (const char *infraId : {"", "A-stranger", "EVSE-01"})
-        site.backend.values[infraId] = charging;
+        site.backend.values[infraId] = charging();
     site.log.clear();
     QVERIFY(site.poll());
     QCOMPARE(site.story({"debug: Values for device"}),
@@ -180,7 +179,7 @@ void TestLiveMapping::repliesAppliedAgainCountOnce()
     QCOMPARE(Site::result(site.setup(site.gateway())), "NoError");
     QCOMPARE(site.gateways().size(), 2);
     for (const int meter : {1000, 3000}) {
-        site.backend.values["EVSE-01"] = with(charging, "meter_value", meter);
+        site.backend.values["EVSE-01"] = with(charging(), "meter_value", meter);
         site.log.clear();
         QVERIFY(site.poll());
         QCOMPARE(site.log.count("debug: setupConnects() - valuesReceived"), 3);

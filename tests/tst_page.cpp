@@ -11,8 +11,8 @@
 
 namespace {
 constexpr int patience = 15000; // ms; the plugin polls every two seconds
-const QString tab(QChar(0xe004));
-const QString enter(QChar(0xe007));
+constexpr QChar tab(0xe004);
+constexpr QChar enter(0xe007);
 
 /*! The running backend. Its cars get ready in half a second. */
 class Simulator : public SimulatorProcess
@@ -159,12 +159,12 @@ void TestPage::currentShowsOnCardAndPlot()
 void TestPage::keyboardAloneSuffices()
 {
     QVERIFY(tabTo(card(4) + "[name=phases]"));
-    m_browser->press("1" + tab + "10" + tab + enter);
+    m_browser->press(QString("1") + tab + "10" + tab + enter);
     QTRY_COMPARE(m_simulator->wallbox(3)["car"]["phases"], QJsonValue(1));
     QCOMPARE(m_simulator->wallbox(3)["car"]["maxCurrent"], QJsonValue(10));
     QTRY_COMPARE(m_browser->text("#toast"), "EVSE-04: plug in, done");
     QCOMPARE(focused(), "Unplug"); // the button that had the focus is gone
-    m_browser->press(enter);
+    m_browser->press(QString(enter));
     QTRY_COMPARE(m_browser->text(card(4) + ".status"), "Available");
     QCOMPARE(m_browser->run("return document.activeElement.closest('.card')?.dataset.id"),
              QJsonValue("EVSE-04"));
@@ -302,7 +302,7 @@ bool TestPage::tabTo(const QString &selector)
     for (int presses = 0; presses < 60; ++presses) {
         if (m_browser->run(isThere, {selector}).toBool())
             return true;
-        m_browser->press(tab);
+        m_browser->press(QString(tab));
     }
     return false;
 }

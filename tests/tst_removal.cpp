@@ -22,12 +22,6 @@ private Q_SLOTS:
     void oneDisappearanceTakesAnotherAlong();
 };
 
-namespace {
-
-const QStringList steps{"debug: Vela Plugin removed", "debug: thingRemoved()"};
-
-} // namespace
-
 void TestRemoval::oneOfTwoWallboxes()
 {
     Site site;
@@ -85,7 +79,7 @@ void TestRemoval::nothingToRelease()
     const Job setup = site.add(discovery->offers.first());
     QTRY_COMPARE(site.backend.requests().size(), 2);
     site.remove(site.daemon->findChild<Thing *>());
-    QCOMPARE(site.story(steps),
+    QCOMPARE(site.story({"debug: Vela Plugin removed", "debug: thingRemoved()"}),
              (QStringList{"debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler."}));
     QTRY_COMPARE(site.backend.openConnections(), 0);
     QVERIFY(setup->text != "NoError");
@@ -118,7 +112,7 @@ void TestRemoval::oneOfTwoGateways()
     QCOMPARE(site.addGateway(), QString());
     QCOMPARE(site.addGateway(), QString());
     site.log.clear();
-    site.remove(site.gateways().last());
+    site.remove(site.gateways().constLast());
     QCOMPARE(site.story(), QStringList("debug: Vela Plugin removed"));
     site.backend.setStatus("EVSE-01", "Charging");
     QVERIFY(site.poll());
@@ -153,7 +147,7 @@ void TestRemoval::strayWallboxGoesWhileTheGatewayIsNew()
     stray.setParams(params);
     QCOMPARE(Site::result(site.add(stray)), "NoError");
     QCOMPARE(site.addGateway(), QString());
-    QCOMPARE(site.story(steps),
+    QCOMPARE(site.story({"debug: Vela Plugin removed", "debug: thingRemoved()"}),
              (QStringList{"debug: Vela Plugin removed", "debug: thingRemoved() - Deleting networkHandler."}));
     site.tick(); // there is nobody to ask
     // Set up again, the gateway has a client again.

@@ -98,8 +98,8 @@ void TestSetup::gatewayUsesStoredCredentials()
     storage->endGroup();
     QCOMPARE(Site::result(site.setup(site.gateway())), "NoError");
     QCOMPARE(other.requests().size(), 1);
-    QCOMPARE(other.requests().first().target, QByteArray("/vela/get_group_info/"));
-    QCOMPARE(other.requests().first().json()["secret"].toString(), "0ther");
+    QCOMPARE(other.requests().constFirst().target, QByteArray("/vela/get_group_info/"));
+    QCOMPARE(other.requests().constFirst().json()["secret"].toString(), "0ther");
 }
 
 void TestSetup::laterAnswersDoNotFinishAgain()
@@ -150,10 +150,10 @@ void TestSetup::timersExistOnce()
     QCOMPARE(Site::result(site.setup(site.gateway())), "NoError"); // post-set-up runs a second time
     site.daemon->plugin()->postSetupThing(site.gateway());         // and a third
     QCOMPARE(site.pluginTimers().size(), 1);
-    QCOMPARE(site.pluginTimers().first()->interval(), 2);
-    QVERIFY(site.pluginTimers().first()->running());
+    QCOMPARE(site.pluginTimers().constFirst()->interval(), 2);
+    QVERIFY(site.pluginTimers().constFirst()->running());
     QCOMPARE(site.chargeLimitTimers().size(), 1);
-    const QTimer *timer = site.chargeLimitTimers().first();
+    const QTimer *timer = site.chargeLimitTimers().constFirst();
     QCOMPARE(timer->interval(), 20000);
     QVERIFY(timer->isActive() && !timer->isSingleShot());
 
@@ -199,7 +199,7 @@ void TestSetup::sameInfraIdTwice()
     ThingDescriptor twin(first->thingClassId(), "Twin", QString(), site.gateway()->id());
     twin.setParams(first->params());
     QCOMPARE(Site::result(site.add(twin)), "NoError");
-    Thing *second = site.wallboxes().last();
+    Thing *second = site.wallboxes().constLast();
     QVERIFY(second != first);
     site.backend.setStatus("EVSE-01", "Charging");
     QVERIFY(site.poll());

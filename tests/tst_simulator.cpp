@@ -21,10 +21,11 @@ constexpr Seconds readyTime{3}; // how long a car takes from the plug to its fir
 
 using Prepare = void (*)(Wallbox &);
 
-const QByteArray accessToken = "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f";
-const QList<QNetworkReply::RawHeaderPair> authorization{
-    {"Authorization", accessToken}
-};
+constexpr char accessToken[] = "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f";
+QList<QNetworkReply::RawHeaderPair> authorization(const QByteArray &token = accessToken)
+{
+    return {QNetworkReply::RawHeaderPair("Authorization", token)};
+}
 
 Wallbox chargingWallbox(const Car &car)
 {
@@ -50,7 +51,7 @@ public:
         QJsonObject object = json(body);
         if (!object.contains("secret"))
             object.insert("secret", "s3cret");
-        return start("POST", path, QJsonDocument(object).toJson(), authorization);
+        return start("POST", path, QJsonDocument(object).toJson(), authorization());
     }
     Answer backend(const char *path, const QByteArray &body = "{}")
     {
@@ -244,7 +245,7 @@ void TestSimulator::strictness_data()
     row("no limits", "/vela/set_limits/yard", good, 200);
     row("no token", "/is_online", good, 401, {});
     row("wrong token", "/is_online", good, 401, "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6e");
-    row("token with a scheme", "/is_online", good, 401, "Bearer " + accessToken);
+    row("token with a scheme", "/is_online", good, 401, QByteArray("Bearer ") + accessToken);
     row("wrong token comes before a wrong secret", "/is_online", R"({"secret": "x"})", 401, "x");
     row("wrong secret", "/is_online", R"({"secret": "S3cret"})", 403);
     row("wrong secret comes before a wrong group", "/vela/get_values/x", R"({"secret": "x"})", 403);
@@ -273,10 +274,8 @@ void TestSimulator::strictness()
     QFETCH(QByteArray, token);
     QFETCH(QByteArray, body);
     QFETCH(int, status);
-    const QList<QNetworkReply::RawHeaderPair> headers{
-        {"Authorization", token}
-    };
-    const Simulator::Answer answer = Simulator::finish(m_unchanged->start(method, path, body, headers));
+    const Simulator::Answer answer =
+        Simulator::finish(m_unchanged->start(method, path, body, authorization(token)));
     QCOMPARE(answer.status, status);
     QCOMPARE(answer.json().contains("error"), status != 200);
 }
@@ -315,7 +314,7 @@ void TestSimulator::limitSteersTheCar()
 
     QStringList received;
     const QJsonArray limits = simulator.get("/control/limits").json().value("limits").toArray();
-    for (const QJsonValue limit : limits) {
+    for (const QJsonValue &limit : limits) {
         QVERIFY(QDateTime::fromString(limit["time"].toString(), Qt::ISODateWithMs).isValid());
         received << limit["id"].toString() + ' ' + limit["value"].toVariant().toString()
                 + (limit["applied"].toBool() ? " applied" : "");
@@ -579,7 +578,7 @@ void TestSimulator::silenceHoldsUpNobodyElse()
     }
     QTRY_COMPARE(simulator.requests().size(), 40); // all have arrived, and others are still served
     const QJsonArray requests = simulator.requests();
-    for (const QJsonValue request : requests)
+    for (const QJsonValue &request : requests)
         QVERIFY(request["status"].isNull());
     for (const auto &client : clients)
         QCOMPARE(client->bytesAvailable(), 0);
@@ -611,7 +610,7 @@ void TestSimulator::requestsAreRecordedAndMasked()
     Simulator simulator;
     simulator.backend("/vela/get_values/yard", R"({"evse_ids": ["EVSE-04"]})");
     simulator.backend("/vela/get_group_info/yard", R"({"secret": "wrong-s3cret"})");
-    simulator.start("POST", "/is_online", R"({"secret": "s3cret")", authorization); // not JSON
+    simulator.start("POST", "/is_online", R"({"secret": "s3cret")", authorization()); // not JSON
     QTRY_COMPARE(simulator.requests().size(), 3);
 
     const QJsonArray requests = simulator.requests();
@@ -631,7 +630,7 @@ void TestSimulator::connectionStaysOpen()
 {
     Simulator simulator;
     const auto socket = simulator.connection();
-    const QByteArray request = "POST /is_online HTTP/1.1\r\nAuthorization: " + accessToken
+    const QByteArray request = QByteArray("POST /is_online HTTP/1.1\r\nAuthorization: ") + accessToken
         + "\r\nContent-Length: 19\r\n\r\n{\"secret\":\"s3cret\"}";
     for (int poll = 0; poll < 20; ++poll)
         QVERIFY(exchange(*socket, request, "}").startsWith("HTTP/1.1 200"));
