@@ -66,7 +66,7 @@ public:
     {
         // Without things the plugin gives its client back.
         while (!daemon.configuredThings().isEmpty())
-            daemon.remove(daemon.configuredThings().first());
+            daemon.remove(daemon.configuredThings().constFirst());
     }
     Q_DISABLE_COPY(Host)
 

@@ -47,7 +47,12 @@ private:
     QByteArray m_rest; // of the body, not read yet
 };
 
-QList<QPointer<FakeReply>> waitingReplies; // their access managers own them
+/*! Their access managers own them. */
+QList<QPointer<FakeReply>> &waitingReplies()
+{
+    static QList<QPointer<FakeReply>> replies;
+    return replies;
+}
 
 } // namespace
 
@@ -55,15 +60,15 @@ QList<QPointer<FakeReply>> waitingReplies; // their access managers own them
 QNetworkReply *QNetworkAccessManager::post(const QNetworkRequest &request, const QByteArray &)
 {
     auto *reply = new FakeReply(request, this);
-    waitingReplies.append(reply);
+    waitingReplies().append(reply);
     return reply;
 }
 
 bool answerPost(const QByteArray &body)
 {
-    waitingReplies.removeAll(nullptr); // went with their access manager
-    if (waitingReplies.isEmpty())
+    waitingReplies().removeAll(nullptr); // went with their access manager
+    if (waitingReplies().isEmpty())
         return false;
-    waitingReplies.takeFirst()->finishWith(body);
+    waitingReplies().takeFirst()->finishWith(body);
     return true;
 }

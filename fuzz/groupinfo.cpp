@@ -31,7 +31,8 @@ QSet<QString> checkedIds(const PluginRig &rig)
     for (const Thing *wallbox : wallboxes) {
         infraIds.insert(wallbox->paramValue(QStringLiteral("infraID")).toString());
         classIds.insert(wallbox->thingClassId());
-        require(wallbox->parentId() == rig.configuredThings().first()->id(), "the gateway is the parent");
+        require(wallbox->parentId() == rig.configuredThings().constFirst()->id(),
+                "the gateway is the parent");
         const uint most = wallbox->paramValue(QStringLiteral("maxAllowedCurrent")).toUInt();
         const State current = wallbox->state(QStringLiteral("maxChargingCurrent"));
         require(most <= 32 && current.value() == most && current.maxValue() == most,

@@ -21,7 +21,8 @@ void checkClass(const ThingClass &thingClass, QSet<QUuid> *ids)
         return !id.isNull() && ids->size() > before;
     };
     require(isFresh(thingClass.id), "a class's id is its own");
-    for (const ParamType &type : thingClass.paramTypes + thingClass.discoveryParamTypes)
+    const QVector<ParamType> paramTypes = thingClass.paramTypes + thingClass.discoveryParamTypes;
+    for (const ParamType &type : paramTypes)
         require(isFresh(type.id) && !type.name.isEmpty(), "a parameter has an id of its own and a name");
     int writable = 0;
     for (const StateType &type : thingClass.stateTypes) {

@@ -70,6 +70,9 @@ private Q_SLOTS:
     void pluginTimers();
     void metadataErrors_data();
     void metadataErrors();
+
+private:
+    QStringList m_ticks;
 };
 
 void TestLibnymea::stateConversion_data()
@@ -150,18 +153,17 @@ void TestLibnymea::pluginTimers()
     PluginTimer *two = manager->registerTimer(2);
     PluginTimer *three = manager->registerTimer(3);
     QVERIFY(two->running());
-    QStringList ticks;
-    const QObject listener;
-    connect(two, &PluginTimer::timeout, &listener, [&ticks] { ticks.append("two"); });
-    connect(three, &PluginTimer::timeout, &listener, [&ticks, manager, two] {
-        ticks.append("three");
+    m_ticks.clear();
+    connect(two, &PluginTimer::timeout, this, [this] { m_ticks.append("two"); });
+    connect(three, &PluginTimer::timeout, this, [this, manager, two] {
+        m_ticks.append("three");
         manager->unregisterTimer(two); // in the middle of a tick
     });
     for (int second = 1; second <= 6; ++second) {
         manager->tick();
-        ticks.append(QString::number(second));
+        m_ticks.append(QString::number(second));
     }
-    QCOMPARE(ticks, (QStringList{"1", "two", "2", "three", "3", "4", "5", "three", "6"}));
+    QCOMPARE(m_ticks, (QStringList{"1", "two", "2", "three", "3", "4", "5", "three", "6"}));
     QCOMPARE(log.warnings().size(), 1); // the second unregistering
 }
 

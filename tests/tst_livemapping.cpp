@@ -107,9 +107,9 @@ void TestLiveMapping::listenersMayRemoveTheWallbox()
     const QObject listener;
     const Things wallboxes = site.wallboxes();
     for (Thing *wallbox : wallboxes) {
-        connect(wallbox, &Thing::stateValueChanged, &listener, [&site] {
-            while (site.wallboxes().size() > 1)
-                site.remove(site.wallboxes().constFirst());
+        connect(wallbox, &Thing::stateValueChanged, &listener, [site = &site] {
+            while (site->wallboxes().size() > 1)
+                site->remove(site->wallboxes().constFirst());
         });
     }
     QVERIFY(site.poll());
