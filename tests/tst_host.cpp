@@ -213,15 +213,15 @@ void TestHost::pendingCommandDelaysTheNext()
 {
     start({"--job-timeout", "0.1"});
     for (const char *line : {"discover bridge address=nobody", "wait 0.05", "watch 0.05", "watch", "",
-                             "# nothing", "help", "discover bridge address=nobody", "things"})
+                             "# nothing", "help", "things", "discover bridge address=nobody"})
         m_host->send(line);
     m_host->closeInput();
     QStringList answers;
     for (QJsonObject answer = m_host->next(); !answer.isEmpty(); answer = m_host->next())
         answers << (answer["answer"].toString() + ' ' + answer["thingError"].toString()).trimmed();
     QCOMPARE(answers,
-             QStringList({"discover ThingErrorTimeout", "wait", "watch", "watch", "help",
-                          "discover ThingErrorTimeout", "things"}));
+             QStringList({"discover ThingErrorTimeout", "wait", "watch", "watch", "help", "things",
+                          "discover ThingErrorTimeout"}));
     QCOMPARE(m_host->exitStatus(), 0);
 }
 
