@@ -176,8 +176,11 @@ void TestFaults::fault_data()
     row("closed without an answer", hangUp, "RemoteHostClosedError 0", "1");
     row("closed mid-reply", cut, "RemoteHostClosedError 200", "1");
     row("reset", reset, "RemoteHostClosedError 0", "1");
+    row("400", answer<400>, "ProtocolInvalidOperationError 400", "1");
     row("401", answer<401>, "AuthenticationRequiredError 401", "1");
+    row("404", answer<404>, "ContentNotFoundError 404", "1");
     row("418", answer<418>, "ProtocolInvalidOperationError 418", "1");
+    row("500", answer<500>, "InternalServerError 500", "1");
     row("503", answer<503>, "ServiceUnavailableError 503", "1");
 }
 
