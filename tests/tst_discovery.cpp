@@ -105,13 +105,10 @@ void TestDiscovery::fillsInOneFieldFromStorage()
     };
     QSettings *storage = site.daemon->plugin()->pluginStorage();
     storage->beginGroup(site.daemon->thingClasses().findByName("vela").id.toString());
-    for (const auto &[key, index] : {
-             std::pair{"url",         0},
-             {"groupId",     1},
-             {"groupSecret", 2}
-    }) {
-        if (inStorage.section(' ', index, index) != "-")
-            storage->setValue(key, value(inStorage.section(' ', index, index)));
+    const QStringList keys{"url", "groupId", "groupSecret"};
+    for (int i = 0; i < keys.size(); ++i) {
+        if (inStorage.section(' ', i, i) != "-")
+            storage->setValue(keys.at(i), value(inStorage.section(' ', i, i)));
     }
     storage->endGroup();
 

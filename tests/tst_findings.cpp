@@ -30,6 +30,12 @@ QString listed(const Findings &findings)
     return lines.join(", ");
 }
 
+/*! A group of one wallbox, "a", with that maximum. */
+QByteArray withMaximum(const QByteArray &ampere)
+{
+    return R"({"evse_ids": {"a": {"max_charging_current": )" + ampere + "}}}";
+}
+
 Answer httpAnswer(int status, const QByteArray &body = "{}", std::chrono::milliseconds duration = 0ms)
 {
     Answer answer;
@@ -71,8 +77,6 @@ private Q_SLOTS:
     void answer();
     void groupInfo_data();
     void groupInfo();
-    void maxCurrent_data();
-    void maxCurrent();
     void valuesReply_data();
     void valuesReply();
     void record_data();
@@ -157,7 +161,6 @@ void TestFindings::groupInfo_data()
     const auto row = [](const char *name, const QByteArray &body, const char *expected) {
         QTest::newRow(name) << body << expected;
     };
-    row("one wallbox", R"({"evse_ids": {"EVSE-01": {"max_charging_current": 32}}})", "");
     row("no body", "", "problem not-json");
     row("page", "<html>It works!</html>", "problem not-json");
     row("cut", R"({"evse_ids": {)", "problem not-json");
@@ -167,6 +170,10 @@ void TestFindings::groupInfo_data()
     row("empty group", R"({"evse_ids": {}})", "problem no-wallboxes");
     row("only the bad one is named", R"({"evse_ids": {"a": {"max_charging_current": 16}, "b": 16}})",
         "problem unusable-max-current b");
+    for (const char *sound : {"6", "32", "16.0"})
+        QTest::addRow("maximum %s", sound) << withMaximum(sound) << "";
+    for (const char *unusable : {"5", "33", "-6", "16.5", "\"16\"", "null"})
+        QTest::addRow("maximum %s", unusable) << withMaximum(unusable) << "problem unusable-max-current a";
     QByteArray wallboxes;
     for (int i = 1; i <= 32; ++i)
         wallboxes += '"' + QByteArray::number(i) + R"(": {"max_charging_current": 16},)";
@@ -179,36 +186,6 @@ void TestFindings::groupInfo()
 {
     QFETCH(QByteArray, body);
     QTEST(listed(judgeGroupInfo(body)), "expected");
-}
-
-void TestFindings::maxCurrent_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QString>("sentence");
-    const QString range = "the plugin takes whole amperes from 6 to 32";
-    const QString unread = range + " and would read 0";
-    const auto row = [](const char *name, const char *value, const QString &sentence) {
-        QTest::newRow(name) << QByteArray(value) << sentence;
-    };
-    row("least", "6", "");
-    row("most", "32", "");
-    row("whole in disguise", "16.0", "");
-    row("fraction", "16.5", "the number 16.5; " + unread);
-    row("text", "\"16\"", "the text \"16\"; " + unread);
-    row("null", "null", "null; " + unread);
-    row("too little to charge", "5", "the number 5; " + range);
-    row("too much", "33", "the number 33; " + range);
-    row("negative", "-6", "the number -6; " + range);
-}
-
-void TestFindings::maxCurrent()
-{
-    QFETCH(QByteArray, value);
-    QFETCH(QString, sentence);
-    const Findings findings =
-        judgeGroupInfo(R"({"evse_ids": {"EVSE-01": {"max_charging_current": )" + value + "}}}");
-    const QString expected = sentence.isEmpty() ? QString() : "\"max_charging_current\" is " + sentence;
-    QCOMPARE(findings.value(0).sentence(), expected);
 }
 
 void TestFindings::valuesReply_data()

@@ -303,7 +303,7 @@ void TestProbe::secretIsNotRepeated()
 void TestProbe::jsonDocument()
 {
     GoodBackend backend;
-    backend.wallboxes.insert("EVSE-01", "32");
+    backend.wallboxes.insert("EVSE-01", json(R"({"max_charging_current": "32"})"));
     const Run probe = run({"--json", backend.url(), "yard"});
     const QJsonObject document = json(probe.out.toUtf8());
     QCOMPARE(document.value("works"), QJsonValue(false));
@@ -318,6 +318,9 @@ void TestProbe::jsonDocument()
     QCOMPARE(finding.value("kind"), QJsonValue("problem"));
     QCOMPARE(finding.value("code"), QJsonValue("unusable-max-current"));
     QCOMPARE(finding.value("wallbox"), QJsonValue("EVSE-01"));
+    QCOMPARE(finding.value("text").toString(),
+             "\"max_charging_current\" is the text \"32\"; the plugin takes whole amperes from 6 to 32 and "
+             "would read 0");
     const QJsonObject request = groupInfo.value("request").toObject();
     QCOMPARE(request.value("status"), QJsonValue(200));
     QCOMPARE(request.value("body").toObject(), json(R"({"secret": "***"})"));
