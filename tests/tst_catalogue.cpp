@@ -81,7 +81,6 @@ private Q_SLOTS:
     void wallboxes();
     void idsNeverChange();
     void constantsAreExported();
-    void platformReadsIt();
     void entryPoints();
     void metaObject();
     void generatorSaysWhatIsWrong_data();
@@ -203,18 +202,6 @@ void TestCatalogue::constantsAreExported()
         exported.append(name + ' ' + (id ? id->toString(QUuid::WithoutBraces) : "is missing"));
     }
     QCOMPARE(exported, m_ids);
-}
-
-void TestCatalogue::platformReadsIt()
-{
-    const PluginMetadata metadata(m_document);
-    QCOMPARE(metadata.validationErrors(), Texts());
-    const ThingClass wallbox = metadata.thingClasses().constLast();
-    QCOMPARE(wallbox.stateTypes.findByName("timestamp").defaultValue, QVariant(0)); // a date is no number
-    QCOMPARE(wallbox.stateTypes.findByName("power").cached, true);                  // unless said otherwise
-    QCOMPARE(wallbox.actionTypes.size(), 2);
-    QCOMPARE(QUuid(wallbox.actionTypes.findByName("power").paramTypes.first().id),
-             QUuid(wallbox.stateTypes.findByName("power").id));
 }
 
 void TestCatalogue::entryPoints()

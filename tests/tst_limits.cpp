@@ -21,7 +21,6 @@ private Q_SLOTS:
     void actions();
     void limitOnTheWire();
     void onlyTheLastLimitIsSent();
-    void enablingWaitsForTheRenewal();
     void renewalFollowsTheStates();
     void renewalEndsAfterThirtySeconds();
     void equalActionsAreSignsOfLife();
@@ -152,19 +151,6 @@ void TestLimits::onlyTheLastLimitIsSent()
     QCOMPARE(site.backend.limits("EVSE-01"), (QList<double>{12, 6}));
 }
 
-void TestLimits::enablingWaitsForTheRenewal()
-{
-    Site site;
-    QCOMPARE(site.addGateway(), QString());
-    QCOMPARE(Site::result(site.set("EVSE-01", "power", true)), "NoError");
-    QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits().size(), 0);
-    site.fireChargeLimitTimer();
-    QCOMPARE(site.backend.limits().size(), 0); // the timer itself sends nothing
-    QVERIFY(site.poll());
-    QCOMPARE(site.backend.limits("EVSE-01"), QList<double>{16});
-}
-
 void TestLimits::renewalFollowsTheStates()
 {
     Site site;
@@ -173,7 +159,7 @@ void TestLimits::renewalFollowsTheStates()
     QCOMPARE(Site::result(site.set("EVSE-02", "power", false)), "NoError");
     QVERIFY(site.poll());
     site.log.clear();
-    site.fireChargeLimitTimer();
+    site.fireChargeLimitTimer(); // by itself sends nothing
     QStringList story = site.story();
     story.sort(); // wallboxes in no particular order
     QCOMPARE(story,

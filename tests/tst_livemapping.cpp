@@ -42,6 +42,7 @@ void TestLiveMapping::writesStatesInOrder()
     Site site;
     QCOMPARE(site.addGateway(), QString());
     site.backend.values["EVSE-01"] = charging();
+    QCOMPARE(site.state("EVSE-01", "timestamp"), QVariant(0)); // its default, a date, is no number
     const StateWatch watch(site.wallbox("EVSE-01"));
     site.log.clear();
     QVERIFY(site.poll());
