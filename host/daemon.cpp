@@ -13,6 +13,19 @@
 
 using namespace std::chrono_literals;
 
+namespace {
+
+/*! The sentence that says that the file of \a settings cannot be used; empty when it can. */
+QString errorIn(const QSettings &settings)
+{
+    settings.allKeys(); // QSettings judges what it has read
+    return settings.status() == QSettings::NoError
+        ? QString()
+        : QStringLiteral("The plugin's storage %1 cannot be used.").arg(settings.fileName());
+}
+
+} // namespace
+
 Daemon::Daemon(const Options &options, QObject *parent)
     : ThingManager(parent)
     , m_options(options)
@@ -52,10 +65,10 @@ QString Daemon::load()
     connect(plugin(), &IntegrationPlugin::autoThingsAppeared, this, &Daemon::onAutoThingsAppeared);
     connect(plugin(), &IntegrationPlugin::autoThingDisappeared, this, &Daemon::onAutoThingDisappeared);
     m_plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
-    if (m_plugin->pluginStorage()->status() != QSettings::NoError) {
-        const QString file = m_plugin->pluginStorage()->fileName();
+    QString settingsError = errorIn(*m_plugin->pluginStorage());
+    if (!settingsError.isEmpty()) {
         m_plugin.reset();
-        return QStringLiteral("%1 cannot be used.").arg(file);
+        return settingsError;
     }
     m_plugin->init();
     restoreThings();

@@ -164,6 +164,12 @@ void ScriptedBackend::releaseAll(Operation operation)
         release(operation);
 }
 
+bool ScriptedBackend::sendPart(Operation operation, const QByteArray &bytes)
+{
+    const QPointer<QTcpSocket> socket = m_held.value(operation).value(0);
+    return socket && socket->write(bytes) > 0;
+}
+
 QList<ScriptedBackend::Request> ScriptedBackend::requests() const
 {
     return m_requests;

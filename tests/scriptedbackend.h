@@ -64,6 +64,8 @@ public:
     bool release(Operation operation);
     /*! Answers all held requests of \a operation, and later ones at once. */
     void releaseAll(Operation operation);
+    /*! Sends \a bytes to whom the oldest held request of \a operation belongs, and goes on holding it. */
+    bool sendPart(Operation operation, const QByteArray &bytes);
 
     QList<Request> requests() const;
     QList<Request> requests(Operation operation) const;

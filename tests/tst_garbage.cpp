@@ -21,6 +21,8 @@ private Q_SLOTS:
     void hugeValues();
     void groupInfo_data();
     void groupInfo();
+    void namesWithByteOrderMark();
+    void valuesWithoutEnd();
 
 private:
     std::unique_ptr<Site> m_site; // with EVSE-01 and EVSE-02; one for all, since each row needs only a poll
@@ -275,6 +277,43 @@ void TestGarbage::groupInfo()
     QTRY_COMPARE(m_site->infraIds(), (QStringList{"EVSE-01", "EVSE-02"}));
     QVERIFY(m_site->poll());
     QCOMPARE(m_site->state("EVSE-01", "state"), QVariant("Charging"));
+}
+
+/*! Qt reads such a name without the mark, and finds it only with it: the wallbox went and came at each
+ * set-up. */
+void TestGarbage::namesWithByteOrderMark()
+{
+    m_site->backend.answer(ScriptedBackend::GroupInfo, 200, "{\"evse_ids\":{\"\xef\xbb\xbf\x45VSE-01\":{}}}");
+    m_site->backend.answer(ScriptedBackend::Values, 200,
+                           valuesOf(goodBut("3500")).replace("EVSE", "\xef\xbb\xbf\x45VSE"));
+    const QPointer<Thing> wallbox = m_site->wallbox("EVSE-01");
+    const StateWatch watch(wallbox);
+    QCOMPARE(Site::result(m_site->setup(m_site->gateway())), QString("NoError"));
+    QTRY_COMPARE(m_site->infraIds(), QStringList("EVSE-01"));
+    QVERIFY(m_site->poll());
+    QCOMPARE(m_site->wallbox("EVSE-01"), wallbox.data());
+    QCOMPARE(watch.changes, (QStringList{"sessionEnergy 3.5", "totalEnergyConsumed 1"}));
+    m_site->backend.answerNormally(ScriptedBackend::GroupInfo);
+    QCOMPARE(Site::result(m_site->setup(m_site->gateway())), QString("NoError"));
+}
+
+/*! Other polls go on by other connections, and what never ends is never applied. */
+void TestGarbage::valuesWithoutEnd()
+{
+    m_site->backend.hold(ScriptedBackend::Values);
+    m_site->backend.forgetRequests();
+    m_site->tick();
+    QTRY_COMPARE(m_site->backend.requests(ScriptedBackend::Values).size(), 1);
+    QVERIFY(m_site->backend.sendPart(ScriptedBackend::Values,
+                                     "HTTP/1.1 200 OK\r\n\r\n" + valuesOf(goodBut("3500"))));
+    m_site->backend.answer(ScriptedBackend::Values, 200, valuesOf(good));
+    const StateWatch watch(m_site->wallbox("EVSE-01"));
+    for (int i = 0; i < 20; ++i) {
+        QVERIFY(m_site->backend.sendPart(ScriptedBackend::Values, QByteArray(1000000, ' ')));
+        QVERIFY(m_site->poll());
+    }
+    QVERIFY2(watched()->longest < allowed, qPrintable(QString::number(watched()->longest)));
+    QCOMPARE(watch.changes, QStringList());
 }
 
 int main(int argc, char *argv[])

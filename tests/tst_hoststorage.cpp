@@ -21,6 +21,7 @@ private slots:
     void sweepsLeftovers();
     void damagedFileIsLeftAlone_data();
     void damagedFileIsLeftAlone();
+    void damagedPluginStorageIsLeftAlone();
     void keepsThingsOfUnknownClasses();
     void circleOfParents();
     void valuesThatDoNotFit_data();
@@ -167,6 +168,17 @@ void TestHostStorage::damagedFileIsLeftAlone()
     QCOMPARE(damaged->exitStatus(), 1);
     QVERIFY(damaged->log().contains(path("things.json")));
     QCOMPARE(this->content("things.json"), content);
+}
+
+void TestHostStorage::damagedPluginStorageIsLeftAlone()
+{
+    const QString settings = "pluginconfig-00000000-0000-4000-8000-000000000001.conf";
+    write(settings, "neither a group\nnor a key\n");
+    const auto damaged = host();
+    damaged->send("things");
+    QCOMPARE(damaged->exitStatus(), 1);
+    QVERIFY(damaged->log().contains(path(settings)));
+    QCOMPARE(content(settings), QByteArray("neither a group\nnor a key\n"));
 }
 
 void TestHostStorage::keepsThingsOfUnknownClasses()
