@@ -12,7 +12,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
+#if __has_feature(address_sanitizer)
 #include <sanitizer/lsan_interface.h>
+#endif
 
 // NOLINTNEXTLINE(readability-non-const-parameter): Qt keeps a reference to it.
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
@@ -29,7 +31,9 @@ QJsonDocument QJsonDocument::fromJson(const QByteArray &json, QJsonParseError *e
 {
     static const auto original = reinterpret_cast<decltype(&QJsonDocument::fromJson)>(
         dlsym(RTLD_NEXT, "_ZN13QJsonDocument8fromJsonERK10QByteArrayP15QJsonParseError"));
+#if __has_feature(address_sanitizer)
     const __lsan::ScopedDisabler lostByQt;
+#endif
     return original(json, error);
 }
 
