@@ -236,9 +236,10 @@ void IntegrationPluginVela::autoCreateMeterThing(const QString &infraId, const T
 void IntegrationPluginVela::setupConnects(Thing *thing)
 {
     qCDebug(dcVela) << "OCPP: Setup nymea connections.";
+    // The answer may have removed the last thing that was kept, and the client with it; a new gateway is kept
+    // only after its set-up.
     if (!m_networkHandler)
-        return; // this very answer has removed the last thing, and the client with it; a new gateway counts
-                // later
+        return;
     // The gateway is the context: without it nobody wants the values.
     connect(m_networkHandler, &NetworkHandler::valuesReceived, thing,
             [this](const QJsonObject &receivedValues) { applyValues(receivedValues); });
