@@ -37,6 +37,8 @@ private Q_SLOTS:
     void fault_data();
     void fault();
     void nameFailure();
+    void clockIsSet_data();
+    void clockIsSet();
 };
 
 namespace {
@@ -246,6 +248,34 @@ void TestFaults::nameFailure()
     setCurrent(site, 2);
     QVERIFY(pollsUntil(site, "connected 2", 2) <= 2);
     QCOMPARE(shown(site), "connected 2");
+}
+
+void TestFaults::clockIsSet_data()
+{
+    QTest::addColumn<int>("seconds");
+    QTest::addColumn<QList<double>>("renewed"); // with the clock set, and after the next action
+    QTest::newRow("an hour forward: silent until the next action") << 3600 << QList<double>{8};
+    QTest::newRow("an hour back: heard") << -3600 << QList<double>{10, 8};
+}
+
+void TestFaults::clockIsSet()
+{
+    QFETCH(int, seconds);
+    QFETCH(QList<double>, renewed);
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 10)), "NoError");
+    QVERIFY(site.poll());
+    site.backend.forgetRequests();
+
+    Site::moveClock(seconds);
+    setCurrent(site, 1);
+    site.fireChargeLimitTimer();
+    QVERIFY(site.poll());
+    QCOMPARE(shown(site), "connected 1");
+    QCOMPARE(Site::result(site.set("EVSE-01", "maxChargingCurrent", 8)), "NoError");
+    QVERIFY(site.poll());
+    QCOMPARE(site.backend.limits("EVSE-01"), renewed);
 }
 
 QTEST_GUILESS_MAIN(TestFaults)
