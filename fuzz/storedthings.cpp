@@ -8,6 +8,7 @@
 #include "values.h"
 
 #include <QFile>
+#include <QJsonDocument>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -47,6 +48,13 @@ QVector<QVariantList> read(ThingStore *store, QObject *owner, Things *things)
     return records;
 }
 
+/*! Whether Qt alone would not write \a json as it has read it: names lose a byte order mark in front. */
+bool isChangedByQt(const QByteArray &json)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    return QJsonDocument::fromJson(document.toJson()) != document;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -66,6 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     require(store.write(things).isEmpty(), "what was read can be stored");
     ThingStore nextStore(folder->path());
     Things nextThings;
-    require(read(&nextStore, &owner, &nextThings) == records, "what was stored can be read");
+    require(read(&nextStore, &owner, &nextThings) == records || isChangedByQt(inputBytes(data, size)),
+            "what was stored can be read");
     return 0;
 }
