@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "printable.h"
+
+#include <QJsonDocument>
+
+QString printable(const QString &text)
+{
+    QVector<uint> characters = text.toUcs4();
+    for (uint &character : characters) {
+        if (QChar::isSpace(character))
+            character = ' ';
+        else if (!QChar::isPrint(character))
+            character = QChar::ReplacementCharacter;
+    }
+    return QString::fromUcs4(characters.constData(), characters.size());
+}
+
+QByteArray printableJson(const QJsonObject &object)
+{
+    const QString json = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    QString text;
+    text.reserve(json.size());
+    // Compact JSON has no white space between its members, so that all of it stands in strings.
+    const QVector<uint> characters = json.toUcs4();
+    for (const uint character : characters) {
+        const QString utf16 = QString::fromUcs4(&character, 1);
+        if (character == ' ' || (QChar::isPrint(character) && !QChar::isSpace(character))) {
+            text += utf16;
+            continue;
+        }
+        for (const QChar unit : utf16)
+            text += QStringLiteral("\\u%1").arg(unit.unicode(), 4, 16, QLatin1Char('0'));
+    }
+    return text.toUtf8();
+}
