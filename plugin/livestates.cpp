@@ -15,10 +15,11 @@ void writeTimestamp(Thing *thing, const LiveValues &values)
     if (values.timestampText.isEmpty())
         return;
     qCDebug(dcVela) << "Time STR" << values.timestampText;
-    if (!values.timestamp)
-        return; // unreadable: the last readable time is worth more than none
-    qCDebug(dcVela) << "Time STR" << *values.timestamp;
-    thing->setStateValue(QStringLiteral("timestamp"), *values.timestamp);
+    const qint64 seconds = values.timestamp.toSecsSinceEpoch();
+    qCDebug(dcVela) << "Time STR" << seconds;
+    // Null, not invalid: a local time in the hour that summer time leaves out is invalid, but a time.
+    if (!values.timestamp.isNull())
+        thing->setStateValue(QStringLiteral("timestamp"), seconds);
 }
 
 void writeEnergy(Thing *thing, double sessionEnergy)
@@ -32,6 +33,31 @@ void writeEnergy(Thing *thing, double sessionEnergy)
     }
 }
 
+/*! Goes by the thing's state, which a listener may have changed since it was written. */
+void writePower(Thing *thing, const LiveValues &values)
+{
+    if (isCharging(thing->stateValue(QStringLiteral("state")).toString())) {
+        thing->setStateValue(QStringLiteral("currentPower"), activePower(values));
+        thing->setStateValue(QStringLiteral("currentPhaseA"), values.currentPhaseA);
+        thing->setStateValue(QStringLiteral("currentPhaseB"), values.currentPhaseB);
+        thing->setStateValue(QStringLiteral("currentPhaseC"), values.currentPhaseC);
+    } else {
+        thing->setStateValue(QStringLiteral("currentPower"), 0);
+        thing->setStateValue(QStringLiteral("currentPhaseA"), 0);
+        thing->setStateValue(QStringLiteral("currentPhaseB"), 0);
+        thing->setStateValue(QStringLiteral("currentPhaseC"), 0);
+    }
+}
+
+/*! Goes by the thing's currents, as writePower() does by its state. */
+void writePhaseCount(Thing *thing)
+{
+    const int phases = activePhases(thing->stateValue(QStringLiteral("currentPhaseA")).toDouble(),
+                                    thing->stateValue(QStringLiteral("currentPhaseB")).toDouble(),
+                                    thing->stateValue(QStringLiteral("currentPhaseC")).toDouble());
+    thing->setStateValue(QStringLiteral("phaseCount"), phases);
+}
+
 } // namespace
 
 void writeLiveStates(Thing *thing, const LiveValues &values)
@@ -43,9 +69,6 @@ void writeLiveStates(Thing *thing, const LiveValues &values)
     // No status means unplugged: every wallbox that reports counts as plugged in.
     thing->setStateValue(QStringLiteral("pluggedIn"), true);
     thing->setStateValue(QStringLiteral("charging"), values.charging);
-    thing->setStateValue(QStringLiteral("currentPower"), values.currentPower);
-    thing->setStateValue(QStringLiteral("currentPhaseA"), values.currentPhaseA);
-    thing->setStateValue(QStringLiteral("currentPhaseB"), values.currentPhaseB);
-    thing->setStateValue(QStringLiteral("currentPhaseC"), values.currentPhaseC);
-    thing->setStateValue(QStringLiteral("phaseCount"), values.phaseCount);
+    writePower(thing, values);
+    writePhaseCount(thing);
 }

@@ -3,8 +3,6 @@
 
 #include "livevalues.h"
 
-#include <QDateTime>
-
 #include <algorithm>
 #include <cmath>
 
@@ -41,60 +39,10 @@ void mapStatus(const QString &status, LiveValues &values)
     values.charging = known && row->charging;
 }
 
-/*! Whether \a text is written like \a form, in which 0 stands for any digit and all else for itself. */
-bool hasForm(const QString &text, QLatin1String form)
-{
-    return std::equal(text.cbegin(), text.cend(), form.cbegin(), form.cend(), [](QChar c, char f) {
-        return f == '0' ? c >= QLatin1Char('0') && c <= QLatin1Char('9') : c == QLatin1Char(f);
-    });
-}
-
-int number(const QString &text, int position, int digits)
-{
-    int result = 0;
-    for (int i = position; i < position + digits; ++i)
-        result = 10 * result + text.at(i).unicode() - '0';
-    return result;
-}
-
-/*! Reads UTC in the two forms that backends send, with and without milliseconds; invalid for all others.
-    QDateTime::fromString() reads them too, but at six times the cost, which was an eighth of a poll. */
-QDateTime utcTime(const QString &text)
-{
-    const bool hasMilliseconds = hasForm(text, QLatin1String("0000-00-00T00:00:00.000Z"));
-    if (!hasMilliseconds && !hasForm(text, QLatin1String("0000-00-00T00:00:00Z")))
-        return {};
-    const QDate date(number(text, 0, 4), number(text, 5, 2), number(text, 8, 2));
-    const QTime time(number(text, 11, 2), number(text, 14, 2), number(text, 17, 2),
-                     hasMilliseconds ? number(text, 20, 3) : 0);
-    return date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime();
-}
-
-void mapTimestamp(const QString &text, LiveValues &values)
-{
-    values.timestampText = text;
-    QDateTime time = utcTime(text);
-    if (!time.isValid())
-        time = QDateTime::fromString(text, Qt::ISODateWithMs); // without a zone designator this is local time
-    if (time.isValid())
-        values.timestamp = time.toSecsSinceEpoch();
-}
-
 double phaseCurrent(const QJsonValue &value)
 {
     const double ampere = value.toDouble();
     return ampere < smallestCurrent ? 0.0 : ampere;
-}
-
-void mapCurrents(const QJsonObject &record, LiveValues &values)
-{
-    values.currentPhaseA = phaseCurrent(record.value(QLatin1String("phase_1")));
-    values.currentPhaseB = phaseCurrent(record.value(QLatin1String("phase_2")));
-    values.currentPhaseC = phaseCurrent(record.value(QLatin1String("phase_3")));
-    const double sum = values.currentPhaseA + values.currentPhaseB + values.currentPhaseC;
-    values.currentPower = std::ceil(sum * volt * 100.0) / 100.0;
-    const int phases = (values.currentPhaseA > 0) + (values.currentPhaseB > 0) + (values.currentPhaseC > 0);
-    values.phaseCount = std::max(phases, 1);
 }
 
 } // namespace
@@ -102,13 +50,32 @@ void mapCurrents(const QJsonObject &record, LiveValues &values)
 LiveValues mapLiveValues(const QJsonObject &record)
 {
     LiveValues values;
-    mapTimestamp(record.value(QLatin1String("timestamp")).toString(), values);
+    values.timestampText = record.value(QLatin1String("timestamp")).toString();
+    // ISO 8601: without a zone designator this is local time.
+    values.timestamp = QDateTime::fromString(values.timestampText, Qt::ISODateWithMs);
     values.sessionEnergy = record.value(QLatin1String("meter_value")).toDouble() / wattHoursPerKiloWattHour;
+    values.currentPhaseA = phaseCurrent(record.value(QLatin1String("phase_1")));
+    values.currentPhaseB = phaseCurrent(record.value(QLatin1String("phase_2")));
+    values.currentPhaseC = phaseCurrent(record.value(QLatin1String("phase_3")));
     mapStatus(record.value(QLatin1String("status")).toString(), values);
-    // A wallbox may go on measuring while the car is paused; what counts then is its status.
-    if (values.charging)
-        mapCurrents(record, values);
     return values;
+}
+
+bool isCharging(const QString &state)
+{
+    return state == QLatin1String("Charging");
+}
+
+double activePower(const LiveValues &values)
+{
+    const double ampere = values.currentPhaseA + values.currentPhaseB + values.currentPhaseC;
+    return std::ceil(ampere * volt * 100.0) / 100.0;
+}
+
+int activePhases(double currentPhaseA, double currentPhaseB, double currentPhaseC)
+{
+    const int phases = (currentPhaseA > 0.0) + (currentPhaseB > 0.0) + (currentPhaseC > 0.0);
+    return std::max(phases, 1);
 }
 
 double energyDrawn(double previous, double current)

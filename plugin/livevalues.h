@@ -4,28 +4,35 @@
 #ifndef LIVEVALUES_H
 #define LIVEVALUES_H
 
+#include <QDateTime>
 #include <QJsonObject>
 #include <QString>
 
-#include <optional>
-
-/*! What one wallbox record of a values reply says about its thing. Plain values, no owner. */
+/*! What one wallbox record of a values reply says. A plain value type. */
 struct LiveValues
 {
-    QString timestampText;           //!< as received; empty when the record has none
-    std::optional<qint64> timestamp; //!< s since the Unix epoch; none when the text is empty or unreadable
-    double sessionEnergy = 0;        //!< kWh drawn in the running session
-    QString state;                   //!< ChargePointStatus of OCPP 1.6; "Unavailable" for any other text
-    bool charging = false;           //!< true for "Charging" alone
-    double currentPower = 0;         //!< W at a fixed 230 V, rounded up to 0.01; 0 unless charging
-    double currentPhaseA = 0;        //!< A; 0 below 1 A and unless charging
-    double currentPhaseB = 0;        //!< as phase A
-    double currentPhaseC = 0;        //!< as phase A
-    int phaseCount = 1;              //!< phases that carry current, 1 to 3; 1 while none does
+    QString timestampText;    //!< as received; empty when the record has none
+    QDateTime timestamp;      //!< null when the text is empty or no date-time
+    double sessionEnergy = 0; //!< kWh drawn in the running session
+    double currentPhaseA = 0; //!< A, whatever the status; 0 below 1 A
+    double currentPhaseB = 0; //!< as phase A
+    double currentPhaseC = 0; //!< as phase A
+    QString state;            //!< ChargePointStatus of OCPP 1.6; "Unavailable" for any other text
+    bool charging = false;    //!< true only for "Charging"
 };
 
-/*! Reads one \a record. Cannot fail: a missing or mistyped member counts as 0 or as empty text. */
+/*! Reads one \a record. Never fails: a missing or mistyped member counts as 0 or as an empty text. */
 LiveValues mapLiveValues(const QJsonObject &record);
+
+/*! Whether current flows in \a state. A wallbox may go on measuring while its car is paused; power and
+    currents then count as 0. */
+bool isCharging(const QString &state);
+
+/*! What the currents of \a values amount to, in W at a fixed 230 V, rounded up to 0.01 W. */
+double activePower(const LiveValues &values);
+
+/*! How many of the three currents, in A, flow: 1 to 3, and 1 while none does. */
+int activePhases(double currentPhaseA, double currentPhaseB, double currentPhaseC);
 
 /*! What the total grows by, in kWh, when the session's energy goes from \a previous to \a current. 0 when
     it falls, since a new session has begun, and when \a previous is 0: after a restart the session's energy

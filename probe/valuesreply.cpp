@@ -52,13 +52,13 @@ Findings judgeTimestamp(const QJsonObject &record, const QDateTime &now)
     const QJsonValue value = record.value(QLatin1String("timestamp"));
     if (isAbsent(value) || value == QJsonValue(QString()))
         return {remark("no-timestamp", QStringLiteral("\"timestamp\" is missing; nymea shows no new time"))};
-    if (!mapLiveValues(record).timestamp)
+    const QDateTime time = mapLiveValues(record).timestamp;
+    if (time.isNull())
         return {problem("unreadable-timestamp",
                         QLatin1String("\"timestamp\" is %1; the plugin reads an ISO 8601 text, as ")
                             + now.toUTC().toString(Qt::ISODate))
                     .quoting(inWords(value))};
 
-    const QDateTime time = QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
     Findings findings;
     if (time.timeSpec() == Qt::LocalTime)
         findings.append(remark("no-timezone",
@@ -150,7 +150,7 @@ QStringList describeValues(const QByteArray &body)
     for (auto it = values.begin(); it != values.end(); ++it) {
         const LiveValues shown = mapLiveValues(it.value().toObject());
         lines.append(QStringLiteral("%1: %2, %3 W, %4 kWh")
-                         .arg(it.key(), shown.state, QString::number(shown.currentPower),
+                         .arg(it.key(), shown.state, QString::number(shown.charging ? activePower(shown) : 0),
                               QString::number(shown.sessionEnergy)));
     }
     return lines;

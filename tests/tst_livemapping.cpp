@@ -31,6 +31,8 @@ private Q_SLOTS:
     void absentWallboxesComeFirst();
     void absentWallboxKeepsItsStates();
     void listenersMayRemoveTheWallbox();
+    void listenersMayChangeWhatWasWritten_data();
+    void listenersMayChangeWhatWasWritten();
     void unknownIdsAreSkipped();
     void timestampOnlyWhenReadable();
     void energyAcrossSessions();
@@ -116,6 +118,57 @@ void TestLiveMapping::listenersMayRemoveTheWallbox()
     QVERIFY(site.poll());
     QCOMPARE(site.wallboxes().size(), 1);
     QCOMPARE(site.wallboxes().constFirst()->stateValue("connected"), QVariant(false));
+}
+
+void TestLiveMapping::listenersMayChangeWhatWasWritten_data()
+{
+    QTest::addColumn<QString>("status");
+    QTest::addColumn<QString>("changed"); // the state that a listener changes as soon as it is written
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<double>("power");
+    QTest::addColumn<QList<double>>("currents");
+    QTest::addColumn<int>("phases");
+    using Currents = QList<double>;
+    QTest::newRow("charging ends") << "Charging"
+                                   << "state" << QVariant("Faulted") << 0.0 << Currents{0, 0, 0} << 1;
+    QTest::newRow("charging begins") << "Preparing"
+                                     << "state" << QVariant("Charging") << 4140.0 << Currents{2, 6, 10} << 3;
+    for (int phase = 0; phase < 3; ++phase) {
+        Currents currents{2, 6, 10};
+        currents[phase] = 0;
+        const QString state = QString("currentPhase") + QChar('A' + phase);
+        QTest::newRow(qPrintable(state)) << "Charging" << state << QVariant(0) << 4140.0 << currents << 2;
+    }
+}
+
+/*! Power and currents go by the state that the thing has, and the phases by its currents. */
+void TestLiveMapping::listenersMayChangeWhatWasWritten()
+{
+    QFETCH(QString, changed);
+    QFETCH(QVariant, value);
+    Site site;
+    QCOMPARE(site.addGateway(), QString());
+    Thing *wallbox = site.wallbox("EVSE-01");
+    const QObject listener;
+    connect(wallbox, &Thing::stateValueChanged, &listener,
+            [wallbox, &changed, &value](const StateTypeId &id) {
+                if (wallbox->thingClass().stateTypes.findById(id).name == changed)
+                    wallbox->setStateValue(changed, value);
+            });
+    QFETCH(QString, status);
+    site.backend.values["EVSE-01"] = QJsonObject{
+        {"status",  status},
+        {"phase_1", 2     },
+        {"phase_2", 6     },
+        {"phase_3", 10    }
+    };
+    QVERIFY(site.poll());
+    QTEST(wallbox->stateValue("currentPower").toDouble(), "power");
+    const QList<double> currents{wallbox->stateValue("currentPhaseA").toDouble(),
+                                 wallbox->stateValue("currentPhaseB").toDouble(),
+                                 wallbox->stateValue("currentPhaseC").toDouble()};
+    QTEST(currents, "currents");
+    QTEST(wallbox->stateValue("phaseCount").toInt(), "phases");
 }
 
 void TestLiveMapping::unknownIdsAreSkipped()
