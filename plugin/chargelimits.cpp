@@ -3,7 +3,7 @@
 
 #include "chargelimits.h"
 
-QJsonObject chargeLimit(double ampere)
+QJsonObject chargeLimit(const QJsonValue &ampere)
 {
     QJsonObject limit;
     limit.insert(QLatin1String("value"), ampere);

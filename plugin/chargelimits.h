@@ -5,9 +5,10 @@
 #define CHARGELIMITS_H
 
 #include <QJsonObject>
+#include <QJsonValue>
 
-/*! The limit of one wallbox as the backend takes it. \a ampere of 0 forbids charging. */
-QJsonObject chargeLimit(double ampere);
+/*! The limit of one wallbox as the backend takes it. \a ampere is a number; 0 forbids charging. */
+QJsonObject chargeLimit(const QJsonValue &ampere);
 
 /*! Whether the energy manager has fallen silent: no action yet (\a lastActionTime is 0), or none for more
     than 30 s. Times in s since the Unix epoch. An action in the future, after the clock was set back,

@@ -37,24 +37,31 @@ Credentials enteredCredentials(const ParamList &params)
             params.paramValue(velaDiscoveryGroupSecretParamTypeId).toString()};
 }
 
-bool completeCredentials(Credentials *credentials, const QSettings &storage)
+bool completeCredentials(Credentials *credentials, QSettings *storage, const ThingClassId &gatewayClassId)
 {
+    storage->beginGroup(gatewayClassId.toString());
     // With one field filled in, the others are taken as entered, even if they are empty.
-    const bool filledIn = fillIn(&credentials->url, storage, urlKey)
-        || fillIn(&credentials->groupId, storage, groupIdKey)
-        || fillIn(&credentials->groupSecret, storage, groupSecretKey);
+    const bool filledIn = fillIn(&credentials->url, *storage, urlKey)
+        || fillIn(&credentials->groupId, *storage, groupIdKey)
+        || fillIn(&credentials->groupSecret, *storage, groupSecretKey);
+    storage->endGroup();
     return filledIn || isComplete(*credentials);
 }
 
-Credentials storedCredentials(const QSettings &storage)
+Credentials storedCredentials(QSettings *storage, const ThingClassId &gatewayClassId)
 {
-    return {storage.value(urlKey).toString(), storage.value(groupIdKey).toString(),
-            storage.value(groupSecretKey).toString()};
+    storage->beginGroup(gatewayClassId.toString());
+    const Credentials credentials{storage->value(urlKey).toString(), storage->value(groupIdKey).toString(),
+                                  storage->value(groupSecretKey).toString()};
+    storage->endGroup();
+    return credentials;
 }
 
-void writeCredentials(QSettings *storage, const Credentials &credentials)
+void writeCredentials(QSettings *storage, const ThingClassId &gatewayClassId, const Credentials &credentials)
 {
+    storage->beginGroup(gatewayClassId.toString());
     storage->setValue(urlKey, credentials.url);
     storage->setValue(groupIdKey, credentials.groupId);
     storage->setValue(groupSecretKey, credentials.groupSecret);
+    storage->endGroup();
 }

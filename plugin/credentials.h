@@ -6,11 +6,13 @@
 
 #include <QString>
 
+#include <typeutils.h>
+
 class ParamList;
 class QSettings;
 
-/*! What leads to a group at a backend. One set for the whole plugin, kept in the plugin storage; the
-    functions take the storage with the group open that is named by the gateway class. */
+/*! How to reach a group at a backend. There is one set for the whole plugin. It is kept in the plugin
+    storage, in the group named by the gateway's thing class; the functions open and close that group. */
 struct Credentials
 {
     QString url;
@@ -23,11 +25,11 @@ Credentials enteredCredentials(const ParamList &params);
 
 /*! Fills in the first field, in the order of the members, that is empty and stored, and no other. Returns
     false when none was filled in and one is empty. */
-bool completeCredentials(Credentials *credentials, const QSettings &storage);
+bool completeCredentials(Credentials *credentials, QSettings *storage, const ThingClassId &gatewayClassId);
 
 /*! Those of the last discovery that succeeded; empty fields where there was none. */
-Credentials storedCredentials(const QSettings &storage);
+Credentials storedCredentials(QSettings *storage, const ThingClassId &gatewayClassId);
 
-void writeCredentials(QSettings *storage, const Credentials &credentials);
+void writeCredentials(QSettings *storage, const ThingClassId &gatewayClassId, const Credentials &credentials);
 
 #endif // CREDENTIALS_H

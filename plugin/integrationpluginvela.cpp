@@ -13,7 +13,6 @@
 
 #include <QDateTime>
 #include <QJsonArray>
-#include <QSettings>
 #include <QTimer>
 
 #include <hardwaremanager.h>
@@ -79,16 +78,12 @@ void IntegrationPluginVela::discoverThings(ThingDiscoveryInfo *info)
         m_networkHandler = new NetworkHandler();
 
     Credentials credentials = enteredCredentials(info->params());
-    QSettings *storage = pluginStorage();
-    storage->beginGroup(info->thingClassId().toString());
-    if (!completeCredentials(&credentials, *storage)) {
+    if (!completeCredentials(&credentials, pluginStorage(), info->thingClassId())) {
         qCWarning(dcVela) << "discoverThings() - Discovery params not entered.";
         info->finish(Thing::ThingErrorSetupFailed,
                      QStringLiteral("Not all parameters are known. Please enter the discovery parameters."));
-        storage->endGroup();
         return;
     }
-    storage->endGroup();
 
     m_networkHandler->setServerInfo(credentials.url, credentials.groupId, credentials.groupSecret);
     // The job is the context: once the platform has disposed of it, a late answer finds nobody.
@@ -112,10 +107,7 @@ void IntegrationPluginVela::offerGateway(ThingDiscoveryInfo *info, const Credent
         return;
     }
     qCDebug(dcVela) << "discoverThings() - OCPP reached successfully.";
-    QSettings *storage = pluginStorage();
-    storage->beginGroup(info->thingClassId().toString());
-    writeCredentials(storage, credentials);
-    storage->endGroup();
+    writeCredentials(pluginStorage(), info->thingClassId(), credentials);
 
     ThingDescriptor descriptor(velaThingClassId, QStringLiteral("Tavensolis VELA"), credentials.url);
     const Things existing = myThings().filterByParam(velaThingBackendUrlParamTypeId, credentials.url);
@@ -145,11 +137,7 @@ void IntegrationPluginVela::setupGateway(ThingSetupInfo *info)
     if (!m_networkHandler)
         m_networkHandler = new NetworkHandler();
 
-    QSettings *storage = pluginStorage();
-    storage->beginGroup(thing->thingClassId().toString());
-    const Credentials credentials = storedCredentials(*storage);
-    storage->endGroup();
-
+    const Credentials credentials = storedCredentials(pluginStorage(), thing->thingClassId());
     m_networkHandler->setServerInfo(credentials.url, credentials.groupId, credentials.groupSecret);
     thing->setStateValue(QStringLiteral("connected"), true);
     // The job is the context: it ends with the set-up, and later answers are none of its business.
@@ -236,10 +224,14 @@ void IntegrationPluginVela::autoCreateMeterThing(const QString &infraId, const T
 void IntegrationPluginVela::setupConnects(Thing *thing)
 {
     qCDebug(dcVela) << "OCPP: Setup nymea connections.";
-    // The answer may have removed the last thing that was kept, and the client with it; a new gateway is kept
-    // only after its set-up.
-    if (!m_networkHandler)
+    // A new gateway counts as a thing only after its set-up. If its answer has just removed the last thing
+    // there was, the client went with it.
+    if (!m_networkHandler) {
+        qCWarning(dcVela)
+            << "setupConnects() - Nothing is polled or sent for this gateway, since the last thing"
+            << "was removed and the backend client with it. Set up the gateway again.";
         return;
+    }
     // The gateway is the context: without it nobody wants the values.
     connect(m_networkHandler, &NetworkHandler::valuesReceived, thing,
             [this](const QJsonObject &receivedValues) { applyValues(receivedValues); });
@@ -271,12 +263,12 @@ void IntegrationPluginVela::postSetupThing(Thing *thing)
         return;
     if (!m_pluginTimer) {
         m_pluginTimer = hardwareManager()->pluginTimerManager()->registerTimer(int(pollPeriod.count()));
-        connect(m_pluginTimer, &PluginTimer::timeout, this, [this] { updateCurrentValues(); });
+        connect(m_pluginTimer, &PluginTimer::timeout, this, &IntegrationPluginVela::updateCurrentValues);
         m_pluginTimer->start();
     }
     if (!m_chargeLimitTimer) {
         m_chargeLimitTimer = new QTimer(this);
-        connect(m_chargeLimitTimer, &QTimer::timeout, this, [this] { renewChargeLimits(); });
+        connect(m_chargeLimitTimer, &QTimer::timeout, this, &IntegrationPluginVela::renewChargeLimits);
     }
     m_chargeLimitTimer->setInterval(chargeLimitPeriod);
     m_chargeLimitTimer->start();
@@ -286,17 +278,14 @@ void IntegrationPluginVela::postSetupThing(Thing *thing)
 void IntegrationPluginVela::updateCurrentValues()
 {
     if (!m_networkHandler)
-        return; // see setupConnects(); the next discovery or gateway set-up makes a new one
+        return; // see setupConnects(); only another gateway set-up brings the values back
     if (!m_chargeLimits.isEmpty()) {
         qCDebug(dcVela) << "Sending charge limits" << m_chargeLimits;
         m_networkHandler->setProfileChargePowerLimit(m_chargeLimits);
         m_chargeLimits = QJsonObject();
     }
     qCDebug(dcVela) << "Update the values for all connected wallboxes.";
-    QJsonArray infraIds;
-    for (auto it = m_infraThings.constBegin(); it != m_infraThings.constEnd(); ++it)
-        infraIds.append(it.key());
-    m_networkHandler->getEvseValues(infraIds);
+    m_networkHandler->getEvseValues(QJsonArray::fromStringList(m_infraThings.keys()));
 }
 
 /*! Queues all limits again, so that the backend keeps to them, unless the energy manager is silent. */
@@ -309,9 +298,9 @@ void IntegrationPluginVela::renewChargeLimits()
     }
     for (auto it = m_infraThings.constBegin(); it != m_infraThings.constEnd(); ++it) {
         qCDebug(dcVela) << "postSetupThing() - Set charge power limit again." << it.key();
-        const bool enabled = it.value()->stateValue(QStringLiteral("power")).toBool();
-        const double ampere =
-            enabled ? it.value()->stateValue(QStringLiteral("maxChargingCurrent")).toDouble() : 0.0;
+        QJsonValue ampere = 0;
+        if (it.value()->stateValue(QStringLiteral("power")).toBool())
+            ampere = it.value()->stateValue(QStringLiteral("maxChargingCurrent")).toDouble();
         queueChargeLimit(it.key(), ampere);
     }
 }
@@ -366,7 +355,7 @@ void IntegrationPluginVela::setChargingEnabled(ThingActionInfo *info)
     info->finish(Thing::ThingErrorNoError, QString());
 }
 
-void IntegrationPluginVela::queueChargeLimit(const QString &infraId, double ampere)
+void IntegrationPluginVela::queueChargeLimit(const QString &infraId, const QJsonValue &ampere)
 {
     m_chargeLimits.insert(infraId, chargeLimit(ampere));
 }

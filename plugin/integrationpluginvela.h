@@ -18,7 +18,7 @@ struct Credentials;
     wallbox that the backend lists, live values every 2 s, and actions that become charge limits.
 
     The operations stand in the order in which the daemon calls them, all on its main thread. The backend
-    client and both timers are shared by all gateways; they are made on first need and released together
+    client and both timers are shared by all gateways. They are created on first use and released together
     when the last thing goes. */
 class IntegrationPluginVela : public IntegrationPlugin
 {
@@ -64,12 +64,12 @@ private:
 
     void setMaxChargingCurrent(ThingActionInfo *info);
     void setChargingEnabled(ThingActionInfo *info);
-    void queueChargeLimit(const QString &infraId, double ampere);
+    void queueChargeLimit(const QString &infraId, const QJsonValue &ampere);
 
-    PluginTimer *m_pluginTimer = nullptr;       // the platform's; handed back with the last thing
-    QTimer *m_chargeLimitTimer = nullptr;       // child of this; runs while there is a gateway
+    PluginTimer *m_pluginTimer = nullptr;       // owned by the platform; returned with the last thing
+    QTimer *m_chargeLimitTimer = nullptr;       // child of this object; runs until the last thing goes
     qint64 m_lastActionTime = 0;                // s since the Unix epoch; 0 before the first action
-    NetworkHandler *m_networkHandler = nullptr; // ours; made on first need, deleted with the last thing
+    NetworkHandler *m_networkHandler = nullptr; // owned by this object; deleted with the last thing
     QHash<ThingClassId, ParamTypeId> m_infraIdParamTypeIds;           // of each wallbox class
     QHash<ThingClassId, ParamTypeId> m_maxAllowedCurrentParamTypeIds; // of each wallbox class
     QHash<ThingClassId, QString> m_availableClassIds; // wallbox class to "available" or "used"
