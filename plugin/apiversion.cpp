@@ -7,5 +7,6 @@
     function up by its plain name and refuses a plugin whose version differs from its own. */
 extern "C" Q_DECL_EXPORT QString libnymea_api_version()
 {
-    return QStringLiteral("7.4.0");
+    // Not a literal, which would point into this library: a loader may keep the text after unloading it.
+    return QString::fromLatin1("7.4.0");
 }

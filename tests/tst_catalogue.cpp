@@ -10,6 +10,8 @@
 #include <QPluginLoader>
 #include <QtTest>
 
+#include <dlfcn.h>
+
 namespace {
 
 using Texts = QStringList;
@@ -75,6 +77,7 @@ class TestCatalogue : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
+    void versionOutlivesTheLibrary();
     void head();
     void gateway();
     void wallboxes_data();
@@ -85,6 +88,8 @@ private Q_SLOTS:
     void metaObject();
     void generatorSaysWhatIsWrong_data();
     void generatorSaysWhatIsWrong();
+    void generatorNoticesAFullDisk_data();
+    void generatorNoticesAFullDisk();
 
 private:
     QPluginLoader m_loader{VELA_PLUGIN_FILE};
@@ -102,6 +107,19 @@ void TestCatalogue::initTestCase()
     QFile file(QFINDTESTDATA("data/ids.txt"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     m_ids = QString(file.readAll()).split('\n', Qt::SkipEmptyParts);
+}
+
+/*! A loader may unload the library and print the version afterwards. First, while nothing else holds it. */
+void TestCatalogue::versionOutlivesTheLibrary()
+{
+    QLibrary library(VELA_PLUGIN_FILE);
+    using Version = QString (*)();
+    const auto version = reinterpret_cast<Version>(library.resolve("libnymea_api_version"));
+    QVERIFY(version);
+    const QString text = version();
+    QVERIFY(library.unload());
+    QVERIFY(!dlopen(VELA_PLUGIN_FILE, RTLD_LAZY | RTLD_NOLOAD)); // really gone
+    QCOMPARE(text, "7.4.0");
 }
 
 void TestCatalogue::head()
@@ -206,11 +224,6 @@ void TestCatalogue::constantsAreExported()
 
 void TestCatalogue::entryPoints()
 {
-    using Version = QString (*)();
-    const auto version =
-        reinterpret_cast<Version>(QLibrary::resolve(VELA_PLUGIN_FILE, "libnymea_api_version"));
-    QVERIFY(version);
-    QCOMPARE(version(), "7.4.0");
     QVERIFY(QLibrary::resolve(VELA_PLUGIN_FILE, "qt_plugin_query_metadata"));
     using Instance = QObject *(*)();
     const auto instance =
@@ -278,6 +291,32 @@ void TestCatalogue::generatorSaysWhatIsWrong()
     const QString said = generator.readAllStandardError();
     QVERIFY2(said.contains(complaint), qPrintable(said));
     QVERIFY(QDir(work.filePath("out")).isEmpty());
+}
+
+void TestCatalogue::generatorNoticesAFullDisk_data()
+{
+    QTest::addColumn<QString>("catalogue");
+    QTest::addColumn<QString>("file");
+    const QString whole = QFINDTESTDATA("../plugin/catalogue/catalogue.json");
+    const QString small = QFINDTESTDATA("data/smallcatalogue.json"); // written in one piece, at the end
+    for (const char *file : {"integrationpluginvela.json", "plugininfo.h", "plugininfo.cpp"}) {
+        QTest::addRow("%s", file) << whole << file;
+        QTest::addRow("small %s", file) << small << file;
+    }
+}
+
+void TestCatalogue::generatorNoticesAFullDisk()
+{
+    QFETCH(QString, catalogue);
+    QFETCH(QString, file);
+    const QTemporaryDir work;
+    QVERIFY(QFile::link("/dev/full", work.filePath(file)));
+    QProcess generator;
+    generator.start(VELA_CATALOGUE_GENERATOR, {catalogue, work.path()});
+    QVERIFY(generator.waitForFinished());
+    QCOMPARE(generator.exitCode(), 1);
+    QCOMPARE(QString(generator.readAllStandardError()),
+             work.filePath(file) + ": cannot be written: No space left on device\n");
 }
 
 QTEST_GUILESS_MAIN(TestCatalogue)

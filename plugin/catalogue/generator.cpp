@@ -180,7 +180,11 @@ QByteArray Generator::source() const
 bool write(const QString &fileName, const QByteArray &content)
 {
     QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+    // Where the disk is full, a short text fails only when it is flushed.
+    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush())
+        return true;
+    QTextStream(stderr) << fileName << ": cannot be written: " << file.errorString() << '\n';
+    return false;
 }
 
 } // namespace
@@ -207,11 +211,9 @@ int main(int argc, char *argv[])
     }
     const Generator generator(catalogue.object());
     const QDir folder(arguments.at(2));
-    if (!write(folder.filePath(QStringLiteral("integrationpluginvela.json")), generator.metadata())
-        || !write(folder.filePath(QStringLiteral("plugininfo.h")), generator.header())
-        || !write(folder.filePath(QStringLiteral("plugininfo.cpp")), generator.source())) {
-        err << folder.path() << ": cannot be written\n";
-        return 1;
-    }
-    return 0;
+    const bool written =
+        write(folder.filePath(QStringLiteral("integrationpluginvela.json")), generator.metadata())
+        && write(folder.filePath(QStringLiteral("plugininfo.h")), generator.header())
+        && write(folder.filePath(QStringLiteral("plugininfo.cpp")), generator.source());
+    return written ? 0 : 1;
 }
