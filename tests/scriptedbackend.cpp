@@ -7,7 +7,10 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
+
+#include <linux/sockios.h>
 
 namespace {
 
@@ -35,6 +38,13 @@ void resetConnection(QTcpSocket *socket)
     const linger atOnce{1, 0};
     setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
     socket->abort();
+}
+
+/*! What is written from now on leaves together with the end of the connection. */
+void holdBack(QTcpSocket *socket)
+{
+    const int yes = 1;
+    setsockopt(int(socket->socketDescriptor()), IPPROTO_TCP, TCP_CORK, &yes, sizeof yes);
 }
 
 /*! Takes the first whole request out of \a buffer; false while there is none. */
@@ -104,6 +114,7 @@ void ScriptedBackend::closeConnections()
     const auto sockets = m_server.findChildren<QTcpSocket *>();
     for (QTcpSocket *socket : sockets)
         socket->abort();
+    m_held.clear();
 }
 
 void ScriptedBackend::setWallbox(const QString &infraId, int maxChargingCurrent)
@@ -168,6 +179,14 @@ bool ScriptedBackend::sendPart(Operation operation, const QByteArray &bytes)
 {
     const QPointer<QTcpSocket> socket = m_held.value(operation).value(0);
     return socket && socket->write(bytes) > 0;
+}
+
+bool ScriptedBackend::isSent(Operation operation) const
+{
+    const QPointer<QTcpSocket> socket = m_held.value(operation).value(0);
+    int unacknowledged = 1;
+    return socket && socket->bytesToWrite() == 0
+        && ioctl(int(socket->socketDescriptor()), SIOCOUTQ, &unacknowledged) == 0 && unacknowledged == 0;
 }
 
 QList<ScriptedBackend::Request> ScriptedBackend::requests() const
@@ -239,6 +258,7 @@ void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
         socket->write(response(script.status, script.bytes));
         break;
     case Script::HangUp:
+        holdBack(socket);
         socket->write(script.bytes);
         socket->disconnectFromHost();
         break;

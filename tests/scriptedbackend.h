@@ -49,7 +49,7 @@ public:
 
     /*! Answers \a operation in this way until told otherwise. */
     void answer(Operation operation, int status, const QByteArray &body = "{}");
-    /*! Sends \a bytes in place of a response, and closes the connection. */
+    /*! Sends \a bytes in place of a response, and closes the connection with the same packet. */
     void hangUp(Operation operation, const QByteArray &bytes = {});
     /*! Resets the connection in place of a response. */
     void reset(Operation operation);
@@ -66,6 +66,8 @@ public:
     void releaseAll(Operation operation);
     /*! Sends \a bytes to whom the oldest held request of \a operation belongs, and goes on holding it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
+    /*! Whether all that sendPart() has sent has arrived at the other side. */
+    bool isSent(Operation operation) const;
 
     QList<Request> requests() const;
     QList<Request> requests(Operation operation) const;
