@@ -8,6 +8,7 @@
 #include "networkhandler.h"
 #include "valuesreply.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QJsonArray>
 #include <QNetworkReply>
@@ -35,7 +36,8 @@ Answer answerOf(QNetworkReply *reply)
         answer.errorText = reply->errorString();
     answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     answer.redirect = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl().toDisplayString();
-    answer.body = reply->readAll();
+    if (reply->isOpen()) // not after an abort
+        answer.body = reply->readAll();
     return answer;
 }
 
@@ -48,10 +50,21 @@ Probe::Probe(const ProbeTarget &target)
     m_timeout.setSingleShot(true);
     m_timeout.setTimerType(Qt::PreciseTimer);
     connect(&m_timeout, &QTimer::timeout, this, [this] { giveUp(); });
+    QCoreApplication::instance()->installEventFilter(this);
     connectHandler();
 }
 
 Probe::~Probe() = default;
+
+/*! Breaks off a reply that is too long. The client hands out finished replies only, but whatever arrives
+    reaches the reply as an event. */
+bool Probe::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *const reply = qobject_cast<QNetworkReply *>(watched);
+    if (reply && reply->isRunning() && reply->bytesAvailable() > longestReply)
+        reply->abort(); // which finishes it, and so concludes the step
+    return QObject::eventFilter(watched, event);
+}
 
 void Probe::connectHandler()
 {

@@ -48,6 +48,9 @@ Q_SIGNALS:
     void stepDone(const StepReport &report);
     void finished();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     using Continuation = void (Probe::*)(const StepReport &);
 

@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int longestText = 200;  // characters of anything that the backend or the user said
-constexpr int longestReply = 200; // characters of a reply's body
+constexpr int longestText = 200; // characters of anything that the backend or the user said
+constexpr int longestBody = 200; // characters of a reply's body
 
 struct StepName
 {
@@ -167,7 +167,7 @@ StepReport masked(StepReport report, const Mask &mask)
         report.body.insert(member, mask(report.body.value(member)));
     report.answer.errorText = clean(report.answer.errorText);
     report.answer.redirect = clean(report.answer.redirect);
-    report.answer.body = shortened(mask(replyText(report.answer.body)), longestReply).toUtf8();
+    report.answer.body = shortened(mask(replyText(report.answer.body)), longestBody).toUtf8();
     for (QString &detail : report.details)
         detail = clean(detail);
     for (Finding &finding : report.findings) {

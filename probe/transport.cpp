@@ -87,6 +87,14 @@ Finding judgeSilence(Step step, const Answer &answer)
     return problem("no-answer", text);
 }
 
+Finding judgeLength()
+{
+    return problem("too-long",
+                   QStringLiteral("the reply was broken off after %1 MB; nymea would read on and keep all of "
+                                  "it in memory, until the reply ends or the memory is used up")
+                       .arg(longestReply / (1024 * 1024)));
+}
+
 bool isUnreadRedirect(const Answer &answer)
 {
     return answer.status / 100 == 3 && !QJsonDocument::fromJson(answer.body).isObject();
@@ -96,6 +104,8 @@ Findings judgeFailure(Step step, const Answer &answer)
 {
     if (answer.timedOut)
         return {judgeSilence(step, answer)};
+    if (answer.error == QNetworkReply::OperationCanceledError) // by the probe
+        return {judgeLength()};
     if (!answer.succeeded())
         return {answer.status >= 400 ? judgeHttpError(step, answer) : judgeNetworkError(answer)};
     if (isUnreadRedirect(answer))

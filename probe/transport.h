@@ -21,6 +21,9 @@ enum class Step {
     ChargeLimit,
 };
 
+/*! How much of a reply the probe reads before it cancels the request; a full group's takes a few kB. */
+constexpr qint64 longestReply = 64 * 1024 * 1024; // bytes
+
 /*! How one request ended. */
 struct Answer
 {

@@ -95,6 +95,7 @@ private Q_SLOTS:
     void fault();
     void nobodyThere();
     void silentBackendIsGivenUp();
+    void endlessReplyIsBrokenOff();
     void usage_data();
     void usage();
     void secretFromFile();
@@ -207,6 +208,28 @@ void TestProbe::silentBackendIsGivenUp()
     QVERIFY2(probe.out.contains("PROBLEM  no answer within 0.25 s; the plugin would wait on"),
              qPrintable(probe.out));
     QCOMPARE(probe.status, 1);
+}
+
+void TestProbe::endlessReplyIsBrokenOff()
+{
+    GoodBackend backend;
+    backend.hold(ScriptedBackend::Online);
+    backend.hold(ScriptedBackend::Values);
+    // More than the probe reads, and then the connection stays open.
+    const QByteArray begin = "HTTP/1.1 200 OK\r\n\r\n" + QByteArray(65 * 1024 * 1024, ' ');
+    QVector<ScriptedBackend::Operation> left{ScriptedBackend::Online, ScriptedBackend::Values};
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, &timer, [&] {
+        if (!left.isEmpty() && backend.sendPart(left.first(), begin))
+            left.removeFirst();
+    });
+    timer.start(1);
+    const Run probe = run({"--set-limit", "EVSE-01=6", backend.url(), "yard"});
+    QVERIFY2(probe.out.contains("remark   the reply was broken off after 64 MB"), qPrintable(probe.out));
+    QVERIFY2(probe.out.contains("PROBLEM  the reply was broken off after 64 MB"), qPrintable(probe.out));
+    QCOMPARE(probe.err, QString());
+    QCOMPARE(probe.status, 1);
+    QCOMPARE(backend.limits().size(), 1); // the next step
 }
 
 void TestProbe::usage_data()
