@@ -5,7 +5,9 @@
 #include "socketstream.h"
 
 #include <atomic>
+#include <cstdio>
 #include <list>
+#include <system_error>
 #include <thread>
 
 #include <sys/socket.h>
@@ -14,10 +16,12 @@
 namespace {
 constexpr time_t keepAliveSeconds = 60; // far more than the two seconds between polls
 constexpr size_t keepAliveRequests = 1000000000;
-constexpr size_t largestBody = 1 << 20;
+constexpr size_t largestBody = 1 << 20;                // bytes, unpacked
+constexpr size_t largestRequest = 2 << 20;             // bytes on the wire, the head and all framing included
 constexpr std::chrono::milliseconds streamPeriod{500}; // a change on a page seems to come at once
 
-/*! A thread for each connection. Those that are done are collected when the next one comes. */
+/*! A thread for each connection. Those that are done are collected when the next one comes. A task for which
+    there is no thread runs at once, in the accepting thread. */
 class ConnectionThreads : public httplib::TaskQueue
 {
 public:
@@ -25,10 +29,16 @@ public:
     {
         collect(false);
         Connection &connection = m_connections.emplace_back();
-        connection.thread = std::thread([task = std::move(task), &connection] {
+        try {
+            connection.thread = std::thread([task, &connection] {
+                task();
+                connection.isDone = true;
+            });
+        } catch (const std::system_error &error) {
+            m_connections.pop_back();
+            std::fprintf(stderr, "vela-simulator: connection refused, no thread for it: %s\n", error.what());
             task();
-            connection.isDone = true;
-        });
+        }
     }
     void shutdown() override { collect(true); }
 
@@ -74,8 +84,13 @@ void setBody(httplib::Response &response, const Reply &reply)
 
 void explainRefusal(const httplib::Request & /*request*/, httplib::Response &response)
 {
-    if (response.body.empty()) // the library's own: a request that it could not read
-        setBody(response, refusal(response.status, QStringLiteral("this is no request that can be read")));
+    if (!response.body.empty())
+        return;
+    // The library's own, or that of a body that was not read.
+    setBody(response,
+            refusal(response.status,
+                    response.status == 413 ? QStringLiteral("the body is larger than 1 MB")
+                                           : QStringLiteral("malformed request")));
 }
 } // namespace
 
@@ -105,8 +120,12 @@ HttpServer::HttpServer(Answer answer)
         respond(request, response);
     };
     const char anyPath[] = R"([\s\S]*)";
-    Get(anyPath, handler).Post(anyPath, handler).Put(anyPath, handler);
-    Patch(anyPath, handler).Delete(anyPath, handler).Options(anyPath, handler);
+    const HandlerWithContentReader bodyHandler =
+        [this](const httplib::Request &request, httplib::Response &response,
+               const httplib::ContentReader &readBody) { readAndRespond(request, response, readBody); };
+    Get(anyPath, handler).Options(anyPath, handler);
+    Post(anyPath, bodyHandler).Put(anyPath, bodyHandler);
+    Patch(anyPath, bodyHandler).Delete(anyPath, bodyHandler);
 }
 
 int HttpServer::bind(const std::string &address, int port)
@@ -120,7 +139,8 @@ int HttpServer::bind(const std::string &address, int port)
 bool HttpServer::serve(std::function<void()> ready)
 {
     // The library asks for its task queue once it can be stopped; stopped earlier, it would not notice.
-    new_task_queue = [ready = std::move(ready)] {
+    new_task_queue = [this, ready = std::move(ready)] {
+        m_acceptingThread = std::this_thread::get_id();
         ready();
         return new ConnectionThreads; // the library's
     };
@@ -150,6 +170,24 @@ void HttpServer::respond(const httplib::Request &request, httplib::Response &res
         setBody(response, reply);
 }
 
+// The library limits only the lengths that a head announces, neither chunked nor compressed bodies.
+void HttpServer::readAndRespond(const httplib::Request &request, httplib::Response &response,
+                                const httplib::ContentReader &readBody)
+{
+    httplib::Request complete = request;
+    bool isTooLarge = false;
+    const bool isRead = readBody([&complete, &isTooLarge](const char *data, size_t size) {
+        isTooLarge = isTooLarge || complete.body.size() + size > largestBody;
+        if (!isTooLarge)
+            complete.body.append(data, size);
+        return true; // the rest is read as well, so that the next request is found behind it
+    });
+    if (isTooLarge)
+        response.status = 413;
+    else if (isRead)
+        respond(complete, response);
+}
+
 void HttpServer::setStream(httplib::Response &response, const Reply &reply)
 {
     response.status = reply.status;
@@ -170,8 +208,9 @@ bool HttpServer::sleep(std::chrono::milliseconds duration)
 // The library's seam for other kinds of connections; its own would be out of our reach when the end comes.
 bool HttpServer::process_and_close_socket(socket_t socket)
 {
-    bool isAlive = enter(socket);
-    SocketStream stream(socket);
+    // In the accepting thread the connection would hold up all others.
+    bool isAlive = enter(socket) && std::this_thread::get_id() != m_acceptingThread;
+    SocketStream stream(socket, largestRequest);
     while (isAlive && stream.waitForRequest(std::chrono::seconds(keep_alive_timeout_sec_))) {
         bool isClosed = false;
         isAlive = process_request(stream, false, isClosed, nullptr) && !isClosed;

@@ -12,10 +12,11 @@
 #include <functional>
 #include <mutex>
 #include <set>
+#include <thread>
 
 /*! httplib's server, with a thread for each connection, so that no request holds up another, and with an end
  *  that does not wait for clients: connections are cut, whether they are idle or in the middle of a request.
- */
+ *  A connection for which there is no thread is closed at once. */
 class HttpServer : private httplib::Server
 {
 public:
@@ -33,6 +34,8 @@ public:
 
 private:
     void respond(const httplib::Request &request, httplib::Response &response);
+    void readAndRespond(const httplib::Request &request, httplib::Response &response,
+                        const httplib::ContentReader &readBody);
     void setStream(httplib::Response &response, const Reply &reply);
     bool sleep(std::chrono::milliseconds duration);
     bool process_and_close_socket(socket_t socket) override;
@@ -40,6 +43,7 @@ private:
     void leave(socket_t socket);
 
     Answer m_answer;
+    std::thread::id m_acceptingThread;
     std::mutex m_mutex; // guards all that follows
     std::set<socket_t> m_connections;
     std::condition_variable m_ending;

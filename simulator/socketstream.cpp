@@ -14,13 +14,17 @@ namespace {
 constexpr std::chrono::milliseconds patienceWithinRequest = 5s;
 }
 
-SocketStream::SocketStream(socket_t socket)
+SocketStream::SocketStream(socket_t socket, size_t largestRequest)
     : m_socket(socket)
+    , m_largestRequest(largestRequest)
 {
 }
 
 bool SocketStream::waitForRequest(std::chrono::milliseconds patience)
 {
+    if (m_requestSize > m_largestRequest)
+        return false; // what follows is still a part of it
+    m_requestSize = 0;
     return m_begin < m_end || fill(patience);
 }
 
@@ -36,11 +40,12 @@ bool SocketStream::is_writable() const
 
 ssize_t SocketStream::read(char *data, size_t size)
 {
-    if (m_begin == m_end && !fill(patienceWithinRequest))
+    if (m_requestSize > m_largestRequest || (m_begin == m_end && !fill(patienceWithinRequest)))
         return 0;
     const size_t length = std::min(size, m_end - m_begin);
     std::copy_n(m_buffer.begin() + m_begin, length, data);
     m_begin += length;
+    m_requestSize += length;
     return ssize_t(length);
 }
 

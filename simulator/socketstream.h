@@ -16,7 +16,8 @@
 class SocketStream : public httplib::Stream
 {
 public:
-    explicit SocketStream(socket_t socket);
+    /*! Ends once a single request has taken more than \a largestRequest bytes. */
+    SocketStream(socket_t socket, size_t largestRequest);
 
     /*! False if \a patience runs out before the client sends anything, or the connection has ended. */
     bool waitForRequest(std::chrono::milliseconds patience);
@@ -34,6 +35,8 @@ private:
     bool fill(std::chrono::milliseconds patience);
 
     socket_t m_socket;
+    size_t m_largestRequest; // bytes
+    size_t m_requestSize = 0;
     std::array<char, 4096> m_buffer;
     size_t m_begin = 0; // of what has been received and not been read
     size_t m_end = 0;

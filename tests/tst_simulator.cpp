@@ -14,6 +14,8 @@
 #include <memory>
 #include <vector>
 
+#include <sys/resource.h>
+
 using namespace std::chrono_literals;
 
 namespace {
@@ -84,6 +86,26 @@ public:
     }
 };
 
+/*! A limit on what a process may use, for the programs that are started while this object lives. */
+class LimitForChildren
+{
+public:
+    using Resource = decltype(RLIMIT_AS);
+    LimitForChildren(Resource resource, rlim_t limit)
+        : m_resource(resource)
+    {
+        getrlimit(m_resource, &m_before);
+        const rlimit lowered{limit, m_before.rlim_max};
+        setrlimit(m_resource, &lowered);
+    }
+    ~LimitForChildren() { setrlimit(m_resource, &m_before); }
+    Q_DISABLE_COPY(LimitForChildren)
+
+private:
+    Resource m_resource;
+    rlimit m_before{};
+};
+
 /*! Writes \a text on a connection of its own and returns what comes back until \a end is in it. */
 QByteArray exchange(QTcpSocket &socket, const QByteArray &text, const QByteArray &end)
 {
@@ -136,6 +158,9 @@ private Q_SLOTS:
     void requestsAreRecordedAndMasked();
 
     void connectionStaysOpen();
+    void largeBodiesAreRefused_data();
+    void largeBodiesAreRefused();
+    void connectionsWithoutThreadAreRefused();
     void endsAtOnce();
     void refusesToStart_data();
     void refusesToStart();
@@ -638,6 +663,60 @@ void TestSimulator::connectionStaysOpen()
     QTRY_COMPARE_WITH_TIMEOUT(simulator.requests().size(), 22, 2000);
     QVERIFY(exchange(*socket, "POST / HTTP/1.1\r\n\r\n", "nothing at this path").contains("HTTP/1.1 404"));
     QCOMPARE(socket->state(), QAbstractSocket::ConnectedState);
+}
+
+void TestSimulator::largeBodiesAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("headerAndBody");
+    QTest::addColumn<bool>("goesOn");
+    const QByteArray body((1 << 20) + 1, ' ');
+    const QByteArray packed = qCompress(body).mid(4); // behind Qt's own head
+    const auto length = [](const QByteArray &body) { return QByteArray::number(body.size()); };
+    QTest::newRow("announced") << "Content-Length: " + length(body) + "\r\n\r\n" + body << true;
+    QTest::newRow("chunked") << "Transfer-Encoding: chunked\r\n\r\n100001\r\n" + body + "\r\n0\r\n\r\n"
+                             << true;
+    QTest::newRow("compressed") << "Content-Encoding: deflate\r\nContent-Length: " + length(packed)
+            + "\r\n\r\n"
+            + packed << true;
+    QTest::newRow("endless") << "Transfer-Encoding: chunked\r\n\r\n7fffffff\r\n" + body + body << false;
+}
+
+void TestSimulator::largeBodiesAreRefused()
+{
+    QFETCH(QByteArray, headerAndBody);
+    QFETCH(bool, goesOn);
+    const auto socket = m_unchanged->connection();
+    const QByteArray head = "POST /control/wallboxes HTTP/1.1\r\nHost: localhost\r\n";
+    const QByteArray answer = exchange(*socket, head + headerAndBody, "}");
+    QVERIFY2(answer.startsWith("HTTP/1.1 413")
+                 && answer.endsWith(R"({"error":"the body is larger than 1 MB"})"),
+             answer);
+    const char plug[] = "POST /control/wallboxes/EVSE-01/plug HTTP/1.1\r\nHost: localhost\r\n\r\n"; // taken
+    const QByteArray next = exchange(*socket, goesOn ? QByteArray(plug) : QByteArray(), "}");
+    QCOMPARE(next.left(12), QByteArray(goesOn ? "HTTP/1.1 409" : ""));
+    if (!goesOn)
+        QTRY_COMPARE(socket->state(), QAbstractSocket::UnconnectedState);
+}
+
+void TestSimulator::connectionsWithoutThreadAreRefused()
+{
+#ifdef VELA_SANITIZED
+    QSKIP("sanitizers need more address space");
+#endif
+    // The address space holds only a few stacks of this size, and enough of everything else.
+    const LimitForChildren stackSize(RLIMIT_STACK, 1 << 30);
+    const LimitForChildren addressSpace(RLIMIT_AS, rlim_t(8) << 30);
+    Simulator simulator;
+    std::vector<std::unique_ptr<QTcpSocket>> clients;
+    int refused = 0;
+    for (int number = 0; number < 20; ++number) {
+        const auto &client = clients.emplace_back(simulator.connection());
+        if (exchange(*client, "GET /control/state HTTP/1.1\r\nHost: localhost\r\n\r\n", "}").isEmpty())
+            ++refused;
+    }
+    QVERIFY(refused > 0 && refused < 20);
+    clients.clear();
+    QTRY_COMPARE(simulator.backend("/is_online").status, 200);
 }
 
 void TestSimulator::endsAtOnce()
