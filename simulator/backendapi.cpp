@@ -3,6 +3,7 @@
 #include "backendapi.h"
 
 #include "fault.h"
+#include "hostname.h"
 #include "requestlog.h"
 #include "yard.h"
 
@@ -53,10 +54,11 @@ const BackendApi::Operation BackendApi::operations[] = {
     {"set_limits",     "/vela/set_limits/",     &BackendApi::setLimits},
 };
 
-BackendApi::BackendApi(Yard &yard, FaultGate &gate, RequestLog &log)
+BackendApi::BackendApi(Yard &yard, FaultGate &gate, RequestLog &log, const QString &listenAddress)
     : m_yard(yard)
     , m_gate(gate)
     , m_log(log)
+    , m_listenAddress(listenAddress.toStdString())
 {
 }
 
@@ -86,6 +88,8 @@ const BackendApi::Operation *BackendApi::findOperation(const QString &path)
 Reply BackendApi::judge(const httplib::Request &request, const Operation *operation,
                         const QString &path) const
 {
+    if (!isForUs(request, m_listenAddress))
+        return unknownHostReply();
     if (!operation)
         return refusal(404, QStringLiteral("there is nothing at this path"));
     if (request.method != "POST")

@@ -5,6 +5,8 @@
 
 #include "reply.h"
 
+#include <string>
+
 namespace httplib {
 struct Request;
 }
@@ -21,14 +23,14 @@ class Yard;
  * {...}}} POST /vela/set_limits/GROUP        {"secret", "limits": {ID: {"value": 16, "unit": "A"}}}
  *                                                            -> {"success": true}
  *
- *  Refused are, in this order: an unknown path (404), another method (405), a wrong token (401), a body that
- * is not JSON or has no secret (400), a wrong secret (403), an unknown group (404), a body of the wrong shape
- *  (400). A refused request changes nothing; the reply's "error" says why. */
+ *  Refused are, in this order: another host's name (403), an unknown path (404), another method (405), a
+ * wrong token (401), a body that is not JSON or has no secret (400), a wrong secret (403), an unknown group
+ * (404), a body of the wrong shape (400). A refused request changes nothing; the reply's "error" says why. */
 class BackendApi
 {
 public:
-    /*! All three must outlive this object. */
-    BackendApi(Yard &yard, FaultGate &gate, RequestLog &log);
+    /*! All three must outlive this object. \a listenAddress is a name under which a client may know us. */
+    BackendApi(Yard &yard, FaultGate &gate, RequestLog &log, const QString &listenAddress);
 
     Reply answer(const httplib::Request &request) const;
 
@@ -52,6 +54,7 @@ private:
     Yard &m_yard;
     FaultGate &m_gate;
     RequestLog &m_log;
+    std::string m_listenAddress;
 };
 
 #endif // BACKENDAPI_H

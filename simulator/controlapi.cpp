@@ -4,6 +4,7 @@
 
 #include "bodyreader.h"
 #include "fault.h"
+#include "hostname.h"
 #include "requestlog.h"
 #include "yard.h"
 
@@ -11,28 +12,11 @@
 
 #include <utility>
 
-#include <arpa/inet.h>
-
 namespace {
 constexpr char root[] = "/control/";
 constexpr char wallboxes[] = "/control/wallboxes/";
 constexpr int longestDelay = 10 * 60 * 1000; // ms
 constexpr double fastest = 100000;
-
-// "127.0.0.1:8080", "[::1]:8080" and "localhost" without port and brackets
-std::string hostName(const std::string &host)
-{
-    if (!host.empty() && host.front() == '[')
-        return host.substr(1, host.find(']') - 1);
-    return host.substr(0, host.find(':'));
-}
-
-bool isIpAddress(const std::string &name)
-{
-    in6_addr address;
-    return ::inet_pton(AF_INET, name.c_str(), &address) == 1
-        || ::inet_pton(AF_INET6, name.c_str(), &address) == 1;
-}
 
 Reply badBody(const QString &complaint)
 {
@@ -101,8 +85,8 @@ bool ControlApi::isControlPath(const std::string &path)
 
 Reply ControlApi::answer(const httplib::Request &request) const
 {
-    if (!isOwnHost(request.get_header_value("Host")))
-        return refusal(403, QStringLiteral("this is not the address that the simulator is known by"));
+    if (!isForUs(request, m_listenAddress))
+        return unknownHostReply();
     if (!isFromOwnPage(request))
         return refusal(403, QStringLiteral("pages of other origins may not touch the yard"));
     const QString path = QString::fromStdString(request.path);
@@ -112,14 +96,6 @@ Reply ControlApi::answer(const httplib::Request &request) const
         return refusal(405, QStringLiteral("the control endpoint takes GET and POST only"));
     BodyReader body(QByteArray::fromStdString(request.body));
     return post(path, body);
-}
-
-// A foreign page whose name has been rebound to our address still sends that name. An address in figures
-// cannot be rebound, so that any will do.
-bool ControlApi::isOwnHost(const std::string &host) const
-{
-    const std::string name = hostName(host);
-    return name == "localhost" || name == m_listenAddress || isIpAddress(name);
 }
 
 // Browsers name the page's origin in every POST, and in every GET from a page of another origin that could

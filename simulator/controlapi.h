@@ -30,10 +30,10 @@ class Yard;
  *  POST /control/speed                  {"factor"}
  *  POST /control/group                  {"group", "secret"}
  *
- *  Every POST answers with the state it leads to. Refused are a request from a page of another origin (403),
- *  what does not exist (404), the wrong method (405), what the wallbox's state does not allow (409), and a
- * body that is wrong or holds an unknown member (400); the reply's "error" says why, and nothing has changed.
- *  simulator/README.md has a curl line for each. */
+ *  Every POST answers with the state it leads to. Refused are a request to another host or from a page of
+ * another origin (403), what does not exist (404), the wrong method (405), what the wallbox's state does not
+ * allow (409), and a body that is wrong or holds an unknown member (400); the reply's "error" says why, and
+ * nothing has changed. simulator/README.md has a curl line for each. */
 class ControlApi
 {
 public:
@@ -63,7 +63,6 @@ private:
     static const Control controls[];
     static const Action actions[];
 
-    bool isOwnHost(const std::string &host) const;
     static bool isFromOwnPage(const httplib::Request &request);
     Reply get(const QString &path) const;
     Reply post(const QString &path, BodyReader &body) const;

@@ -3,9 +3,11 @@
 #include "backendapi.h"
 #include "controlapi.h"
 #include "fault.h"
+#include "hostname.h"
 #include "httpserver.h"
 #include "options.h"
 #include "page.h"
+#include "printable.h"
 #include "requestlog.h"
 #include "yard.h"
 
@@ -31,18 +33,25 @@ sigset_t blockEndSignals()
     return endSignals;
 }
 
+// One line that does not steer the terminal, whatever the user has entered.
+void print(FILE *stream, const QString &line)
+{
+    std::fprintf(stream, "%s\n", qUtf8Printable(printable(line)));
+    std::fflush(stream);
+}
+
 void printUrl(const QString &address, int port)
 {
     const QString host = address.contains(QLatin1Char(':')) ? QStringLiteral("[%1]").arg(address) : address;
-    std::printf("http://%s:%d\n", qUtf8Printable(host), port);
-    std::fflush(stdout);
+    print(stdout, QStringLiteral("http://%1:%2").arg(host, QString::number(port)));
 }
 
 int failToListen(const Options &options, int error)
 {
-    std::fprintf(stderr, "vela-simulator: cannot listen on %s, port %d: %s\n",
-                 qUtf8Printable(options.listenAddress), options.port,
-                 error != 0 ? std::strerror(error) : "no such address");
+    print(stderr,
+          QStringLiteral("vela-simulator: cannot listen on %1, port %2: %3")
+              .arg(options.listenAddress, QString::number(options.port),
+                   QString::fromLocal8Bit(error != 0 ? std::strerror(error) : "no such address")));
     return 1;
 }
 
@@ -80,7 +89,7 @@ int main(int argc, char *argv[])
     Yard yard(options.yard);
     FaultGate gate;
     RequestLog log;
-    const BackendApi backend(yard, gate, log);
+    const BackendApi backend(yard, gate, log, options.listenAddress);
     const ControlApi control(yard, gate, log, options.listenAddress);
     const Reply page = pageReply();
     HttpServer server([&backend, &control, &page](const httplib::Request &request) {
@@ -91,5 +100,11 @@ int main(int argc, char *argv[])
     const int port = server.bind(options.listenAddress.toStdString(), options.port);
     if (port < 0)
         return failToListen(options, errno);
+    if (!isLoopback(options.listenAddress.toStdString()))
+        print(stderr,
+              QStringLiteral(
+                  "vela-simulator: warning: with --listen %1, anyone who can reach this machine can control "
+                  "the yard")
+                  .arg(options.listenAddress));
     return serveUntil(endSignals, server, gate, options.listenAddress, port) ? 0 : 1;
 }

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "options.h"
 
+#include "printable.h"
+
 #include <QCommandLineParser>
 
 #include <cstdio>
@@ -18,7 +20,7 @@ constexpr char description[] =
 
 [[noreturn]] void fail(const QString &reason)
 {
-    std::fprintf(stderr, "vela-simulator: %s (see --help)\n", qUtf8Printable(reason));
+    std::fprintf(stderr, "vela-simulator: %s (see --help)\n", qUtf8Printable(printable(reason)));
     std::exit(2);
 }
 

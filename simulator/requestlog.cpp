@@ -12,6 +12,25 @@ namespace {
 constexpr std::size_t requestsKept = 200;
 constexpr int largestBodyKept = 64 * 1024; // bytes; two hundred large ones must not fill the memory
 
+// Clients may put the secret anywhere by mistake; what is logged is shown on the page.
+QJsonValue withoutSecrets(const QJsonValue &value)
+{
+    if (value.isArray()) {
+        QJsonArray array = value.toArray();
+        for (QJsonValueRef element : array)
+            element = withoutSecrets(element);
+        return array;
+    }
+    if (!value.isObject())
+        return value;
+    QJsonObject object = value.toObject();
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        const bool isSecret = member.key() == QLatin1String("secret");
+        member.value() = isSecret ? QStringLiteral("***") : withoutSecrets(member.value());
+    }
+    return object;
+}
+
 // A body that cannot be read could hold the secret anywhere, so it is described instead of kept.
 QJsonValue masked(const QByteArray &body)
 {
@@ -20,11 +39,7 @@ QJsonValue masked(const QByteArray &body)
         return QStringLiteral("%1 bytes that are no JSON object").arg(body.size());
     if (body.size() > largestBodyKept)
         return QStringLiteral("%1 bytes").arg(body.size());
-    QJsonObject object = document.object();
-    const QString secret = QStringLiteral("secret");
-    if (object.contains(secret))
-        object.insert(secret, QStringLiteral("***"));
-    return object;
+    return withoutSecrets(document.object());
 }
 } // namespace
 

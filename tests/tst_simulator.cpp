@@ -148,6 +148,7 @@ private Q_SLOTS:
     void foreignPagesAreRefused_data();
     void foreignPagesAreRefused();
 
+    void backendRefusesForeignHosts();
     void eventsTellTheNewsOnce();
     void pageKeepsToItself();
 
@@ -162,6 +163,8 @@ private Q_SLOTS:
     void largeBodiesAreRefused();
     void connectionsWithoutThreadAreRefused();
     void endsAtOnce();
+    void warnsWhenOthersCanReachIt_data();
+    void warnsWhenOthersCanReachIt();
     void refusesToStart_data();
     void refusesToStart();
 
@@ -524,6 +527,24 @@ void TestSimulator::foreignPagesAreRefused()
     QCOMPARE(isPluggedIn, status == 200);
 }
 
+void TestSimulator::backendRefusesForeignHosts()
+{
+    const struct
+    {
+        const char *host;
+        int status;
+    } cases[] = {
+        {"evil.example",   403},
+        {"a.test.example", 403},
+        {"backend.test",   200}, // such a name belongs to nobody else
+    };
+    for (const auto &[host, status] : cases) {
+        const auto headers = authorization() << QNetworkReply::RawHeaderPair("Host", host);
+        QNetworkReply *reply = m_unchanged->start("POST", "/is_online", R"({"secret": "s3cret"})", headers);
+        QCOMPARE(Simulator::finish(reply).status, status);
+    }
+}
+
 void TestSimulator::eventsTellTheNewsOnce()
 {
     Simulator simulator;
@@ -598,7 +619,7 @@ void TestSimulator::silenceHoldsUpNobodyElse()
     std::vector<std::unique_ptr<QTcpSocket>> clients; // more than a pool of threads would serve
     for (int number = 0; number < 40; ++number) {
         const auto &client = clients.emplace_back(simulator.connection());
-        client->write("POST /is_online HTTP/1.1\r\nContent-Length: 0\r\n\r\n");
+        client->write("POST /is_online HTTP/1.1\r\nHost: localhost\r\nContent-Length: 0\r\n\r\n");
         QVERIFY(client->waitForBytesWritten());
     }
     QTRY_COMPARE(simulator.requests().size(), 40); // all have arrived, and others are still served
@@ -634,7 +655,8 @@ void TestSimulator::requestsAreRecordedAndMasked()
 {
     Simulator simulator;
     simulator.backend("/vela/get_values/yard", R"({"evse_ids": ["EVSE-04"]})");
-    simulator.backend("/vela/get_group_info/yard", R"({"secret": "wrong-s3cret"})");
+    simulator.backend("/vela/get_group_info/yard",
+                      R"({"secret": "wrong-s3cret", "a": [{"b": {"secret": ["s3cret"]}}]})");
     simulator.start("POST", "/is_online", R"({"secret": "s3cret")", authorization()); // not JSON
     QTRY_COMPARE(simulator.requests().size(), 3);
 
@@ -655,13 +677,14 @@ void TestSimulator::connectionStaysOpen()
 {
     Simulator simulator;
     const auto socket = simulator.connection();
-    const QByteArray request = QByteArray("POST /is_online HTTP/1.1\r\nAuthorization: ") + accessToken
-        + "\r\nContent-Length: 19\r\n\r\n{\"secret\":\"s3cret\"}";
+    const QByteArray request = QByteArray("POST /is_online HTTP/1.1\r\nHost: localhost\r\nAuthorization: ")
+        + accessToken + "\r\nContent-Length: 19\r\n\r\n{\"secret\":\"s3cret\"}";
     for (int poll = 0; poll < 20; ++poll)
         QVERIFY(exchange(*socket, request, "}").startsWith("HTTP/1.1 200"));
     socket->write(request + request); // the second comes with the first
     QTRY_COMPARE_WITH_TIMEOUT(simulator.requests().size(), 22, 2000);
-    QVERIFY(exchange(*socket, "POST / HTTP/1.1\r\n\r\n", "nothing at this path").contains("HTTP/1.1 404"));
+    QVERIFY(exchange(*socket, "POST / HTTP/1.1\r\nHost: localhost\r\n\r\n", "nothing at this path")
+                .contains("HTTP/1.1 404"));
     QCOMPARE(socket->state(), QAbstractSocket::ConnectedState);
 }
 
@@ -729,6 +752,28 @@ void TestSimulator::endsAtOnce()
     QTRY_VERIFY(stream->bytesAvailable() > 0); // the rest is the client's: it ends the program
 }
 
+void TestSimulator::warnsWhenOthersCanReachIt_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QByteArray>("warning");
+    QTest::newRow("loopback") << "127.0.0.2" << QByteArray();
+    QTest::newRow("loopback by name") << "localhost" << QByteArray();
+    QTest::newRow("all interfaces") << "0.0.0.0"
+                                    << QByteArray("vela-simulator: warning: with --listen 0.0.0.0, anyone "
+                                                  "who can reach this machine can control the yard\n");
+}
+
+void TestSimulator::warnsWhenOthersCanReachIt()
+{
+    QFETCH(QString, address);
+    QProcess process;
+    process.start(VELA_SIMULATOR, {"--port=0", "--listen=" + address});
+    QVERIFY(process.waitForReadyRead()); // its URL
+    process.terminate();
+    QVERIFY(process.waitForFinished());
+    QTEST(process.readAllStandardError(), "warning");
+}
+
 void TestSimulator::refusesToStart_data()
 {
     QTest::addColumn<QString>("option");
@@ -741,6 +786,7 @@ void TestSimulator::refusesToStart_data()
     row("time runs backwards", "--speed=-1", "0 to");
     row("no address", "--listen=", "127.0.0.1");
     row("unknown option", "--prot=1", "prot");
+    row("address that steers the terminal", "--listen=\x1b[2J", "\xef\xbf\xbd[2J", 1);
     row("stray word", "yard", "yard");
     const QByteArray taken = QByteArray::number(m_unchanged->url().port());
     row("taken port", "--port=" + taken, taken, 1);
