@@ -3,6 +3,8 @@
 
 #include "options.h"
 
+#include "printable.h"
+
 #include <QCommandLineParser>
 
 #include <cstdio>
@@ -120,6 +122,6 @@ Options readOptions(const QStringList &arguments)
 
 void failUsage(const QString &reason)
 {
-    std::fprintf(stderr, "vela-probe: %s (--help tells more)\n", qUtf8Printable(reason));
+    std::fprintf(stderr, "vela-probe: %s (--help tells more)\n", qUtf8Printable(printable(reason)));
     std::exit(2);
 }

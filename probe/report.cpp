@@ -4,6 +4,7 @@
 #include "report.h"
 
 #include "mask.h"
+#include "printable.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -48,18 +49,6 @@ QString compact(const QJsonObject &object)
 QString shortened(const QString &text, int length)
 {
     return text.size() > length ? text.left(length) + QStringLiteral("…") : text;
-}
-
-/*! \a text on one line, without characters that would steer a terminal. */
-QString printable(QString text)
-{
-    for (QChar &character : text) {
-        if (character.isSpace())
-            character = QLatin1Char(' ');
-        else if (!character.isPrint() && !character.isSurrogate())
-            character = QChar(QChar::ReplacementCharacter);
-    }
-    return text;
 }
 
 /*! JSON in Qt's own spelling, so that no escape sequence hides a secret; other text as it is. */

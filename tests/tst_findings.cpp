@@ -297,8 +297,8 @@ void TestFindings::cuttingLeavesNoPartOfASecret()
 void TestFindings::terminalIsNotSteered()
 {
     StepReport report;
-    report.findings = {problem("x", "%1").quoting("a\x1b[2Jb\nc")};
-    QVERIFY(stepText(report).endsWith(QStringLiteral("  PROBLEM  a\uFFFD[2Jb c\n")));
+    report.findings = {problem("x", "%1").quoting("a\x1b[2Jb\nc\u202e")};
+    QVERIFY(stepText(report).endsWith(QStringLiteral("  PROBLEM  a\uFFFD[2Jb c\uFFFD\n")));
 }
 
 QTEST_GUILESS_MAIN(TestFindings)

@@ -247,6 +247,8 @@ void TestProbe::usage_data()
     row("secret as an option", "--secret=s3cret http://x yard", "Unknown option 'secret'.");
     row("empty group", "http://x ", "neither URL nor GROUP may be empty");
     row("no file", "--secret-file /nowhere http://x yard", "cannot read /nowhere: No such file or directory");
+    row("file that steers the terminal", "--secret-file /\x1b[2J http://x yard",
+        "cannot read /\ufffd[2J: No such file or directory");
     row("no current", "--set-limit EVSE-01 http://x yard", limit);
     row("too little", "--set-limit EVSE-01=5 http://x yard", limit);
     row("never", "--timeout 0 http://x yard", timeout);
@@ -327,10 +329,11 @@ void TestProbe::jsonDocument()
 {
     GoodBackend backend;
     backend.wallboxes.insert("EVSE-01", json(R"({"max_charging_current": "32"})"));
+    backend.wallboxes.insert("\u202e", {});
     const Run probe = run({"--json", backend.url(), "yard"});
     const QJsonObject document = json(probe.out.toUtf8());
     QCOMPARE(document.value("works"), QJsonValue(false));
-    QCOMPARE(document.value("problems"), QJsonValue(1));
+    QCOMPARE(document.value("problems"), QJsonValue(3));
     QStringList steps;
     const QJsonArray array = document.value("steps").toArray();
     for (const QJsonValue &step : array)
@@ -347,6 +350,7 @@ void TestProbe::jsonDocument()
     const QJsonObject request = groupInfo.value("request").toObject();
     QCOMPARE(request.value("status"), QJsonValue(200));
     QCOMPARE(request.value("body").toObject(), json(R"({"secret": "***"})"));
+    QVERIFY2(probe.out.contains(R"("wallbox":"\u202e")"), qPrintable(probe.out)); // steers no terminal
     QCOMPARE(probe.status, 1);
 }
 
