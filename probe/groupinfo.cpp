@@ -30,22 +30,35 @@ Findings judgeMaxCurrent(const QString &wallbox, const QJsonValue &record)
 Findings judgeGroupInfo(const QByteArray &body)
 {
     Findings findings = judgeMember(body, evseIdsKey, "no-evse-ids");
-    if (hasProblem(findings))
+    if (hasProblem(findings)) {
+        for (Finding &finding : findings)
+            finding.text += groupLossWarning();
         return findings;
+    }
     const QJsonObject evseIds = listedWallboxes(body);
     if (evseIds.isEmpty())
         findings.append(problem("no-wallboxes",
                                 QStringLiteral("the group has no wallbox; discovery takes that for a backend "
-                                               "out of reach")));
+                                               "out of reach")
+                                    + groupLossWarning()));
     if (evseIds.size() > mostWallboxes)
         findings.append(problem("too-many-wallboxes",
-                                QStringLiteral("the group has %1 wallboxes; the plugin has room for %2, and "
-                                               "the others get no thing")
+                                QStringLiteral("the group lists %1 wallboxes; it should not list more than "
+                                               "%2. At first the others get no thing, but each restart of "
+                                               "nymea creates up to %2 more, and several then share a thing "
+                                               "class")
                                     .arg(evseIds.size())
                                     .arg(mostWallboxes)));
     for (auto it = evseIds.begin(); it != evseIds.end(); ++it)
         findings += judgeMaxCurrent(it.key(), it.value());
     return findings;
+}
+
+QString groupLossWarning()
+{
+    return QStringLiteral(
+        "; at a gateway's set-up, as at each start of nymea, such a reply removes every wallbox "
+        "together with its total energy");
 }
 
 QJsonObject listedWallboxes(const QByteArray &body)

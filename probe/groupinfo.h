@@ -24,6 +24,9 @@ struct LimitRequest
 /*! What is wrong with the \a body of a group info reply against what the plugin reads. */
 Findings judgeGroupInfo(const QByteArray &body);
 
+/*! What happens to a gateway that meets a successful reply without a group, for the end of a sentence. */
+QString groupLossWarning();
+
 /*! The wallboxes that the plugin reads from the \a body of a group info reply, by infrastructure id. */
 QJsonObject listedWallboxes(const QByteArray &body);
 

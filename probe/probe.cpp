@@ -36,6 +36,7 @@ Answer answerOf(QNetworkReply *reply)
         answer.errorText = reply->errorString();
     answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     answer.redirect = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl().toDisplayString();
+    answer.setsCookie = reply->hasRawHeader(QByteArrayLiteral("Set-Cookie"));
     if (reply->isOpen()) // not after an abort
         answer.body = reply->readAll();
     return answer;

@@ -32,6 +32,7 @@ struct Answer
     int status = 0;    //!< of HTTP; 0 without any response
     QString redirect;  //!< where a 3xx status points to
     QByteArray body;   //!< as received, even beside an error
+    bool setsCookie = false;
     std::chrono::milliseconds duration{0};
     bool timedOut = false; //!< given up by the probe; all but duration is then empty
 

@@ -99,10 +99,13 @@ void TestFindings::url_data()
     const auto row = [](const char *name, const char *url, const char *expected) {
         QTest::newRow(name) << url << expected;
     };
-    row("host and port", "http://192.168.1.20:8080", "");
+    row("host and port", "https://192.168.1.20:8080", "");
+    row("secret in clear text", "http://192.168.1.20:8080", "remark clear-text");
+    row("this machine", "http://localhost:8080", "");
+    row("this machine, IPv6", "http://[::1]:8080", "");
     row("bare slash", "https://backend/", "");
-    row("path", "http://backend/api/v1", "remark path-replaced");
-    row("query", "http://backend?x=1", "remark query-kept");
+    row("path", "https://backend/api/v1", "remark path-replaced");
+    row("query", "https://backend?x=1", "remark query-kept");
     row("address without scheme", "192.168.1.20:8080", "problem unusable-url");
     row("name without scheme", "localhost:8080", "problem unusable-url");
     row("other scheme", "ftp://backend", "problem unusable-url");
@@ -141,10 +144,13 @@ void TestFindings::answer_data()
     QTest::newRow("other failure") << Step::GroupInfo << other << "problem network-error";
     QTest::newRow("redirect") << Step::GroupInfo << httpAnswer(302, "<html>") << "problem redirect";
     QTest::newRow("redirect that is read") << Step::GroupInfo << httpAnswer(302, "{}") << "";
-    QTest::newRow("just in time") << Step::LiveValues << httpAnswer(200, "{}", 2000ms) << "";
-    QTest::newRow("late") << Step::LiveValues << httpAnswer(200, "{}", 2001ms) << "remark slow";
+    QTest::newRow("just in time") << Step::LiveValues << httpAnswer(200, "{}", 1500ms) << "";
+    QTest::newRow("late") << Step::LiveValues << httpAnswer(200, "{}", 1501ms) << "remark slow";
     QTest::newRow("too late") << Step::LiveValues << httpAnswer(200, "{}", 12001ms) << "problem too-slow";
     QTest::newRow("late once") << Step::GroupInfo << httpAnswer(200, "{}", 12001ms) << "remark slow";
+    Answer withCookie = httpAnswer(200);
+    withCookie.setsCookie = true;
+    QTest::newRow("cookie") << Step::GroupInfo << withCookie << "remark sets-cookie";
 }
 
 void TestFindings::answer()

@@ -95,6 +95,7 @@ private Q_SLOTS:
     void fault();
     void nobodyThere();
     void silentBackendIsGivenUp();
+    void cutGroupInfoIsDangerous();
     void endlessReplyIsBrokenOff();
     void usage_data();
     void usage();
@@ -163,6 +164,9 @@ void TestProbe::fault_data()
         "remark   the backend has no online check (the plugin itself does without this check)");
     row("wrong secret", Operation::GroupInfo, 403, "{}", 1,
         "PROBLEM  the backend refuses access: the group secret is probably wrong");
+    row("no group", Operation::GroupInfo, 200, "{}", 1,
+        "reads an object of wallboxes by id; at a gateway's set-up, as at each start of nymea, such a reply "
+        "removes every wallbox");
     row("unknown group", Operation::GroupInfo, 404, "no such group", 1, "  reply    no such group\n");
     row("no values", Operation::Values, 200, R"({"values": {}})", 1,
         "PROBLEM  EVSE-02: listed in the group, but without values");
@@ -206,6 +210,18 @@ void TestProbe::silentBackendIsGivenUp()
     QVERIFY2(probe.out.contains("remark   no answer within 0.25 s (the plugin itself does without"),
              qPrintable(probe.out));
     QVERIFY2(probe.out.contains("PROBLEM  no answer within 0.25 s; the plugin would wait on"),
+             qPrintable(probe.out));
+    QCOMPARE(probe.status, 1);
+}
+
+void TestProbe::cutGroupInfoIsDangerous()
+{
+    GoodBackend backend;
+    // Whether or not Qt notices.
+    backend.hangUp(ScriptedBackend::GroupInfo,
+                   "HTTP/1.1 200 OK\r\nContent-Length: 91\r\n\r\n{\"evse_ids\": ");
+    const Run probe = run({backend.url(), "yard"});
+    QVERIFY2(probe.out.contains("; at a gateway's set-up, as at each start of nymea, such a reply removes"),
              qPrintable(probe.out));
     QCOMPARE(probe.status, 1);
 }
