@@ -98,7 +98,7 @@ Finding judgeLength()
     return problem("too-long",
                    QStringLiteral("the reply was broken off after %1 MB; nymea would read on and keep all of "
                                   "it in memory, until the reply ends or the memory is used up")
-                       .arg(longestReply / (1024 * 1024)));
+                       .arg(longestReply >> 20));
 }
 
 bool isUnreadRedirect(const Answer &answer)

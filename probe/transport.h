@@ -22,7 +22,7 @@ enum class Step {
 };
 
 /*! How much of a reply the probe reads before it cancels the request; a full group's takes a few kB. */
-constexpr qint64 longestReply = 64 * 1024 * 1024; // bytes
+constexpr qint64 longestReply = qint64(64) << 20; // bytes
 
 /*! How one request ended. */
 struct Answer
