@@ -34,7 +34,6 @@ public:
 
 private:
     Things configuredThings() const override;
-    Thing *addThing(const ThingClass &thingClass);
     void setUpWallboxes(int count);
     void setUpGateway(const QString &url);
     void setUp(Thing *thing);
