@@ -34,6 +34,9 @@ Daemon::Daemon(const Options &options, QObject *parent)
 {
     // Queued: what the plugin does in one go is stored and reported in one go.
     connect(&m_changes, &StateChanges::available, this, &Daemon::commit, Qt::QueuedConnection);
+    m_storeTimer.setSingleShot(true);
+    m_storeTimer.setInterval(2s);
+    connect(&m_storeTimer, &QTimer::timeout, this, &Daemon::commit);
 }
 
 Daemon::~Daemon()
@@ -291,25 +294,45 @@ void Daemon::onAutoThingDisappeared(const ThingId &thingId)
         qCWarning(dcHost) << "A thing that is not there is said to have disappeared:" << thingId;
 }
 
-void Daemon::commit()
+bool Daemon::commit()
 {
     const QVector<StateChange> changes = m_changes.take();
     m_unsaved |= std::any_of(changes.cbegin(), changes.cend(), [](const StateChange &change) {
         return change.thing->thingClass().stateTypes.findById(change.stateTypeId).cached;
     });
-    m_plugin->pluginStorage()->sync();
-    if (m_unsaved) {
-        QString error = m_store.write(m_things);
-        m_unsaved = !error.isEmpty();
-        if (m_unsaved)
-            qCWarning(dcHost).noquote() << error;
-    }
+    store();
     m_reports += changes;
     // One by one from the front: whoever hears of a change may have others reported.
     while (!m_reports.isEmpty()) {
         const StateChange change = m_reports.takeFirst();
         emit stateChanged(change.thing, change.stateTypeId, change.value);
     }
+    return !m_unsaved;
+}
+
+void Daemon::store()
+{
+    QSettings *settings = m_plugin->pluginStorage();
+    // What it cannot write it keeps, like the old file, and tries again with each call. It never forgets an
+    // error, so from then on it is called for ever; without changes that costs nothing.
+    settings->sync();
+    const bool settingsFailed = settings->status() != QSettings::NoError;
+    if (settingsFailed && !m_settingsFailed)
+        qCWarning(dcHost).noquote() << QStringLiteral("Cannot write the plugin's storage %1; the disk may be "
+                                                      "full. The host keeps trying.")
+                                           .arg(settings->fileName());
+    m_settingsFailed = settingsFailed;
+    if (m_unsaved) {
+        const QString error = m_store.write(m_things);
+        m_unsaved = !error.isEmpty();
+        if (m_unsaved && error != m_storeError)
+            qCWarning(dcHost).noquote() << error << "The host keeps trying.";
+        else if (!m_unsaved && !m_storeError.isEmpty())
+            qCInfo(dcHost) << "The things are stored again.";
+        m_storeError = error;
+    }
+    if (m_unsaved || m_settingsFailed)
+        m_storeTimer.start();
 }
 
 template <typename Job> Job *Daemon::refused(Job *job, Thing::ThingError error, const QString &message)

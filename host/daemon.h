@@ -10,6 +10,8 @@
 
 #include <integrations/integrationplugin.h>
 
+#include <QTimer>
+
 #include <chrono>
 #include <memory>
 
@@ -19,8 +21,9 @@
     with ThingErrorTimeout after the time limit, or, where the request is refused without asking the plugin,
     with an error and a message that says what would be right. A job deletes itself after finished().
 
-    What a signal or a job's finished() reports has been stored before. State changes are reported together
-    once a turn of the event loop, and always before any other report that follows them. */
+    What a signal or a job's finished() reports has been stored before, where there was room. State changes
+   are reported together once a turn of the event loop, and always before any other report that follows them.
+ */
 class Daemon : public ThingManager
 {
     Q_OBJECT
@@ -63,8 +66,9 @@ public:
     void remove(Thing *thing);
 
     /*! Stores whatever has changed, then reports the state changes so far. Whoever reports something else
-        calls it before, to keep the order. */
-    void commit();
+        calls it before, to keep the order. Returns whether all things are stored. What could not be stored is
+        reported nevertheless, with a warning, and tried again from the event loop. */
+    bool commit();
 
 Q_SIGNALS:
     /*! A new thing is kept: its first set-up has finished without error. */
@@ -87,6 +91,7 @@ private:
     void onSetupFinished(ThingSetupInfo *info);
     void keep(Thing *thing);
     void discard(Thing *thing);
+    void store();
 
     template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QString &message);
     Thing *find(const ThingId &thingId) const;
@@ -104,6 +109,9 @@ private:
     StateChanges m_changes;
     QVector<StateChange> m_reports; // stored, about to be reported
     bool m_unsaved = false;         // m_things holds what m_store does not
+    QString m_storeError;           // of the last attempt to store them
+    bool m_settingsFailed = false;  // the plugin's storage could not be written, at least once
+    QTimer m_storeTimer;            // runs out when the next attempt is due; only after a failure
 };
 
 #endif // DAEMON_H

@@ -38,8 +38,8 @@ int run(const HostOptions &options)
     Session session(daemon, output.get());
     QObject::connect(&session, &Session::ended, qApp, &QCoreApplication::quit);
     const int status = QCoreApplication::exec();
-    daemon->commit();
-    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : EXIT_FAILURE;
+    const bool isStored = daemon->commit();
+    return isStored && std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : EXIT_FAILURE;
 }
 
 } // namespace

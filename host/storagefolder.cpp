@@ -52,11 +52,12 @@ QString StorageFolder::lock()
 
 void StorageFolder::sweep() const
 {
-    // Left by a kill in the middle of a write: the temporary files of QSaveFile and QSettings, and the lock
-    // files of QSettings, which waits for ever on one that names its own process id. Six letters without a
-    // capital are more likely somebody's backup.
-    static const QRegularExpression leftover(QStringLiteral(
-        R"(^(things\.json|pluginconfig-.*\.conf)\.((?=[a-z]*[A-Z])[A-Za-z]{6}|lock(\.rmlock)?)$)"));
+    // Left by a kill in the middle of a write: our own temporary file, and the lock files of QSettings, which
+    // waits for ever on one that names its own process id. The temporary files of QSettings stay: they end in
+    // six letters of Qt's choice, as somebody's backup may, and do no harm.
+    static const QRegularExpression leftover(
+        QStringLiteral("^(things\\.json%1|pluginconfig-.*\\.conf\\.lock(\\.rmlock)?)$")
+            .arg(QRegularExpression::escape(QLatin1String(newFileSuffix))));
     const QDir folder(m_path);
     const QStringList leftovers = folder.entryList(QDir::Files | QDir::Hidden).filter(leftover);
     for (const QString &file : leftovers)

@@ -7,6 +7,9 @@
 #include <QFile>
 #include <QString>
 
+/*! Ends the name under which a file is written before it replaces the one that it is named after. */
+constexpr char newFileSuffix[] = ".vela-host-new";
+
 /*! The folder that holds a daemon's things and its plugin's storage, for one daemon at a time. */
 class StorageFolder
 {

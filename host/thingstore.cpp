@@ -4,16 +4,19 @@
 #include "thingstore.h"
 
 #include "hostlogging.h"
+#include "storagefolder.h"
 #include "values.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QSet>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -128,6 +131,23 @@ QString parse(const QByteArray &content, QJsonArray *entries)
     return entriesError(*entries);
 }
 
+/*! Replaces the file \a name in one step. Returns an empty text, or why the old file is still there. */
+QString replaceFile(const QString &name, const QByteArray &content)
+{
+    QFile file(name + QLatin1String(newFileSuffix));
+    // Unbuffered: the write itself meets a full disk. QSaveFile in Qt 5 writes less than 16 kB only when it
+    // closes the file, and does not notice there that it failed.
+    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+        && file.write(content) == content.size() && ::fsync(file.handle()) == 0
+        && std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(name).constData())
+            == 0;
+    if (isWritten)
+        return QString();
+    QString reason = qt_error_string(errno);
+    file.remove();
+    return reason;
+}
+
 } // namespace
 
 ThingStore::ThingStore(const QString &folder)
@@ -185,9 +205,9 @@ QString ThingStore::write(const Things &things)
     if (content == m_content)
         return QString();
 
-    QSaveFile file(m_fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
-        return QStringLiteral("Cannot store the things in %1: %2.").arg(m_fileName, file.errorString());
+    const QString reason = replaceFile(m_fileName, content);
+    if (!reason.isEmpty())
+        return QStringLiteral("Cannot store the things in %1: %2.").arg(m_fileName, reason);
     m_content = content;
     return QString();
 }

@@ -242,7 +242,8 @@ QString Killer::judgeFiles()
             return name + " is not whole";
         if (isThings || isSettings || name == "in-use-by")
             continue;
-        m_leftovers.append(name);
+        if (!name.contains(".conf.") || name.endsWith("lock"))
+            m_leftovers.append(name); // all but the temporary files of QSettings, whose names Qt makes up
         ++(name.endsWith("lock") ? m_staleLocks : m_halfWritten);
     }
     return QString();

@@ -8,6 +8,9 @@
 
 #include <QtTest>
 
+#include <csignal>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 /*! What the host keeps over a restart, an end by force and damage. */
@@ -19,6 +22,8 @@ private slots:
     void restoresThings();
     void onlyOneHostAtATime();
     void sweepsLeftovers();
+    void fullDisk_data();
+    void fullDisk();
     void damagedFileIsLeftAlone_data();
     void damagedFileIsLeftAlone();
     void damagedPluginStorageIsLeftAlone();
@@ -136,16 +141,70 @@ void TestHostStorage::onlyOneHostAtATime()
 void TestHostStorage::sweepsLeftovers()
 {
     const QString settings = "pluginconfig-00000000-0000-4000-8000-000000000001.conf";
-    const QStringList leftovers{settings + ".lock", settings + ".lock.rmlock", settings + ".AbCdEf",
-                                "things.json.XyZabc"};
+    const QStringList leftovers{settings + ".lock", settings + ".lock.rmlock", "things.json.vela-host-new"};
     for (const QString &file : leftovers)
         write(file, "half");
-    write("things.json.backup", "whole");
+    const QStringList backups{"things.json.Backup", "things.json.udlfdr", settings + ".BackUp"};
+    for (const QString &file : backups)
+        write(file, "whole");
     addBridge(*host(), 1); // writes both files: with a lock of QSettings in the way it would wait for ever
     for (const QString &file : leftovers)
         QVERIFY2(!QFile::exists(path(file)), qPrintable(file));
-    QCOMPARE(content("things.json.backup"), QByteArray("whole"));
+    for (const QString &file : backups)
+        QCOMPARE(content(file), QByteArray("whole"));
     QVERIFY(QFile::exists(path(settings)));
+}
+
+void TestHostStorage::fullDisk_data()
+{
+    QTest::addColumn<bool>("mounts");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("full file system") << true << "No space left on device";
+    QTest::newRow("files cannot grow") << false << "File too large";
+}
+
+/*! An empty things.json replaced the good one, and nobody was told. */
+void TestHostStorage::fullDisk()
+{
+    QFETCH(bool, mounts);
+    QFETCH(QString, reason);
+    const QByteArray folder = QFile::encodeName(m_folder->path());
+    if (mounts && mount("none", folder.constData(), "tmpfs", 0, "size=64k,mode=0700") != 0)
+        QSKIP("Only root can mount a small file system.");
+    const auto unmount = qScopeGuard([&] { mounts ? umount2(folder.constData(), MNT_DETACH) : 0; });
+    std::signal(SIGXFSZ, SIG_IGN); // inherited by the host, whose writes then fail instead
+    auto running = host();
+    addBridge(*running, 1);
+    const QString settings = "pluginconfig-00000000-0000-4000-8000-000000000001.conf";
+    const QByteArray things = content("things.json");
+    const QByteArray oldSettings = content(settings);
+    const auto limitFiles = [this](rlim_t size) {
+        const rlimit limit{size, RLIM_INFINITY};
+        return prlimit(content("in-use-by").toInt(), RLIMIT_FSIZE, &limit, nullptr) == 0;
+    };
+    QFile filler(path("filler"));
+    QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    if (mounts)
+        while (filler.write(QByteArray(512, '0')) > 0) { }
+    else
+        QVERIFY(limitFiles(10));
+
+    running->command("set 'Lamp 1' order vanish"); // which the plugin's storage notes
+    QCOMPARE(content("things.json"), things);
+    QCOMPARE(content(settings), oldSettings);
+    if (mounts)
+        QVERIFY(filler.remove());
+    else
+        QVERIFY(limitFiles(RLIM_INFINITY));
+    QTRY_COMPARE_WITH_TIMEOUT(storedThings().size(), 1, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(content(settings).contains("vanished=true"), 20000);
+    running->closeInput();
+    QCOMPARE(running->exitStatus(), 0);
+    const QString log = running->log();
+    QVERIFY2(
+        log.contains(QStringLiteral("Cannot store the things in %1: %2.").arg(path("things.json"), reason)),
+        qPrintable(log));
+    QVERIFY2(log.contains("Cannot write the plugin's storage " + path(settings)), qPrintable(log));
 }
 
 void TestHostStorage::damagedFileIsLeftAlone_data()
