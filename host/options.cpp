@@ -45,8 +45,10 @@ OptionReader::OptionReader()
     , m_plugin(QStringLiteral("plugin"),
                QStringLiteral("The plugin; by default the one built with the host."), QStringLiteral("FILE"))
     , m_storage(QStringLiteral("storage"),
-                QStringLiteral("Where things and plugin storage are kept, for one host at a time; by default "
-                               "vela-host below $XDG_DATA_HOME or ~/.local/share."),
+                QStringLiteral(
+                    "Where things and plugin storage are kept, for one host at a time, a folder in which "
+                    "nobody else can write; by default "
+                    "vela-host below $XDG_DATA_HOME or ~/.local/share."),
                 QStringLiteral("DIR"))
     , m_json(QStringLiteral("json"),
              QStringLiteral("One JSON object a line on standard output, for programs."))

@@ -5,25 +5,79 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+constexpr char lockFileName[] = "in-use-by";
+}
+
+bool openNoFollow(QFile *file, QIODevice::OpenMode mode, int flags)
+{
+    const int fd = ::open(QFile::encodeName(file->fileName()).constData(), flags | O_NOFOLLOW | O_CLOEXEC,
+                          S_IRUSR | S_IWUSR);
+    return fd >= 0 && file->open(fd, mode, QFileDevice::AutoCloseHandle);
+}
 
 StorageFolder::StorageFolder(const QString &path)
     : m_path(QDir(path).absolutePath())
-    , m_lockFile(QDir(m_path).filePath(QStringLiteral("in-use-by")))
+    , m_lockFile(QDir(m_path).filePath(QLatin1String(lockFileName)))
 {
 }
 
 QString StorageFolder::claim()
 {
-    if (!QDir().mkpath(m_path))
-        return QStringLiteral("Cannot create the storage folder %1.").arg(m_path);
+    for (const auto step : {&StorageFolder::create, &StorageFolder::ownerError, &StorageFolder::linkError}) {
+        QString error = (this->*step)();
+        if (!error.isEmpty())
+            return error;
+    }
     QString error = lock();
     if (error.isEmpty())
         sweep();
     return error;
+}
+
+QString StorageFolder::create() const
+{
+    const bool hasParent = QDir().mkpath(QFileInfo(m_path).path());
+    if (hasParent && (::mkdir(QFile::encodeName(m_path).constData(), S_IRWXU) == 0 || errno == EEXIST))
+        return QString();
+    return QStringLiteral("Cannot create the storage folder %1.").arg(m_path);
+}
+
+QString StorageFolder::ownerError() const
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(m_path).constData(), &status) != 0)
+        return QStringLiteral("Cannot read the storage folder %1: %2.").arg(m_path, qt_error_string(errno));
+    if (status.st_uid != ::geteuid())
+        return QStringLiteral("The storage folder %1 belongs to another user.").arg(m_path);
+    if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+        return QStringLiteral("Other users can write in the storage folder %1; \"chmod go-w\" ends that.")
+            .arg(m_path);
+    return QString();
+}
+
+QString StorageFolder::linkError() const
+{
+    const QStringList ours{QLatin1String(lockFileName), QStringLiteral("things.json*"),
+                           QStringLiteral("pluginconfig-*")};
+    // QDir::System: links to nowhere as well.
+    const QFileInfoList files =
+        QDir(m_path).entryInfoList(ours, QDir::Files | QDir::Dirs | QDir::System | QDir::Hidden);
+    for (const QFileInfo &file : files) {
+        if (file.isSymLink())
+            return QStringLiteral("%1 is a symbolic link; the host follows none in its storage folder.")
+                .arg(file.filePath());
+    }
+    return QString();
 }
 
 QString StorageFolder::path() const
@@ -33,9 +87,9 @@ QString StorageFolder::path() const
 
 QString StorageFolder::lock()
 {
-    if (!m_lockFile.open(QIODevice::ReadWrite))
+    if (!openNoFollow(&m_lockFile, QIODevice::ReadWrite, O_RDWR | O_CREAT))
         return QStringLiteral("Cannot write in the storage folder %1: %2.")
-            .arg(m_path, m_lockFile.errorString());
+            .arg(m_path, qt_error_string(errno));
     // The kernel's lock ends with its process, whatever ends that; a process id in a file would not, and in a
     // container the next process often has the same one.
     if (flock(m_lockFile.handle(), LOCK_EX | LOCK_NB) == 0) {

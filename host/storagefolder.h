@@ -10,6 +10,10 @@
 /*! Ends the name under which a file is written before it replaces the one that it is named after. */
 constexpr char newFileSuffix[] = ".vela-host-new";
 
+/*! Opens \a file for \a mode and with the \a flags of open(2), unless it is a symbolic link. A new one is for
+   its owner alone. errno tells why it failed. Afterwards \a file no longer knows its name. */
+bool openNoFollow(QFile *file, QIODevice::OpenMode mode, int flags);
+
 /*! The folder that holds a daemon's things and its plugin's storage, for one daemon at a time. */
 class StorageFolder
 {
@@ -17,12 +21,16 @@ public:
     explicit StorageFolder(const QString &path);
 
     /*! Creates the folder where it is missing, locks it until this object ends, and removes what a killed
-        predecessor left half done. Returns an empty text, or the sentence that says what is wrong. */
+        predecessor left half done. The folder holds secrets: it must be ours, nobody else may write in it,
+       and none of its files may be a link. Returns an empty text, or the sentence that says what is wrong. */
     [[nodiscard]] QString claim();
 
     QString path() const;
 
 private:
+    QString create() const;
+    QString ownerError() const;
+    QString linkError() const;
     QString lock();
     void sweep() const;
 

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -134,17 +135,18 @@ QString parse(const QByteArray &content, QJsonArray *entries)
 /*! Replaces the file \a name in one step. Returns an empty text, or why the old file is still there. */
 QString replaceFile(const QString &name, const QByteArray &content)
 {
-    QFile file(name + QLatin1String(newFileSuffix));
+    const QString newName = name + QLatin1String(newFileSuffix);
+    QFile file(newName);
     // Unbuffered: the write itself meets a full disk. QSaveFile in Qt 5 writes less than 16 kB only when it
     // closes the file, and does not notice there that it failed.
-    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+    const bool isReplaced =
+        openNoFollow(&file, QIODevice::WriteOnly | QIODevice::Unbuffered, O_WRONLY | O_CREAT | O_TRUNC)
         && file.write(content) == content.size() && ::fsync(file.handle()) == 0
-        && std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(name).constData())
-            == 0;
-    if (isWritten)
+        && std::rename(QFile::encodeName(newName).constData(), QFile::encodeName(name).constData()) == 0;
+    if (isReplaced)
         return QString();
     QString reason = qt_error_string(errno);
-    file.remove();
+    QFile::remove(newName);
     return reason;
 }
 
@@ -162,11 +164,11 @@ QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *th
         return QString();
     QJsonArray entries;
     QString error;
-    if (file.open(QIODevice::ReadOnly)) {
+    if (openNoFollow(&file, QIODevice::ReadOnly, O_RDONLY)) {
         m_content = file.readAll();
         error = parse(m_content, &entries);
     } else {
-        error = file.errorString();
+        error = qt_error_string(errno);
     }
     if (!error.isEmpty())
         return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, error);

@@ -12,6 +12,7 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 /*! What the host keeps over a restart, an end by force and damage. */
 class TestHostStorage : public QObject
@@ -22,6 +23,9 @@ private slots:
     void restoresThings();
     void onlyOneHostAtATime();
     void sweepsLeftovers();
+    void unsafeFolderIsRefused_data();
+    void unsafeFolderIsRefused();
+    void newFolderIsPrivate();
     void fullDisk_data();
     void fullDisk();
     void damagedFileIsLeftAlone_data();
@@ -153,6 +157,54 @@ void TestHostStorage::sweepsLeftovers()
     for (const QString &file : backups)
         QCOMPARE(content(file), QByteArray("whole"));
     QVERIFY(QFile::exists(path(settings)));
+}
+
+void TestHostStorage::unsafeFolderIsRefused_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<uint>("mode");
+    QTest::addColumn<uint>("owner");
+    QTest::addColumn<QString>("reason");
+    const QString link = " is a symbolic link";
+    const uint own = getuid();
+    QTest::newRow("lock file is a link") << "in-use-by" << 0700u << own << "in-use-by" + link;
+    QTest::newRow("things are a link") << "things.json" << 0700u << own << "things.json" + link;
+    QTest::newRow("temporary file is a link") << "things.json.vela-host-new" << 0700u << own << link;
+    QTest::newRow("plugin storage is a link") << "pluginconfig-x.conf" << 0700u << own << "x.conf" + link;
+    QTest::newRow("group can write") << "" << 0770u << own << "Other users can write in";
+    QTest::newRow("all can write") << "" << 01707u << own << "Other users can write in";
+    QTest::newRow("another user's") << "" << 0700u << own + 1 << "belongs to another user";
+}
+
+void TestHostStorage::unsafeFolderIsRefused()
+{
+    QFETCH(QString, link);
+    QFETCH(uint, mode);
+    QFETCH(uint, owner);
+    QFETCH(QString, reason);
+    QTemporaryFile target;
+    QVERIFY(target.open() && target.write("kept") == 4 && target.flush());
+    if (!link.isEmpty())
+        QVERIFY(QFile::link(target.fileName(), path(link)));
+    const QByteArray folder = QFile::encodeName(m_folder->path());
+    QCOMPARE(chmod(folder.constData(), mode), 0);
+    if (chown(folder.constData(), owner, gid_t(-1)) != 0)
+        QSKIP("Only root can give a folder away.");
+    const auto refused = host();
+    QCOMPARE(refused->exitStatus(), 1);
+    const QString log = refused->log();
+    QVERIFY2(log.contains(reason) && log.contains(m_folder->path()), qPrintable(log));
+    QVERIFY(target.seek(0));
+    QCOMPARE(target.readAll(), QByteArray("kept"));
+}
+
+void TestHostStorage::newFolderIsPrivate()
+{
+    HostProcess running(FAKE_PLUGIN, path("new/yard"));
+    QVERIFY(running.command("things").value("ok").toBool());
+    struct stat status = {};
+    QCOMPARE(stat(QFile::encodeName(path("new/yard")).constData(), &status), 0);
+    QCOMPARE(status.st_mode & 0777u, 0700u);
 }
 
 void TestHostStorage::fullDisk_data()
