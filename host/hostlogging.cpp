@@ -3,6 +3,8 @@
 
 #include "hostlogging.h"
 
+#include "printable.h"
+
 #include <QDateTime>
 
 #include <cstdio>
@@ -31,8 +33,10 @@ QLatin1String levelName(QtMsgType type)
 
 void writeRecord(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    QString text = message;
-    text.replace(QLatin1Char('\n'), QLatin1String("\n    "));
+    QStringList lines = message.split(QLatin1Char('\n'));
+    for (QString &line : lines)
+        line = printable(line);
+    const QString text = lines.join(QLatin1String("\n    "));
     const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
     const QString record =
         QStringLiteral("%1 %2 %3: ").arg(time, levelName(type), QLatin1String(context.category));

@@ -15,7 +15,7 @@ Q_DECLARE_LOGGING_CATEGORY(dcHost)
 void setLogRules(const QString &rules);
 
 /*! Writes log records to standard error: "2026-01-31T12:34:56.789 warning Vela: text". A record begins with
-   its time, further lines of its text with spaces. */
+   its time, further lines of its text with spaces; printable() guards each of them. */
 void installLogHandler();
 
 #endif // HOSTLOGGING_H

@@ -5,6 +5,7 @@
 
 #include "humantext.h"
 #include "livetable.h"
+#include "printable.h"
 #include "values.h"
 
 #include <QDateTime>

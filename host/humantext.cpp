@@ -16,15 +16,6 @@ QString stateText(const Thing *thing, const StateType &type)
 
 } // namespace
 
-QString printable(QString text)
-{
-    text.replace(QLatin1Char('\n'), QLatin1Char(' '));
-    std::replace_if(
-        text.begin(), text.end(), [](QChar c) { return c.category() == QChar::Other_Control; },
-        QLatin1Char('?'));
-    return text;
-}
-
 QStringList aligned(const QVector<QStringList> &rows)
 {
     QVector<int> widths;

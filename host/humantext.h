@@ -9,8 +9,6 @@
 #include <QStringList>
 #include <QVector>
 
-/*! \a text in one line, without what would move the cursor or change colours: names come from the backend. */
-QString printable(QString text);
 /*! A line for each of \a rows, their columns aligned, two blanks between them. */
 QStringList aligned(const QVector<QStringList> &rows);
 

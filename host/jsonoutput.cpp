@@ -3,8 +3,9 @@
 
 #include "jsonoutput.h"
 
+#include "printable.h"
+
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <cstdio>
 
@@ -12,7 +13,7 @@ namespace {
 
 void write(const QJsonObject &object)
 {
-    const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    const QByteArray line = printableJson(object) + '\n';
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
     std::fflush(stdout);
 }

@@ -7,6 +7,7 @@
 #include "humanoutput.h"
 #include "jsonoutput.h"
 #include "options.h"
+#include "printable.h"
 #include "session.h"
 
 #include <QCoreApplication>
@@ -32,7 +33,7 @@ int run(const HostOptions &options)
     static auto *const daemon = new Daemon(options.daemon);
     const QString error = daemon->load();
     if (!error.isEmpty()) {
-        std::fprintf(stderr, "vela-host: %s\n", qUtf8Printable(error));
+        std::fprintf(stderr, "vela-host: %s\n", qUtf8Printable(printable(error)));
         return EXIT_FAILURE;
     }
     Session session(daemon, output.get());

@@ -3,6 +3,8 @@
 
 #include "options.h"
 
+#include "printable.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QStandardPaths>
@@ -110,6 +112,6 @@ HostOptions OptionReader::options()
 
 void OptionReader::fail(const QString &error) const
 {
-    std::fprintf(stderr, "vela-host: %s See vela-host --help.\n", qUtf8Printable(error));
+    std::fprintf(stderr, "vela-host: %s See vela-host --help.\n", qUtf8Printable(printable(error)));
     std::exit(usageError);
 }

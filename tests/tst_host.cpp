@@ -26,6 +26,8 @@ private slots:
     void options_data();
     void options();
     void textForPeople();
+    void textIsSafe_data();
+    void textIsSafe();
 
 private:
     /*! Runs the host with \a input as a file until it ends by itself; its output. */
@@ -316,12 +318,41 @@ void TestHost::textForPeople()
             "discover bridge address=broken\nquit\nhelp\n");
     QVERIFY2(!output.contains("show this list"), qPrintable(output)); // nothing is read behind "quit"
     QVERIFY2(!output.contains('\x1b'), qPrintable(output));
-    for (const char *text : {"1  Bridge A?[31m  A bridge  bridge  new\n", "+ Lamp 1 has been added (Lamp)\n",
-                             "\nLamp 1         lamp    set up  power false\n", "Lamp 1: brightness 3\n",
-                             "state brightness     3      (1 to 10, can be set)\n",
-                             "Error: Parameter brightness must be from 1 to 10, not \"12\".\n",
-                             "There are no wallboxes yet.\n", "Error: It is broken. Replace it.\n"})
+    for (const char *text :
+         {"1  Bridge A\uFFFD[31m  A bridge  bridge  new\n", "+ Lamp 1 has been added (Lamp)\n",
+          "\nLamp 1         lamp    set up  power false\n", "Lamp 1: brightness 3\n",
+          "state brightness     3      (1 to 10, can be set)\n",
+          "Error: Parameter brightness must be from 1 to 10, not \"12\".\n", "There are no wallboxes yet.\n",
+          "Error: It is broken. Replace it.\n"})
         QVERIFY2(output.contains(text), qPrintable(text + ("\nis not in\n" + output)));
+}
+
+void TestHost::textIsSafe_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    const QString name = "\u001b]0;pwn\u0007\u001b[31mX\rY\u202e\u2028";
+    QTest::newRow("for people") << QStringList({"--plugin", FAKE_PLUGIN});
+    QTest::newRow("for programs") << QStringList({"--plugin", FAKE_PLUGIN, "--json"});
+    QTest::newRow("argument") << QStringList(name);
+    QTest::newRow("plugin") << QStringList({"--plugin", name});
+}
+
+/*! A wallbox could colour the terminal of whoever read the log. */
+void TestHost::textIsSafe()
+{
+    QFETCH(QStringList, arguments);
+    m_host.reset();
+    QFile stored(m_folder->filePath("things.json")); // of an unknown class, which is a warning
+    QVERIFY(stored.open(QIODevice::WriteOnly));
+    stored.write(R"({"things": [{"id": "00000000-0000-4000-8000-000000000099",
+                     "name": "\u001b]0;pwn\u0007\u001b[31mX\rY\u202e\u2028"}]})");
+    stored.close();
+    QString log;
+    const QString output =
+        run(storage() + arguments,
+            "discover bridge address='\u001b]0;pwn\u0007\u001b[31mX\rY\u202e\u2028'\nadd 1\n", nullptr, &log);
+    static const QRegularExpression unsafe("[^\\P{C}\\n]|\u2028");
+    QVERIFY2(log.contains("pwn") && !(output + log).contains(unsafe), qPrintable(output + log));
 }
 
 QTEST_GUILESS_MAIN(TestHost)
