@@ -13,9 +13,13 @@ namespace {
 
 int pipeEnds[2] = {-1, -1}; // for reading, for writing; until the process ends
 
-// A handler may do next to nothing; writing is allowed.
+constexpr int endSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+// A handler may do next to nothing; writing is allowed, and so is this.
 void onSignal(int)
 {
+    for (const int number : endSignals)
+        std::signal(number, SIG_DFL);
     const char byte = 0;
     [[maybe_unused]] const ssize_t written = ::write(pipeEnds[1], &byte, 1);
 }
@@ -35,6 +39,6 @@ EndSignals::EndSignals(QObject *parent)
     struct sigaction action = {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+    for (const int number : endSignals)
         ::sigaction(number, &action, nullptr);
 }

@@ -6,7 +6,8 @@
 
 #include <QObject>
 
-/*! Turns SIGINT, SIGTERM and SIGHUP into a signal from the event loop. One object a process. */
+/*! Turns the first SIGINT, SIGTERM or SIGHUP into a signal from the event loop. The second one kills the
+    process, which may be stuck in a write that nobody reads. One object a process. */
 class EndSignals : public QObject
 {
     Q_OBJECT
