@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <unistd.h>
 
 LineReader::LineReader(int fd, QObject *parent)
@@ -31,6 +32,9 @@ void LineReader::read()
     m_atEnd = count <= 0;
     if (m_atEnd && !m_rest.isEmpty())
         m_rest.append('\n');
+    // Only what is new may end a line: looking through all of a long one each time would take its square.
+    if (!m_atEnd && std::memchr(buffer.data(), '\n', static_cast<size_t>(count)) == nullptr)
+        return;
 
     QList<QByteArray> lines = m_rest.split('\n');
     m_rest = lines.takeLast();

@@ -9,6 +9,7 @@
 #include "options.h"
 #include "printable.h"
 #include "session.h"
+#include "standardstreams.h"
 
 #include <QCoreApplication>
 
@@ -47,6 +48,7 @@ int run(const HostOptions &options)
 
 int main(int argc, char **argv)
 {
+    openStandardStreams();
     ::umask(S_IRWXG | S_IRWXO); // the plugin's storage may hold secrets
     QCoreApplication::setApplicationName(QStringLiteral("vela-host"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));

@@ -6,6 +6,12 @@
 
 #include <QtTest>
 
+#include <csignal>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 /*! The host program as a script or a person meets it. */
 class TestHost : public QObject
 {
@@ -20,6 +26,10 @@ private slots:
     void aRemovedThingsCommandIsAnswered();
     void pendingCommandDelaysTheNext();
     void signalEndsIt();
+    void secondSignalKillsIt();
+    void closedStreams_data();
+    void closedStreams();
+    void longLines();
     void logRecords();
     void unusablePlugins_data();
     void unusablePlugins();
@@ -233,6 +243,67 @@ void TestHost::signalEndsIt()
     m_host->send("wait 1000");
     m_host->terminate();
     QCOMPARE(m_host->exitStatus(), 0);
+}
+
+/*! While its output is stuck in a pipe that nobody reads. */
+void TestHost::secondSignalKillsIt()
+{
+    m_host.reset();
+    const QString pipe = m_folder->filePath("pipe");
+    const QByteArray pipeName = QFile::encodeName(pipe);
+    QCOMPARE(mkfifo(pipeName.constData(), 0600), 0);
+    const int fd = open(pipeName.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const auto close = qScopeGuard([fd] { ::close(fd); });
+    const int capacity = fcntl(fd, F_SETPIPE_SZ, 4096);
+    QVERIFY(capacity > 0);
+    QProcess process;
+    process.setStandardOutputFile(pipe);
+    process.start(VELA_HOST, QStringList{"--json", "--plugin", FAKE_PLUGIN} + storage());
+    const QByteArray command = "things\n";
+    const QByteArray answer = "{\"answer\":\"things\",\"ok\":true,\"things\":[]}\n";
+    process.write(command.repeated(capacity / answer.size() + 1));
+    const auto written = [fd] {
+        int size = 0;
+        return ioctl(fd, FIONREAD, &size) == 0 ? size : -1;
+    };
+    QTRY_VERIFY(written() + answer.size() > capacity);
+    // More than two may be needed: two that arrive together are one.
+    for (int i = 0; i < 100 && !process.waitForFinished(100); ++i)
+        process.terminate();
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(process.exitCode(), SIGTERM);
+}
+
+void TestHost::closedStreams_data()
+{
+    QTest::addColumn<QString>("redirection");
+    QTest::newRow("input") << "<&-";
+    QTest::newRow("output") << ">&-";
+    QTest::newRow("all") << "<&- >&- 2>&-";
+}
+
+/*! Qt's own descriptors took their place: the host waited for ever, or wrote its answers to them. */
+void TestHost::closedStreams()
+{
+    QFETCH(QString, redirection);
+    m_host.reset();
+    QProcess shell;
+    shell.start("sh",
+                {"-c", "exec \"$0\" --plugin \"$1\" --storage \"$2\" " + redirection, VELA_HOST, FAKE_PLUGIN,
+                 m_folder->path()});
+    shell.write("help\n");
+    shell.closeWriteChannel();
+    QVERIFY(shell.waitForFinished(10000));
+    QCOMPARE(shell.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(shell.exitCode(), 0);
+}
+
+/*! A line of 30 MB took half a minute. */
+void TestHost::longLines()
+{
+    m_host.reset();
+    const QByteArray line = '#' + QByteArray(30000000, 'x') + '\n';
+    QVERIFY(run(QStringList{"--plugin", FAKE_PLUGIN} + storage(), line + "help").contains("show this list"));
 }
 
 void TestHost::logRecords()
