@@ -56,15 +56,14 @@ public:
         : daemon({QString(), m_storage.path(), std::chrono::milliseconds(0)})
     {
         require(daemon.load().isEmpty(), "the daemon starts");
-        Commands commands(&daemon, &answers);
-        execute(&commands,
-                QStringLiteral("discover vela backendUrl=http://127.0.0.1 groupId=yard groupSecret=s"));
-        execute(&commands, QStringLiteral("add 1"));
+        addGateway();
         require(isComplete(), "the host has a gateway and two wallboxes");
     }
     ~Host()
     {
-        // Without things the plugin gives its client back.
+        // The plugin gives its client back with the last thing: a discovery since then has made another.
+        if (daemon.configuredThings().isEmpty())
+            addGateway();
         while (!daemon.configuredThings().isEmpty())
             daemon.remove(daemon.configuredThings().constFirst());
     }
@@ -84,6 +83,14 @@ public:
     }
 
 private:
+    void addGateway()
+    {
+        Commands commands(&daemon, &answers);
+        execute(&commands,
+                QStringLiteral("discover vela backendUrl=http://127.0.0.1 groupId=yard groupSecret=s"));
+        execute(&commands, QStringLiteral("add 1"));
+    }
+
     QTemporaryDir m_storage;
 
 public:
@@ -124,6 +131,16 @@ void check(const Things &things)
     }
 }
 
+void runLines(Host *host, const QList<QByteArray> &lines)
+{
+    Commands commands(&host->daemon, &host->answers);
+    for (const QByteArray &line : lines) {
+        if (!run(host, &commands, QString::fromUtf8(line)))
+            break;
+        check(host->daemon.configuredThings());
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -132,17 +149,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     constexpr int inputsAtMost = 1000; // every set-up leaves a connection behind while its gateway lives
     static std::unique_ptr<Host> host;
     static int inputs = 0;
-    if (!host || !host->isComplete() || ++inputs > inputsAtMost) {
+    if (!host || ++inputs > inputsAtMost) {
         host.reset();
         host = std::make_unique<Host>();
         inputs = 0;
     }
-    Commands commands(&host->daemon, &host->answers);
-    const QList<QByteArray> lines = inputBytes(data, size).split('\n').mid(0, linesAtMost);
-    for (const QByteArray &line : lines) {
-        if (!run(host.get(), &commands, QString::fromUtf8(line)))
-            break;
-        check(host->daemon.configuredThings());
-    }
+    runLines(host.get(), inputBytes(data, size).split('\n').mid(0, linesAtMost));
+    if (!host->isComplete())
+        host.reset(); // here: at the end of the process the table of commands is gone before it
     return 0;
 }
