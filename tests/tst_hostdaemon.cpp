@@ -21,6 +21,8 @@ public:
     {
         start();
     }
+    ~Fixture() { daemon.reset(); } // which stores its things, before their folder goes
+    Q_DISABLE_COPY(Fixture)
 
     void start()
     {
