@@ -5,6 +5,7 @@
 #include "printable.h"
 #include "probe.h"
 #include "secret.h"
+#include "standardstreams.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -29,6 +30,7 @@ void printMessage(QtMsgType type, const QMessageLogContext &context, const QStri
 
 int main(int argc, char *argv[])
 {
+    openStandardStreams();
     qInstallMessageHandler(printMessage);
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vela-probe"));

@@ -9,6 +9,7 @@
 #include "page.h"
 #include "printable.h"
 #include "requestlog.h"
+#include "standardstreams.h"
 #include "yard.h"
 
 #include <QCoreApplication>
@@ -80,6 +81,7 @@ bool serveUntil(const sigset_t &endSignals, HttpServer &server, FaultGate &gate,
 
 int main(int argc, char *argv[])
 {
+    openStandardStreams();
     const sigset_t endSignals = blockEndSignals();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vela-simulator"));
