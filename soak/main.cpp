@@ -58,10 +58,12 @@ void print(const Soak &soak, qint64 milliseconds)
     std::printf("%d actions, %d requests with limits, %d lost to faults; limits renewed %d times\n",
                 figures.actions, figures.limits, figures.lostLimits, figures.renewals);
     std::printf("limits due in silence, and not sent: %d times\n", figures.silentRenewals);
-    std::printf("%d sessions; faults:", soak.sessions());
+    std::printf("%d sessions; faults:", soak.yard().sessions());
     for (auto it = figures.faults.cbegin(); it != figures.faults.cend(); ++it)
         std::printf(" %s %d;", qPrintable(it.key()), it.value());
-    std::printf("\n");
+    std::printf(
+        "\n%d replies came after that of a later poll; sessions drew %.3f kWh, totals grew by %.3f kWh\n",
+        figures.overtaken, soak.yard().drawn(), soak.yard().counted());
     print("working", figures.working);
     print("resting", figures.resting);
 }

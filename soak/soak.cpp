@@ -5,10 +5,9 @@
 
 #include "waiting.h"
 
+#include <QJsonDocument>
 #include <QLoggingCategory>
 #include <QTimer>
-
-#include <cmath>
 
 using Backend = ScriptedBackend;
 
@@ -189,7 +188,10 @@ QString Soak::pollFor(int polls)
     QString error;
     for (int i = 0; i < polls && error.isEmpty(); ++i) {
         happen();
-        error = poll(m_faultyPolls == 0 && chance(1) ? 2 + int(m_random() % 12) : 1);
+        if (m_faultyPolls == 0 && chance(2))
+            error = poll(2 + int(m_random() % (connections - 1)), false);
+        else
+            error = poll(m_faultyPolls == 0 && chance(1) ? 2 + int(m_random() % 12) : 1);
     }
     return error;
 }
@@ -241,8 +243,9 @@ void Soak::strike()
     m_disturbed = true;
 }
 
-/*! Polls as often as \a ticks; if more than once, the backend is silent until the last. */
-QString Soak::poll(int ticks)
+/*! Polls as often as \a ticks; if more than once, the backend is silent until the last, and then answers with
+    the values of that moment, or, if not \a inOrder, with those of each request and in any order. */
+QString Soak::poll(int ticks, bool inOrder)
 {
     m_yard.pass();
     m_site.log.clear();
@@ -251,7 +254,7 @@ QString Soak::poll(int ticks)
         return limits.isEmpty() || !m_site.backend.requests(Backend::Limits).isEmpty()
             || (m_disturbed && m_site.log.count("warning: setProfileChargePowerLimit()") > 0);
     };
-    const bool answered = ticks == 1 ? pollOnce() : pollInSilence(ticks);
+    const bool answered = !inOrder ? pollOutOfOrder(ticks) : ticks == 1 ? pollOnce() : pollInSilence(ticks);
     if (!answered || !waitFor(limited))
         return QString("%1 polls with %2 limits are not answered; under %3 faulty polls; the log: %4")
             .arg(ticks)
@@ -262,10 +265,8 @@ QString Soak::poll(int ticks)
     if (!m_disturbed && !m_site.log.warnings().isEmpty())
         return m_site.log.warnings().constFirst();
 
-    const bool good = showsPresentValues();
-    m_figures.failedPolls += !good;
-    for (auto it = m_wallboxes.cbegin(); good && it != m_wallboxes.cend(); ++it)
-        m_yard.read(it.key());
+    if (inOrder)
+        notePresentValues();
     QString error = judgeLimits(limits) + judgeTotals();
     if (m_faultyPolls > 0 && --m_faultyPolls == 0)
         m_site.backend.answerNormally(Backend::Values);
@@ -278,7 +279,7 @@ bool Soak::pollOnce()
     moveClock(2);
     m_site.tick();
     return waitFor(
-        [this] { return showsPresentValues() || m_site.log.count("warning: getEvseValues()") > 0; });
+        [this] { return shows(m_yard.timestamp()) || m_site.log.count("warning: getEvseValues()") > 0; });
 }
 
 bool Soak::pollInSilence(int ticks)
@@ -299,10 +300,66 @@ bool Soak::pollInSilence(int ticks)
     return arrived && answered;
 }
 
-/*! Whether the last wallbox of a reply shows what the backend says now. */
-bool Soak::showsPresentValues() const
+/*! The backend makes each reply at once, and delays it; so the reply of a later poll may arrive first. */
+bool Soak::pollOutOfOrder(int ticks)
 {
-    return m_wallboxes.last()->stateValue("timestamp").toLongLong() == m_yard.timestamp();
+    ++m_figures.faults["replies out of order"];
+    m_site.backend.hold(Backend::Values);
+    QVector<Reply> replies;
+    for (int i = 1; i <= ticks; ++i) {
+        if (i > 1)
+            m_yard.pass();
+        moveClock(2);
+        m_site.tick();
+        if (!waitFor([this, i] { return m_site.backend.requests(Backend::Values).size() == i; }))
+            return false;
+        const QJsonObject body{
+            {"success", true                 },
+            {"values",  m_site.backend.values}
+        };
+        replies.append({QJsonDocument(body).toJson(), m_yard.meters(), m_yard.timestamp()});
+        for (auto it = m_wallboxes.cbegin(); it != m_wallboxes.cend(); ++it)
+            m_yard.asked(it.key());
+    }
+    m_site.backend.answerNormally(Backend::Values);
+    return releaseInRandomOrder(replies);
+}
+
+/*! Releases what the backend holds, the oldest of which is answered by the first of \a replies. */
+bool Soak::releaseInRandomOrder(QVector<Reply> replies)
+{
+    qint64 latest = 0;
+    while (!replies.isEmpty()) {
+        const int index = int(m_random() % unsigned(replies.size()));
+        const Reply reply = replies.takeAt(index);
+        if (!m_site.backend.release(Backend::Values, reply.body, index)
+            || !waitFor([this, &reply] { return shows(reply.timestamp); }))
+            return false;
+        for (auto it = m_wallboxes.cbegin(); it != m_wallboxes.cend(); ++it)
+            m_yard.arrived(it.key(), reply.meters.value(it.key()));
+        m_figures.overtaken += reply.timestamp < latest;
+        latest = qMax(latest, reply.timestamp);
+    }
+    return true;
+}
+
+/*! Whether the last wallbox of a reply shows the values of that time. */
+bool Soak::shows(qint64 timestamp) const
+{
+    return m_wallboxes.last()->stateValue("timestamp").toLongLong() == timestamp;
+}
+
+void Soak::notePresentValues()
+{
+    if (!shows(m_yard.timestamp())) {
+        ++m_figures.failedPolls;
+        return;
+    }
+    const QMap<QString, int> meters = m_yard.meters();
+    for (auto it = m_wallboxes.cbegin(); it != m_wallboxes.cend(); ++it) {
+        m_yard.asked(it.key());
+        m_yard.arrived(it.key(), meters.value(it.key()));
+    }
 }
 
 /*! What is wrong with the limits that have arrived since the last poll, and with the actions. */
@@ -331,11 +388,12 @@ QString Soak::judgeTotals()
         const double total = it.value()->stateValue("totalEnergyConsumed").toDouble();
         if (total < m_totals.value(it.key()))
             return QString("The total of %1 fell to %2. ").arg(it.key()).arg(total);
-        if (std::abs(total - m_yard.total(it.key())) > 1e-6)
-            return QString("The total of %1 is %2, its sessions drew %3. ")
+        const double expected = m_yard.total(it.key());
+        if (total != expected) // exactly: the same additions in the same order
+            return QString("The total of %1 is %2, its readings make %3. ")
                 .arg(it.key())
-                .arg(total)
-                .arg(m_yard.total(it.key()));
+                .arg(total, 0, 'g', 17)
+                .arg(expected, 0, 'g', 17);
         m_totals.insert(it.key(), total);
     }
     return QString();

@@ -28,6 +28,7 @@ public:
         int limits = 0;         //!< requests
         int lostLimits = 0;     //!< requests that failed under a fault, with a warning
         int renewals = 0;       //!< of all limits, while actions came
+        int overtaken = 0;      //!< replies that came after that of a later poll
         int silentRenewals = 0; //!< due, but nothing had been heard for more than 30 s
         QMap<QString, int> faults;
         QVector<Census> working; //!< of each tenth, with all wallboxes and connections
@@ -38,9 +39,16 @@ public:
     /*! Returns the first thing that was not as it must be; empty when there was none. */
     QString run();
     const Figures &figures() const { return m_figures; }
-    int sessions() const { return m_yard.sessions(); }
+    const Yard &yard() const { return m_yard; }
 
 private:
+    struct Reply
+    {
+        QByteArray body;
+        QMap<QString, int> meters; // Wh by infrastructure id
+        qint64 timestamp = 0;
+    };
+
     QString live(int polls, bool yardCloses, Census *working);
     QString enter();
     QString regroup();
@@ -56,10 +64,13 @@ private:
     void renewLimits();
     void moveClock(int seconds);
     void strike();
-    QString poll(int ticks);
+    QString poll(int ticks, bool inOrder = true);
     bool pollOnce();
     bool pollInSilence(int ticks);
-    bool showsPresentValues() const;
+    bool pollOutOfOrder(int ticks);
+    bool releaseInRandomOrder(QVector<Reply> replies);
+    bool shows(qint64 timestamp) const;
+    void notePresentValues();
     QString judgeLimits(const QJsonObject &expected);
     QString judgeTotals();
 

@@ -67,15 +67,34 @@ void Yard::write(const QString &infraId)
     });
 }
 
-void Yard::read(const QString &infraId)
+QMap<QString, int> Yard::meters() const
+{
+    QMap<QString, int> result;
+    for (auto it = m_wallboxes.cbegin(); it != m_wallboxes.cend(); ++it)
+        result.insert(it.key(), it->meter);
+    return result;
+}
+
+void Yard::asked(const QString &infraId)
 {
     Wallbox &wallbox = m_wallboxes[infraId];
-    if (wallbox.meter < wallbox.lastRead || wallbox.firstRead == 0) {
-        wallbox.before += wallbox.lastRead - wallbox.firstRead;
-        wallbox.firstRead = wallbox.meter;
-        m_sessions += wallbox.meter > 0;
+    if (wallbox.meter > 0 && (wallbox.asked == 0 || wallbox.meter < wallbox.asked))
+        ++m_sessions;
+    else if (wallbox.asked > 0 && wallbox.meter > wallbox.asked)
+        m_drawn += double(wallbox.meter - wallbox.asked) / 1000;
+    wallbox.asked = wallbox.meter;
+}
+
+void Yard::arrived(const QString &infraId, int meter)
+{
+    Wallbox &wallbox = m_wallboxes[infraId];
+    const double energy = double(meter) / 1000;
+    const double growth = energy - wallbox.shown;
+    if (wallbox.shown != 0 && growth > 0) {
+        wallbox.total += growth;
+        m_counted += growth;
     }
-    wallbox.lastRead = wallbox.meter;
+    wallbox.shown = energy;
 }
 
 void Yard::forget(const QString &infraId)
@@ -85,6 +104,5 @@ void Yard::forget(const QString &infraId)
 
 double Yard::total(const QString &infraId) const
 {
-    const Wallbox wallbox = m_wallboxes.value(infraId);
-    return double(wallbox.before + wallbox.lastRead - wallbox.firstRead) / 1000;
+    return m_wallboxes.value(infraId).total;
 }

@@ -13,8 +13,9 @@ class ScriptedBackend;
 
 /*! The wallboxes behind a scripted backend, and the totals that a plugin must have made of what they said.
 
-    Counts in another way than the plugin does: by sessions, each worth its last reading less its first one
-    above 0. */
+    A reading adds what it is above the one that arrived before it, unless that was 0. When replies arrive out
+   of order, a meter seems to fall and to rise again, and the same energy is counted twice. So the yard also
+   counts what the sessions drew, from the readings in the order in which they were asked for. */
 class Yard
 {
 public:
@@ -30,21 +31,29 @@ public:
     /*! Unix time that the present values carry; another one after each pass(). */
     qint64 timestamp() const { return m_timestamp; }
 
-    /*! The present values have reached the thing of \a infraId. */
-    void read(const QString &infraId);
+    /*! Wh by infrastructure id, at present. */
+    QMap<QString, int> meters() const;
+    /*! A poll has been sent whose reply holds the present values, and which is not lost. */
+    void asked(const QString &infraId);
+    /*! A reading of \a meter Wh has reached the thing of \a infraId. */
+    void arrived(const QString &infraId, int meter);
     /*! The thing of \a infraId has gone; the next one starts with a total of 0. */
     void forget(const QString &infraId);
     /*! kWh that the thing of \a infraId must show. */
     double total(const QString &infraId) const;
     int sessions() const { return m_sessions; }
+    /*! kWh that all sessions drew between their readings. */
+    double drawn() const { return m_drawn; }
+    /*! kWh that all totals together have grown by. */
+    double counted() const { return m_counted; }
 
 private:
     struct Wallbox
     {
-        int meter = 0;     // Wh of the session
-        int firstRead = 0; // Wh, above 0 once the session has been read
-        int lastRead = 0;  // Wh
-        qint64 before = 0; // Wh of the thing's earlier sessions
+        int meter = 0;    // Wh of the session
+        int asked = 0;    // Wh, the last reading in the order of the polls
+        double shown = 0; // kWh, the last reading in the order of arrival
+        double total = 0; // kWh
     };
     void write(const QString &infraId);
 
@@ -53,6 +62,8 @@ private:
     QMap<QString, Wallbox> m_wallboxes;
     qint64 m_timestamp = 1714564800;
     int m_sessions = 0;
+    double m_drawn = 0;   // kWh
+    double m_counted = 0; // kWh
 };
 
 #endif // YARD_H

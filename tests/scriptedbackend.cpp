@@ -156,10 +156,10 @@ void ScriptedBackend::answerNormally(Operation operation)
     m_scripts.remove(operation);
 }
 
-bool ScriptedBackend::release(Operation operation, const QByteArray &body)
+bool ScriptedBackend::release(Operation operation, const QByteArray &body, int index)
 {
     QList<QPointer<QTcpSocket>> &held = m_held[operation];
-    const QPointer<QTcpSocket> socket = held.isEmpty() ? nullptr : held.takeFirst();
+    const QPointer<QTcpSocket> socket = index < held.size() ? held.takeAt(index) : nullptr;
     return socket && socket->write(response(200, body)) > 0;
 }
 

@@ -53,13 +53,13 @@ public:
     void hangUp(Operation operation, const QByteArray &bytes = {});
     /*! Resets the connection in place of a response. */
     void reset(Operation operation);
-    /*! Leaves requests without an answer; release() answers the one that has waited longest. */
+    /*! Leaves requests without an answer until release(). */
     void hold(Operation operation);
     void answerNormally(Operation operation);
 
-    /*! Answers the oldest held request of \a operation with \a body. False when none is held, or when its
-        connection has ended. */
-    bool release(Operation operation, const QByteArray &body);
+    /*! Answers a held request of \a operation with \a body: the oldest, or the one that \a index requests
+        came before. False when there is none, or when its connection has ended. */
+    bool release(Operation operation, const QByteArray &body, int index = 0);
     /*! The same, with the default answer. */
     bool release(Operation operation);
     /*! Answers all held requests of \a operation, and later ones at once. */
