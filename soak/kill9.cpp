@@ -152,7 +152,7 @@ QString Killer::bringUp()
         command(QString("discover vela backendUrl=%1 groupId=yard groupSecret=s3cret").arg(m_backend));
         command("add 1");
     }
-    for (const QDeadlineTimer deadline(20000); !deadline.hasExpired();) {
+    for (const QDeadlineTimer deadline(HostProcess::patience); !deadline.hasExpired();) {
         const QJsonArray things = command("things").value("things").toArray();
         const auto isComplete = [](const QJsonValue &thing) {
             return thing.toObject().value("setupStatus") == "ThingSetupStatusComplete";

@@ -7,10 +7,6 @@
 
 #include <utility>
 
-namespace {
-constexpr int patience = 20000; // ms, far above what anything here takes
-}
-
 HostProcess::HostProcess(const QString &plugin, const QString &storage, const QStringList &options,
                          std::unique_ptr<QProcess> process)
     : m_process(std::move(process))
@@ -45,10 +41,10 @@ void HostProcess::send(const QString &line)
     m_process->write(line.toUtf8() + '\n');
 }
 
-QJsonObject HostProcess::next(int patience)
+QJsonObject HostProcess::next(int milliseconds)
 {
     while (!m_process->canReadLine()) {
-        if (!m_process->waitForReadyRead(patience))
+        if (!m_process->waitForReadyRead(milliseconds))
             return {};
     }
     QJsonObject object = QJsonDocument::fromJson(m_process->readLine()).object();

@@ -22,8 +22,9 @@ public:
     /*! Sends a command and waits for its answer, which is empty when none came in time. */
     QJsonObject command(const QString &line);
     void send(const QString &line);
+    static constexpr int patience = 60000; // ms, far above what anything here takes
     /*! The next object of the host's output; empty when none came in time or the host has ended. */
-    QJsonObject next(int patience = 20000 /* ms */);
+    QJsonObject next(int milliseconds = patience);
     /*! Reads on until an event of that name, and returns it. */
     QJsonObject nextEvent(const QString &name);
 

@@ -10,7 +10,7 @@
 #include <QTest>
 
 namespace {
-constexpr int patience = 10000; // ms, far above what anything here takes
+constexpr int patience = 60000; // ms, far above what anything here takes
 }
 
 QJsonObject SimulatorProcess::Answer::json() const
@@ -22,7 +22,7 @@ SimulatorProcess::SimulatorProcess(const QStringList &options)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(VELA_SIMULATOR, QStringList{"--port=0"} + options); // the last word on the port is theirs
-    while (!m_process.canReadLine() && m_process.waitForReadyRead())
+    while (!m_process.canReadLine() && m_process.waitForReadyRead(patience))
         continue;
     m_url = QUrl(QString::fromUtf8(m_process.readLine().trimmed()));
 }
@@ -30,7 +30,7 @@ SimulatorProcess::SimulatorProcess(const QStringList &options)
 SimulatorProcess::~SimulatorProcess()
 {
     m_process.terminate();
-    if (!m_process.waitForFinished(5000) && m_process.state() != QProcess::NotRunning)
+    if (!m_process.waitForFinished(patience) && m_process.state() != QProcess::NotRunning)
         m_process.kill(); // it ends at once, whatever hangs on it
     if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
         QTest::qFail("the simulator did not end well", __FILE__, __LINE__); // sanitizers speak last

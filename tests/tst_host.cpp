@@ -72,7 +72,7 @@ QString TestHost::run(const QStringList &arguments, const QByteArray &input, int
     QProcess process;
     process.setStandardInputFile(file.fileName());
     process.start(VELA_HOST, arguments);
-    if (!process.waitForFinished(20000) || process.exitStatus() != QProcess::NormalExit)
+    if (!process.waitForFinished(HostProcess::patience) || process.exitStatus() != QProcess::NormalExit)
         return "no end";
     if (status)
         *status = process.exitCode();
@@ -293,7 +293,7 @@ void TestHost::closedStreams()
                  m_folder->path()});
     shell.write("help\n");
     shell.closeWriteChannel();
-    QVERIFY(shell.waitForFinished(10000));
+    QVERIFY(shell.waitForFinished(HostProcess::patience));
     QCOMPARE(shell.exitStatus(), QProcess::NormalExit);
     QCOMPARE(shell.exitCode(), 0);
 }

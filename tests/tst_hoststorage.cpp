@@ -248,8 +248,8 @@ void TestHostStorage::fullDisk()
         QVERIFY(filler.remove());
     else
         QVERIFY(limitFiles(RLIM_INFINITY));
-    QTRY_COMPARE_WITH_TIMEOUT(storedThings().size(), 1, 20000);
-    QTRY_VERIFY_WITH_TIMEOUT(content(settings).contains("vanished=true"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(storedThings().size(), 1, HostProcess::patience);
+    QTRY_VERIFY_WITH_TIMEOUT(content(settings).contains("vanished=true"), HostProcess::patience);
     running->closeInput();
     QCOMPARE(running->exitStatus(), 0);
     const QString log = running->log();

@@ -10,7 +10,7 @@
 #include <memory>
 
 namespace {
-constexpr int patience = 15000; // ms; the plugin polls every two seconds
+constexpr int patience = 60000; // ms; the plugin polls every two seconds
 constexpr QChar tab(0xe004);
 constexpr QChar enter(0xe007);
 

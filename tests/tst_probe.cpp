@@ -54,7 +54,7 @@ Run run(const QStringList &arguments, const QString &secret = "s3cret")
     QEventLoop loop;
     QObject::connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
                      &QEventLoop::quit);
-    QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
     process.start(QString::fromUtf8(program), arguments);
     loop.exec();
     if (process.state() != QProcess::NotRunning)

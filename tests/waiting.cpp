@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 bool waitFor(const std::function<bool()> &condition)
 {
-    const QDeadlineTimer deadline(20s);
+    const QDeadlineTimer deadline(60s);
     QTimer heartbeat; // for what changes without an event, and for the deadline
     heartbeat.start(10ms);
     while (!condition()) {

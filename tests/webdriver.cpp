@@ -11,7 +11,7 @@
 #include <QStandardPaths>
 
 namespace {
-constexpr int patience = 30000; // ms; a first start on a busy machine takes seconds
+constexpr int patience = 60000; // ms; a first start on a busy machine takes seconds
 
 QJsonObject member(const QString &name, const QJsonValue &value)
 {
