@@ -7,6 +7,7 @@
 #include "pluginloader.h"
 #include "values.h"
 
+#include <QEvent>
 #include <QSettings>
 
 #include <algorithm>
@@ -14,6 +15,8 @@
 using namespace std::chrono_literals;
 
 namespace {
+
+constexpr qint64 settingsRoom = 16 * 1024; // bytes; a new file with the plugin's settings, and its lock
 
 /*! The sentence that says that the file of \a settings cannot be used; empty when it can. */
 QString errorIn(const QSettings &settings)
@@ -68,6 +71,7 @@ QString Daemon::load()
     connect(plugin(), &IntegrationPlugin::autoThingsAppeared, this, &Daemon::onAutoThingsAppeared);
     connect(plugin(), &IntegrationPlugin::autoThingDisappeared, this, &Daemon::onAutoThingDisappeared);
     m_plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
+    m_plugin->pluginStorage()->installEventFilter(this);
     QString settingsError = errorIn(*m_plugin->pluginStorage());
     if (!settingsError.isEmpty()) {
         m_plugin.reset();
@@ -310,13 +314,25 @@ bool Daemon::commit()
     return !m_unsaved;
 }
 
+/*! Keeps the plugin's storage from writing by itself, since it does not look for room. */
+bool Daemon::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::UpdateRequest)
+        return ThingManager::eventFilter(watched, event);
+    store();
+    return true;
+}
+
 void Daemon::store()
 {
     QSettings *settings = m_plugin->pluginStorage();
-    // What it cannot write it keeps, like the old file, and tries again with each call. It never forgets an
-    // error, so from then on it is called for ever; without changes that costs nothing.
-    settings->sync();
-    const bool settingsFailed = settings->status() != QSettings::NoError;
+    // In Qt 5 it does not notice that the content of its new file finds no room, and lets the empty file
+    // replace the old one. It keeps what it has not written, and never forgets an error: from then on it is
+    // called for ever; without changes that costs nothing.
+    const bool hasRoom = m_folder.room() >= settingsRoom;
+    if (hasRoom)
+        settings->sync();
+    const bool settingsFailed = !hasRoom || settings->status() != QSettings::NoError;
     if (settingsFailed && !m_settingsFailed)
         qCWarning(dcHost).noquote() << QStringLiteral("Cannot write the plugin's storage %1; the disk may be "
                                                       "full. The host keeps trying.")

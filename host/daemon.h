@@ -79,6 +79,9 @@ Q_SIGNALS:
     void setupFinished(ThingSetupInfo *info);
     void stateChanged(Thing *thing, const StateTypeId &stateTypeId, const QVariant &value);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void restoreThings();
     void onAutoThingsAppeared(const ThingDescriptors &descriptors);

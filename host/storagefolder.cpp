@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace {
@@ -83,6 +84,14 @@ QString StorageFolder::linkError() const
 QString StorageFolder::path() const
 {
     return m_path;
+}
+
+qint64 StorageFolder::room() const
+{
+    struct statvfs disk;
+    return ::statvfs(QFile::encodeName(m_path).constData(), &disk) == 0
+        ? qint64(disk.f_bavail * disk.f_frsize)
+        : 0;
 }
 
 QString StorageFolder::lock()

@@ -26,6 +26,8 @@ public:
     [[nodiscard]] QString claim();
 
     QString path() const;
+    /*! Bytes that can still be written there. */
+    qint64 room() const;
 
 private:
     QString create() const;

@@ -18,11 +18,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <sys/mount.h>
 #include <sys/prctl.h>
+#include <sys/statvfs.h>
 
 namespace {
 
 constexpr int wallboxes = 8;
+const char filler[] = "filler"; // takes the room on a small disk
 
 /*! What the host is doing when it is killed. */
 enum Phase { Start, Discovery, AutoCreation, Polling, Actions, Removal, PhaseCount };
@@ -52,6 +55,12 @@ public:
         , m_asProcessOne(asProcessOne)
     {
     }
+    ~Killer();
+    Q_DISABLE_COPY(Killer)
+
+    /*! From now on the folder is a small file system, which is nearly full in every other life. False when it
+        cannot be mounted, which takes root. */
+    bool mountSmallDisk();
 
     /*! One life of a host, from its start to its violent end in \a phase. Returns what is wrong. */
     QString live(Phase phase);
@@ -61,6 +70,8 @@ public:
 
 private:
     void start();
+    void fillDisk();
+    QStringList storedIds() const;
     QString judgeStart();
     QString prepare(Phase phase);
     QString bringUp();
@@ -80,6 +91,10 @@ private:
     QElapsedTimer m_sinceStart;
     QMap<QString, int> m_kills; // by phase
     QStringList m_leftovers;    // in the folder, of the last host
+    bool m_diskIsSmall = false;
+    bool m_diskWasFull = false; // for a host since the last look
+    QStringList m_stored;       // ids of the things that were there at the last look
+    int m_fullDisks = 0;        // hosts that could not store something
     int m_staleLocks = 0;       // of all hosts
     int m_halfWritten = 0;      // of all hosts
     qint64 m_slowestStart = 0;  // ms
@@ -104,12 +119,54 @@ QString Killer::live(Phase phase)
 QString Killer::lastStart()
 {
     start();
+    QFile::remove(m_folder.filePath(filler));
     const QString error = judgeStart();
     return error.isEmpty() ? bringUp() : error;
 }
 
+Killer::~Killer()
+{
+    m_host.reset();
+    if (m_diskIsSmall)
+        umount2(QFile::encodeName(m_folder.path()).constData(), MNT_DETACH);
+}
+
+bool Killer::mountSmallDisk()
+{
+    const QByteArray folder = QFile::encodeName(m_folder.path());
+    m_diskIsSmall = mount("none", folder.constData(), "tmpfs", 0, "size=64k,mode=0700") == 0;
+    return m_diskIsSmall;
+}
+
+/*! Leaves one to three pages free in every other life: too few for some files, or for all. */
+void Killer::fillDisk()
+{
+    QFile file(m_folder.filePath(filler));
+    file.remove();
+    struct statvfs disk;
+    if (m_random() % 2 || statvfs(QFile::encodeName(m_folder.path()).constData(), &disk) != 0)
+        return;
+    const qint64 pages = qint64(disk.f_bavail) - 1 - qint64(m_random() % 3);
+    if (pages > 0 && file.open(QIODevice::WriteOnly))
+        file.write(QByteArray(int(pages * qint64(disk.f_frsize)), '0'));
+}
+
+QStringList Killer::storedIds() const
+{
+    QFile file(m_folder.filePath("things.json"));
+    QStringList ids;
+    if (!file.open(QIODevice::ReadOnly))
+        return ids;
+    const QJsonArray things = QJsonDocument::fromJson(file.readAll()).object().value("things").toArray();
+    for (const QJsonValue &thing : things)
+        ids.append(thing.toObject().value("id").toString());
+    return ids;
+}
+
 void Killer::start()
 {
+    if (m_diskIsSmall)
+        fillDisk();
     m_sinceStart.start();
     const QStringList options{"--log", "*.debug=false"};
     if (!m_asProcessOne) {
@@ -131,7 +188,11 @@ QString Killer::judgeStart()
         if (QFile::exists(m_folder.filePath(file)))
             return "Left by the last host and not swept: " + file;
     }
-    return m_reported.judge(answer.value("things").toArray());
+    const QJsonArray things = answer.value("things").toArray();
+    const QString error = m_diskWasFull ? m_reported.judgeStored(m_stored, things) : m_reported.judge(things);
+    m_diskWasFull = false;
+    m_stored = storedIds();
+    return error;
 }
 
 /*! Leads to where \a phase can begin. */
@@ -148,7 +209,8 @@ QString Killer::prepare(Phase phase)
 /*! Waits until the gateway and all wallboxes are set up. The secret that this takes has been stored. */
 QString Killer::bringUp()
 {
-    if (!m_reported.hasGateway()) {
+    // Where the disk was full, a gateway may have been stored without its secret.
+    if (!m_reported.hasGateway() || m_diskIsSmall) {
         command(QString("discover vela backendUrl=%1 groupId=yard groupSecret=s3cret").arg(m_backend));
         command("add 1");
     }
@@ -207,6 +269,9 @@ QString Killer::killIn(Phase phase)
     for (QJsonObject object = m_host->next(); !object.isEmpty(); object = m_host->next())
         read(object);
     m_reported.hostHasEnded();
+    const bool diskWasFull = m_host->log().contains("Cannot store the things");
+    m_diskWasFull = m_diskWasFull || diskWasFull;
+    m_fullDisks += diskWasFull;
     return QString();
 }
 
@@ -240,7 +305,7 @@ QString Killer::judgeFiles()
             return "things.json cannot be read";
         if (isSettings && !(content.contains("url=") && content.contains("groupSecret=s3cret")))
             return name + " is not whole";
-        if (isThings || isSettings || name == "in-use-by")
+        if (isThings || isSettings || name == "in-use-by" || name == filler)
             continue;
         if (!name.contains(".conf.") || name.endsWith("lock"))
             m_leftovers.append(name); // all but the temporary files of QSettings, whose names Qt makes up
@@ -256,6 +321,8 @@ void Killer::printFigures() const
         std::printf(" %s %d;", qPrintable(it.key()), it.value());
     std::printf("\nthings stored and not yet reported: %d; stale locks: %d; half-written files: %d\n",
                 m_reported.unreported(), m_staleLocks, m_halfWritten);
+    if (m_diskIsSmall)
+        std::printf("hosts that could not store something on the full disk: %d\n", m_fullDisks);
     std::printf("slowest start until the first answer: %lld ms\n", static_cast<long long>(m_slowestStart));
 }
 
@@ -286,7 +353,9 @@ int main(int argc, char **argv)
     const QCommandLineOption kills("kills", "How often to kill.", "N", "200");
     const QCommandLineOption seed("seed", "The same moments for the same number, as far as that goes.", "N",
                                   "1");
-    parser.addOptions({kills, seed});
+    const QCommandLineOption nearlyFull(
+        "nearly-full", "On a file system of 64 kB, nearly full in every other life; takes root.");
+    parser.addOptions({kills, seed, nearlyFull});
     parser.addHelpOption();
     parser.process(app);
 
@@ -300,6 +369,8 @@ int main(int argc, char **argv)
         qFatal("The simulator does not start");
     std::mt19937 random(parser.value(seed).toUInt());
     Killer killer(QString::fromUtf8(simulator.readLine().trimmed()), random(), asProcessOne);
+    if (parser.isSet(nearlyFull) && !killer.mountSmallDisk())
+        qFatal("The small file system cannot be mounted");
     const QString error = killHosts(killer, parser.value(kills).toInt(), random);
     killer.printFigures();
     simulator.terminate();

@@ -53,10 +53,31 @@ QString Reported::judge(const QJsonArray &things)
     QString error = lost(things);
     if (error.isEmpty())
         error = doubled(things);
+    settle(things);
+    return error;
+}
+
+QString Reported::judgeStored(const QStringList &stored, const QJsonArray &things)
+{
+    QString error = doubled(things);
+    QSet<QString> present;
+    for (const QJsonValue &thing : things)
+        present.insert(thing.toObject().value("id").toString());
+    for (const QString &id : stored) {
+        if (!present.contains(id) && !m_removed.contains(id) && !m_removing)
+            error = "A stored thing is lost: " + id;
+    }
+    m_removed -= present;
+    settle(things);
+    return error;
+}
+
+/*! From here on \a things are what there is. */
+void Reported::settle(const QJsonArray &things)
+{
     adopt(things);
     m_undecided.clear();
     m_removing = false;
-    return error;
 }
 
 QString Reported::lost(const QJsonArray &things) const

@@ -26,6 +26,9 @@ public:
     /*! What is wrong with the list of things after a restart; empty when it is as it must be. What was
         stored and not reported before the end is noted now. */
     QString judge(const QJsonArray &things);
+    /*! The same after a host whose disk was full, so that it may have reported what it could not store.
+       Nothing of \a stored, the ids that it has found at its own start, may be lost. */
+    QString judgeStored(const QStringList &stored, const QJsonArray &things);
 
     bool hasGateway() const;
     int unreported() const { return m_unreported; }
@@ -35,6 +38,7 @@ private:
     QString changed(const QJsonObject &thing) const;
     QString doubled(const QJsonArray &things) const;
     void adopt(const QJsonArray &things);
+    void settle(const QJsonArray &things);
 
     QHash<QString, QJsonObject> m_things; // by id, with the values that were reported last
     QSet<QString> m_removed;              // ids
