@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <limits>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -89,9 +90,9 @@ QString StorageFolder::path() const
 qint64 StorageFolder::room() const
 {
     struct statvfs disk;
-    return ::statvfs(QFile::encodeName(m_path).constData(), &disk) == 0
-        ? qint64(disk.f_bavail * disk.f_frsize)
-        : 0;
+    if (::statvfs(QFile::encodeName(m_path).constData(), &disk) != 0)
+        return std::numeric_limits<qint64>::max();
+    return qint64(disk.f_bavail * disk.f_frsize);
 }
 
 QString StorageFolder::lock()
