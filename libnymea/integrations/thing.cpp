@@ -190,12 +190,9 @@ int Thing::stateIndex(const StateTypeId &stateTypeId) const
 
 int Thing::stateIndex(const QString &stateName) const
 {
-    // Every write by name comes here. Compared in place: QString's own operator costs a call for each state
-    // type, and a hash would have to go through the name before it could begin.
     const StateTypes &types = m_thingClass.stateTypes;
-    const auto it = std::find_if(types.cbegin(), types.cend(), [&stateName](const StateType &type) {
-        return std::equal(type.name.cbegin(), type.name.cend(), stateName.cbegin(), stateName.cend());
-    });
+    const auto it = std::find_if(types.cbegin(), types.cend(),
+                                 [&stateName](const StateType &type) { return type.name == stateName; });
     return it == types.cend() ? -1 : int(it - types.cbegin());
 }
 
