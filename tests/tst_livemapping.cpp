@@ -191,6 +191,7 @@ void TestLiveMapping::timestampOnlyWhenReadable()
     Site site;
     QCOMPARE(site.addGateway(), QString());
     const StateWatch watch(site.wallbox("EVSE-01"));
+    site.log.clear();
     for (const QJsonValue &timestamp : {QJsonValue("2024-05-01T12:00:00Z"), QJsonValue(""), QJsonValue(17),
                                         QJsonValue("yesterday"), QJsonValue("2024-05-01T14:00:01+02:00")}) {
         site.backend.values["EVSE-01"] = with({}, "timestamp", timestamp);
@@ -198,6 +199,10 @@ void TestLiveMapping::timestampOnlyWhenReadable()
     }
     QCOMPARE(watch.changes.filter("timestamp"),
              (QStringList{"timestamp 1714564800", "timestamp 1714564801"}));
+    QCOMPARE(site.story({"debug: Time STR \""}),
+             (QStringList{R"(debug: Time STR "2024-05-01T12:00:00Z")", R"(debug: Time STR "yesterday")",
+                          R"(debug: Time STR "2024-05-01T14:00:01+02:00")"}));
+    QCOMPARE(site.log.count("debug: Time STR"), 6); // each text, and the second that Qt makes of it
 }
 
 void TestLiveMapping::energyAcrossSessions()
