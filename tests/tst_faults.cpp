@@ -264,12 +264,15 @@ void TestFaults::nameFailure()
     QVERIFY(site.poll());
     const Census first = Census::takeSettled();
     site.log.clear();
-    for (int i = 0; i < 3; ++i)
+    constexpr int polls = 30;
+    for (int i = 0; i < polls; ++i)
         QVERIFY(site.poll());
-    QCOMPARE(failedPolls(site), QVector<QString>(3, "HostNotFoundError 0").toList());
+    QCOMPARE(failedPolls(site), QVector<QString>(polls, "HostNotFoundError 0").toList());
     QCOMPARE(shown(site), "connected 1");
-    QCOMPARE(Census::takeSettled().objects, first.objects);
-    QCOMPARE(Census::take().descriptors, first.descriptors);
+    // Qt looks names up in a few threads, and starts another where one is still busy; but no poll leaves an
+    // object.
+    QVERIFY(Census::takeSettled().objects - first.objects < polls);
+    QVERIFY(Census::take().descriptors - first.descriptors < polls);
 
     namesResolve = true;
     setCurrent(site, 2);
