@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 settingsRoom = 16 * 1024; // bytes; a new file with the plugin's settings, and its lock
+constexpr qint64 settingsRoom = 16384; // bytes; a new file with the plugin's settings, and its lock
 
 /*! The sentence that says that the file of \a settings cannot be used; empty when it can. */
 QString errorIn(const QSettings &settings)

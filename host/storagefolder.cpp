@@ -92,7 +92,7 @@ qint64 StorageFolder::room() const
     struct statvfs disk;
     if (::statvfs(QFile::encodeName(m_path).constData(), &disk) != 0)
         return std::numeric_limits<qint64>::max();
-    return qint64(disk.f_bavail * disk.f_frsize);
+    return qint64(disk.f_bavail) * qint64(disk.f_frsize);
 }
 
 QString StorageFolder::lock()
