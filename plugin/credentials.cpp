@@ -51,8 +51,8 @@ bool completeCredentials(Credentials *credentials, QSettings *storage, const Thi
 Credentials storedCredentials(QSettings *storage, const ThingClassId &gatewayClassId)
 {
     storage->beginGroup(gatewayClassId.toString());
-    const Credentials credentials{storage->value(urlKey).toString(), storage->value(groupIdKey).toString(),
-                                  storage->value(groupSecretKey).toString()};
+    Credentials credentials{storage->value(urlKey).toString(), storage->value(groupIdKey).toString(),
+                            storage->value(groupSecretKey).toString()};
     storage->endGroup();
     return credentials;
 }
