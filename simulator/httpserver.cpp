@@ -20,6 +20,10 @@ constexpr size_t largestBody = 1 << 20;                // bytes, unpacked
 constexpr size_t largestRequest = 2 << 20;             // bytes on the wire, the head and all framing included
 constexpr std::chrono::milliseconds streamPeriod{500}; // a change on a page seems to come at once
 
+// Whether the request that this thread answers has been read to its end. If not, the connection ends with the
+// answer: a foreign page could have hidden a request of its own in the body, behind the check of its origin.
+thread_local bool requestIsRead = false;
+
 /*! A thread for each connection. Those that are done are collected when the next one comes. A task for which
     there is no thread runs at once, in the accepting thread. */
 class ConnectionThreads : public httplib::TaskQueue
@@ -113,6 +117,7 @@ HttpServer::HttpServer(Answer answer)
     set_pre_routing_handler([this](const httplib::Request &request, httplib::Response &response) {
         if (announcesBody(request))
             return HandlerResponse::Unhandled;
+        requestIsRead = true;
         respond(request, response);
         return HandlerResponse::Handled;
     });
@@ -176,12 +181,17 @@ void HttpServer::readAndRespond(const httplib::Request &request, httplib::Respon
 {
     httplib::Request complete = request;
     bool isTooLarge = false;
+    if (request.is_multipart_form_data()) { // the library hands these out in another way
+        setBody(response, refusal(415, QStringLiteral("the body is no JSON")));
+        return;
+    }
     const bool isRead = readBody([&complete, &isTooLarge](const char *data, size_t size) {
         isTooLarge = isTooLarge || complete.body.size() + size > largestBody;
         if (!isTooLarge)
             complete.body.append(data, size);
         return true; // the rest is read as well, so that the next request is found behind it
     });
+    requestIsRead = isRead;
     if (isTooLarge)
         response.status = 413;
     else if (isRead)
@@ -213,7 +223,8 @@ bool HttpServer::process_and_close_socket(socket_t socket)
     SocketStream stream(socket, largestRequest);
     while (isAlive && stream.waitForRequest(std::chrono::seconds(keep_alive_timeout_sec_))) {
         bool isClosed = false;
-        isAlive = process_request(stream, false, isClosed, nullptr) && !isClosed;
+        requestIsRead = false;
+        isAlive = process_request(stream, false, isClosed, nullptr) && !isClosed && requestIsRead;
     }
     leave(socket);
     return isAlive;

@@ -159,6 +159,8 @@ private Q_SLOTS:
     void requestsAreRecordedAndMasked();
 
     void connectionStaysOpen();
+    void bodiesHideNoRequests_data();
+    void bodiesHideNoRequests();
     void largeBodiesAreRefused_data();
     void largeBodiesAreRefused();
     void connectionsWithoutThreadAreRefused();
@@ -688,6 +690,30 @@ void TestSimulator::connectionStaysOpen()
     QCOMPARE(socket->state(), QAbstractSocket::ConnectedState);
 }
 
+void TestSimulator::bodiesHideNoRequests_data()
+{
+    QTest::addColumn<QByteArray>("type");
+    QTest::newRow("multipart") << QByteArray("multipart/form-data; boundary=x");
+    QTest::newRow("multipart without a boundary") << QByteArray("multipart/form-data");
+}
+
+/*! A page of another origin may send a body, and behind a body that is not read stands the next request. */
+void TestSimulator::bodiesHideNoRequests()
+{
+    QFETCH(QByteArray, type);
+    const auto socket = m_unchanged->connection();
+    const QByteArray hidden = "POST /control/wallboxes/EVSE-01/unplug HTTP/1.1\r\nHost: localhost\r\n\r\n";
+    const QByteArray answer = exchange(
+        *socket,
+        "POST /control/speed HTTP/1.1\r\nHost: localhost\r\nOrigin: http://evil.example"
+        "\r\nContent-Type: "
+            + type + "\r\nContent-Length: " + QByteArray::number(hidden.size()) + "\r\n\r\n" + hidden,
+        "}");
+    QVERIFY2(answer.startsWith("HTTP/1.1 415"), answer);
+    QTRY_COMPARE(socket->state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(exchange(*socket, {}, "}"), QByteArray());
+}
+
 void TestSimulator::largeBodiesAreRefused_data()
 {
     QTest::addColumn<QByteArray>("headerAndBody");
@@ -695,7 +721,7 @@ void TestSimulator::largeBodiesAreRefused_data()
     const QByteArray body((1 << 20) + 1, ' ');
     const QByteArray packed = qCompress(body).mid(4); // behind Qt's own head
     const auto length = [](const QByteArray &body) { return QByteArray::number(body.size()); };
-    QTest::newRow("announced") << "Content-Length: " + length(body) + "\r\n\r\n" + body << true;
+    QTest::newRow("announced") << "Content-Length: " + length(body) + "\r\n\r\n" + body << false;
     QTest::newRow("chunked") << "Transfer-Encoding: chunked\r\n\r\n100001\r\n" + body + "\r\n0\r\n\r\n"
                              << true;
     QTest::newRow("compressed") << "Content-Encoding: deflate\r\nContent-Length: " + length(packed)
