@@ -7,10 +7,13 @@
 #include "pluginloader.h"
 #include "values.h"
 
+#include <QCoreApplication>
 #include <QEvent>
+#include <QFile>
 #include <QSettings>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 using namespace std::chrono_literals;
 
@@ -25,6 +28,13 @@ QString errorIn(const QSettings &settings)
     return settings.status() == QSettings::NoError
         ? QString()
         : QStringLiteral("The plugin's storage %1 cannot be used.").arg(settings.fileName());
+}
+
+/*! The number of the file of \a settings in its file system; 0 where there is none. */
+ino_t fileNumber(const QSettings &settings)
+{
+    struct stat file;
+    return ::stat(QFile::encodeName(settings.fileName()).constData(), &file) == 0 ? file.st_ino : 0;
 }
 
 } // namespace
@@ -311,44 +321,65 @@ bool Daemon::commit()
         const StateChange change = m_reports.takeFirst();
         emit stateChanged(change.thing, change.stateTypeId, change.value);
     }
-    return !m_unsaved;
+    return !m_unsaved && !m_settingsChanged;
 }
 
-/*! Keeps the plugin's storage from writing by itself, since it does not look for room. */
+/*! Takes note that the plugin's storage has changed, and keeps it from writing by itself: see
+ * storeSettings(). */
 bool Daemon::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::UpdateRequest)
         return ThingManager::eventFilter(watched, event);
-    store();
+    m_settingsChanged = true;
+    QTimer::singleShot(0, this, &Daemon::commit);
     return true;
 }
 
 void Daemon::store()
 {
+    storeSettings();
+    storeThings();
+    if (m_settingsChanged || m_unsaved)
+        m_storeTimer.start();
+}
+
+void Daemon::storeSettings()
+{
     QSettings *settings = m_plugin->pluginStorage();
-    // In Qt 5 it does not notice that the content of its new file finds no room, and lets the empty file
-    // replace the old one. It keeps what it has not written, and never forgets an error: from then on it is
-    // called for ever; without changes that costs nothing.
+    QCoreApplication::sendPostedEvents(settings, QEvent::UpdateRequest);
+    if (!m_settingsChanged)
+        return;
+    // QSettings in Qt 5 does not notice when the content of its new file finds no room, and replaces the old
+    // file by an empty one. So it may write only where there is room. Quotas and limits of the process are
+    // not seen.
+    const ino_t oldFile = fileNumber(*settings);
     const bool hasRoom = m_folder.room() >= settingsRoom;
     if (hasRoom)
         settings->sync();
-    const bool settingsFailed = !hasRoom || settings->status() != QSettings::NoError;
-    if (settingsFailed && !m_settingsFailed)
+    // QSettings does not forget an error. A new file shows that this attempt has succeeded.
+    const bool isStored =
+        hasRoom && (settings->status() == QSettings::NoError || fileNumber(*settings) != oldFile);
+    if (!isStored && !m_settingsFailed)
         qCWarning(dcHost).noquote() << QStringLiteral("Cannot write the plugin's storage %1; the disk may be "
                                                       "full. The host keeps trying.")
                                            .arg(settings->fileName());
-    m_settingsFailed = settingsFailed;
-    if (m_unsaved) {
-        const QString error = m_store.write(m_things);
-        m_unsaved = !error.isEmpty();
-        if (m_unsaved && error != m_storeError)
-            qCWarning(dcHost).noquote() << error << "The host keeps trying.";
-        else if (!m_unsaved && !m_storeError.isEmpty())
-            qCInfo(dcHost) << "The things are stored again.";
-        m_storeError = error;
-    }
-    if (m_unsaved || m_settingsFailed)
-        m_storeTimer.start();
+    else if (isStored && m_settingsFailed)
+        qCInfo(dcHost) << "The plugin's storage is written again.";
+    m_settingsChanged = !isStored;
+    m_settingsFailed = !isStored;
+}
+
+void Daemon::storeThings()
+{
+    if (!m_unsaved)
+        return;
+    const QString error = m_store.write(m_things);
+    m_unsaved = !error.isEmpty();
+    if (m_unsaved && error != m_storeError)
+        qCWarning(dcHost).noquote() << error << "The host keeps trying.";
+    else if (!m_unsaved && !m_storeError.isEmpty())
+        qCInfo(dcHost) << "The things are stored again.";
+    m_storeError = error;
 }
 
 template <typename Job> Job *Daemon::refused(Job *job, Thing::ThingError error, const QString &message)

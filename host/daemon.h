@@ -22,8 +22,7 @@
     with an error and a message that says what would be right. A job deletes itself after finished().
 
     What a signal or a job's finished() reports has been stored before, where there was room. State changes
-   are reported together once a turn of the event loop, and always before any other report that follows them.
- */
+    are reported together once a turn of the event loop, and always before any report that follows them. */
 class Daemon : public ThingManager
 {
     Q_OBJECT
@@ -66,7 +65,7 @@ public:
     void remove(Thing *thing);
 
     /*! Stores whatever has changed, then reports the state changes so far. Whoever reports something else
-        calls it before, to keep the order. Returns whether all things are stored. What could not be stored is
+        calls it before, to keep the order. Returns whether all is stored. What could not be stored is
         reported nevertheless, with a warning, and tried again from the event loop. */
     bool commit();
 
@@ -95,6 +94,8 @@ private:
     void keep(Thing *thing);
     void discard(Thing *thing);
     void store();
+    void storeSettings();
+    void storeThings();
 
     template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QString &message);
     Thing *find(const ThingId &thingId) const;
@@ -113,7 +114,8 @@ private:
     QVector<StateChange> m_reports; // stored, about to be reported
     bool m_unsaved = false;         // m_things holds what m_store does not
     QString m_storeError;           // of the last attempt to store them
-    bool m_settingsFailed = false;  // the plugin's storage could not be written, at least once
+    bool m_settingsChanged = false; // the plugin's storage holds what its file does not
+    bool m_settingsFailed = false;  // the last attempt to write it
     QTimer m_storeTimer;            // runs out when the next attempt is due; only after a failure
 };
 

@@ -40,8 +40,13 @@ int run(const HostOptions &options)
     Session session(daemon, output.get());
     QObject::connect(&session, &Session::ended, qApp, &QCoreApplication::quit);
     const int status = QCoreApplication::exec();
-    const bool isStored = daemon->commit();
-    return isStored && std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : EXIT_FAILURE;
+    if (!daemon->commit()) {
+        std::fflush(stdout);
+        // At once: when the plugin goes with the process, its settings would be written where there is no
+        // room.
+        std::_Exit(EXIT_FAILURE);
+    }
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : EXIT_FAILURE;
 }
 
 } // namespace

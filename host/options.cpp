@@ -31,13 +31,13 @@ is stored. Log lines go to standard error; without --log, those of the debug lev
 only where that is not a terminal.
 
 Both streams must be read: when a pipe is full, the host and its plugin stand
-still until somebody reads on. A first SIGINT or SIGTERM ends the host in good
-order as soon as it can write, a second one kills it at once (in a shell, status
-130 or 143). Neither loses what is stored.
+still until somebody reads on. A first SIGINT, SIGTERM or SIGHUP ends the host in
+good order as soon as it can write, a second one kills it at once (in a shell,
+status 130, 143 or 129). Neither loses what is stored.
 
 Exit status: 0 after "quit", end of input, SIGINT or SIGTERM; 1 when the plugin or
-the storage folder cannot be used, or when things or output could not be written
-until the end; 2 for a wrong option.)";
+the storage folder cannot be used, or when things, settings or output could not be
+written until the end; 2 for a wrong option.)";
 
 /*! The plugin that was built together with this program. */
 QString defaultPlugin()

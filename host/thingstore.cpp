@@ -141,7 +141,8 @@ QString replaceFile(const QString &name, const QByteArray &content)
     // closes the file, and does not notice there that it failed.
     const bool isReplaced =
         openNoFollow(&file, QIODevice::WriteOnly | QIODevice::Unbuffered, O_WRONLY | O_CREAT | O_TRUNC)
-        && file.write(content) == content.size() && ::fsync(file.handle()) == 0
+        && file.write(content) == content.size()
+        && (::fsync(file.handle()) == 0 || errno == EINVAL) // which says that this file system cannot
         && std::rename(QFile::encodeName(newName).constData(), QFile::encodeName(name).constData()) == 0;
     if (isReplaced)
         return QString();

@@ -212,9 +212,11 @@ void TestHostStorage::fullDisk_data()
     QTest::addColumn<bool>("mounts");
     QTest::addColumn<int>("left"); // bytes, on the file system
     QTest::addColumn<QString>("reason");
-    QTest::newRow("full file system") << true << 0 << "No space left on device";
-    QTest::newRow("room for a new file without content") << true << 4096 << QString();
-    QTest::newRow("files cannot grow") << false << 0 << "File too large";
+    QTest::addColumn<bool>("ends"); // while the disk is full
+    QTest::newRow("full file system") << true << 0 << "No space left on device" << false;
+    QTest::newRow("room for a new file without content") << true << 4096 << QString() << false;
+    QTest::newRow("the same, and the host ends") << true << 4096 << QString() << true;
+    QTest::newRow("files cannot grow") << false << 0 << "File too large" << false;
 }
 
 /*! An empty file replaced the good one, and nobody was told. */
@@ -250,6 +252,13 @@ void TestHostStorage::fullDisk()
     QCOMPARE(content(settings), oldSettings);
     if (!reason.isNull())
         QCOMPARE(content("things.json"), things);
+    QFETCH(bool, ends);
+    if (ends) {
+        running->closeInput();
+        QCOMPARE(running->exitStatus(), 1);
+        QCOMPARE(content(settings), oldSettings);
+        return;
+    }
     if (mounts)
         QVERIFY(filler.remove());
     else
@@ -262,6 +271,7 @@ void TestHostStorage::fullDisk()
     const QString warning = QString("Cannot store the things in %1: %2.").arg(path("things.json"), reason);
     QVERIFY2(reason.isNull() || log.contains(warning), qPrintable(log));
     QVERIFY2(log.contains("Cannot write the plugin's storage " + path(settings)), qPrintable(log));
+    QVERIFY2(log.contains("The plugin's storage is written again."), qPrintable(log));
 }
 
 void TestHostStorage::damagedFileIsLeftAlone_data()
