@@ -150,11 +150,10 @@ void TestLiveMapping::listenersMayChangeWhatWasWritten()
     QCOMPARE(site.addGateway(), QString());
     Thing *wallbox = site.wallbox("EVSE-01");
     const QObject listener;
-    connect(wallbox, &Thing::stateValueChanged, &listener,
-            [wallbox, &changed, &value](const StateTypeId &id) {
-                if (wallbox->thingClass().stateTypes.findById(id).name == changed)
-                    wallbox->setStateValue(changed, value);
-            });
+    connect(wallbox, &Thing::stateValueChanged, &listener, [wallbox, changed, value](const StateTypeId &id) {
+        if (wallbox->thingClass().stateTypes.findById(id).name == changed)
+            wallbox->setStateValue(changed, value);
+    });
     QFETCH(QString, status);
     site.backend.values["EVSE-01"] = QJsonObject{
         {"status",  status},
