@@ -189,7 +189,7 @@ QString Killer::judgeStart()
             return "Left by the last host and not swept: " + file;
     }
     const QJsonArray things = answer.value("things").toArray();
-    const QString error = m_diskWasFull ? m_reported.judgeStored(m_stored, things) : m_reported.judge(things);
+    QString error = m_diskWasFull ? m_reported.judgeStored(m_stored, things) : m_reported.judge(things);
     m_diskWasFull = false;
     m_stored = storedIds();
     return error;
