@@ -1,0 +1,293 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "waiting.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <map>
+#include <memory>
+
+namespace {
+
+/*! A program under test, with what it has printed and nobody has compared yet. */
+struct Program
+{
+    QProcess process;
+    bool skips = false; // "< ..." came before: lines may be left out
+};
+
+/*! Plays one transcript; transcripts/README.md describes the language. Stops at the first difference. */
+class Player
+{
+public:
+    explicit Player(const QStringList &definitions);
+    /*! What is wrong at \a line; empty if it holds. */
+    QString play(const QString &line);
+    /*! Ends the programs of a case. What is wrong with them; empty on success. */
+    QString finishCase();
+
+private:
+    void beginCase(const QString &name);
+    QString start(const QString &name, const QString &command);
+    QString expectOutput(const QString &text);
+    QString expectError(const QString &text);
+    QString expectStatus(int status);
+    QString runShell(const QString &script);
+    QString signal(const QString &name);
+
+    QString filledIn(QString text) const;
+    bool matches(const QString &text, const QString &line);
+
+    std::map<QString, QString> m_definitions;  // by name, for every case
+    std::map<QString, QString> m_placeholders; // by name, for this case
+    std::unique_ptr<QTemporaryDir> m_folder;   // for this case
+    std::map<QString, std::unique_ptr<Program>> m_programs;
+    Program *m_program = nullptr; // the one that is typed into; m_programs owns it
+};
+
+const QRegularExpression placeholder(QStringLiteral("%([a-zA-Z]+|\\*)%"));
+
+Player::Player(const QStringList &definitions)
+{
+    for (const QString &definition : definitions)
+        m_definitions[definition.section('=', 0, 0)] = definition.section('=', 1);
+    beginCase({});
+}
+
+QString Player::play(const QString &line)
+{
+    const QString order = line.section(' ', 0, 0);
+    const QString text = line.section(' ', 1);
+    if (order.isEmpty() || order == "#")
+        return {};
+    if (order == "=") {
+        const QString difference = finishCase();
+        beginCase(text);
+        return difference;
+    }
+    if (order == "$")
+        return start(text.section(' ', 0, 0), text.section(' ', 1));
+    if (order == "sh")
+        return runShell(text);
+    if (order == "@") {
+        const auto found = m_programs.find(text);
+        if (found == m_programs.end())
+            return "there is no program \"" + text + '"';
+        m_program = found->second.get();
+        return {};
+    }
+    if (!m_program)
+        return "no program has been started";
+    if (order == ">") {
+        m_program->process.write(filledIn(text).toUtf8() + '\n');
+        return {};
+    }
+    if (order == "<")
+        return expectOutput(text);
+    if (order == "!")
+        return expectError(text);
+    if (order == "end") {
+        m_program->process.closeWriteChannel();
+        return {};
+    }
+    if (order == "kill")
+        return signal(text);
+    if (order == "status")
+        return expectStatus(text.toInt());
+    return "there is no order \"" + order + '"';
+}
+
+void Player::beginCase(const QString &name)
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_placeholders = m_definitions;
+    m_placeholders["folder"] = m_folder->path();
+    m_placeholders["case"] = name;
+}
+
+QString Player::finishCase()
+{
+    QString difference;
+    for (const auto &[name, program] : m_programs) {
+        if (program->process.state() == QProcess::NotRunning)
+            continue;
+        program->process.terminate();
+        if (!waitFor([&] { return program->process.state() == QProcess::NotRunning; }))
+            difference = name + " does not end";
+    }
+    m_program = nullptr;
+    m_programs.clear();
+    return difference;
+}
+
+QString Player::start(const QString &name, const QString &command)
+{
+    QStringList words = QProcess::splitCommand(filledIn(command));
+    auto program = std::make_unique<Program>();
+    m_program = program.get();
+    m_programs[name] = std::move(program);
+    m_program->process.setWorkingDirectory(m_folder->path());
+    const QString file = words.takeFirst();
+    m_program->process.start(file, words);
+    return m_program->process.waitForStarted() ? QString() : "cannot start " + file;
+}
+
+QString Player::expectOutput(const QString &text)
+{
+    if (text == "...") {
+        m_program->skips = true;
+        return {};
+    }
+    QProcess &process = m_program->process;
+    for (;;) {
+        if (!waitFor([&] { return process.canReadLine() || process.state() == QProcess::NotRunning; }))
+            return "nothing more is printed";
+        if (!process.canReadLine() && process.bytesAvailable() == 0)
+            return "the program has ended; standard error: " + process.readAllStandardError();
+        const QString line = QString::fromUtf8(process.readLine()).remove('\n');
+        if (matches(text, line)) {
+            m_program->skips = false;
+            return {};
+        }
+        if (!m_program->skips)
+            return "printed is\n  " + line;
+    }
+}
+
+QString Player::expectError(const QString &text)
+{
+    QProcess &process = m_program->process;
+    QStringList seen;
+    const auto find = [&] {
+        process.setReadChannel(QProcess::StandardError);
+        bool found = false;
+        while (!found && process.canReadLine()) {
+            seen.append(QString::fromUtf8(process.readLine()).remove('\n'));
+            found = matches(text, seen.constLast());
+        }
+        process.setReadChannel(QProcess::StandardOutput);
+        return found;
+    };
+    bool found = false;
+    const bool done = waitFor([&] {
+        const bool ended = process.state() == QProcess::NotRunning;
+        found = find();
+        return found || ended;
+    });
+    return done && found ? QString() : "standard error holds\n  " + seen.join("\n  ");
+}
+
+QString Player::expectStatus(int status)
+{
+    QProcess &process = m_program->process;
+    if (!waitFor([&] { return process.state() == QProcess::NotRunning; }))
+        return "the program does not end";
+    const QByteArray rest = m_program->skips ? QByteArray() : process.readAllStandardOutput();
+    if (!rest.isEmpty())
+        return "printed is also\n  " + QString::fromUtf8(rest);
+    // As a shell tells of a program that a signal has ended.
+    const int ended =
+        process.exitStatus() == QProcess::CrashExit ? 128 + process.exitCode() : process.exitCode();
+    return ended == status ? QString()
+                           : QString("the status is %1; standard error: ").arg(ended)
+            + QString::fromUtf8(process.readAllStandardError());
+}
+
+QString Player::runShell(const QString &script)
+{
+    QProcess shell;
+    shell.setWorkingDirectory(m_folder->path());
+    shell.setProcessChannelMode(QProcess::MergedChannels);
+    shell.start("bash", {"-c", filledIn(script)});
+    if (!waitFor([&] { return shell.state() == QProcess::NotRunning; }))
+        return "the command does not end";
+    return shell.exitCode() == 0 ? QString() : "the command fails: " + shell.readAll();
+}
+
+QString Player::signal(const QString &name)
+{
+    static const std::map<QString, int> numbers{
+        {"HUP",  SIGHUP },
+        {"INT",  SIGINT },
+        {"KILL", SIGKILL},
+        {"TERM", SIGTERM}
+    };
+    const auto found = numbers.find(name);
+    if (found == numbers.end())
+        return "there is no signal \"" + name + '"';
+    ::kill(pid_t(m_program->process.processId()), found->second);
+    return {};
+}
+
+QString Player::filledIn(QString text) const
+{
+    for (const auto &[name, value] : m_placeholders)
+        text.replace('%' + name + '%', value);
+    return text;
+}
+
+/*! Compares a whole \a line; placeholders that have no value yet take theirs from it. */
+bool Player::matches(const QString &text, const QString &line)
+{
+    const QString filled = filledIn(text);
+    QString pattern;
+    QStringList names;
+    int end = 0;
+    for (auto it = placeholder.globalMatch(filled); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        pattern += QRegularExpression::escape(filled.mid(end, match.capturedStart() - end));
+        end = match.capturedEnd();
+        const QString name = match.captured(1);
+        if (name == "*") {
+            pattern += ".*?";
+        } else if (names.contains(name)) {
+            pattern += "\\g{" + name + '}';
+        } else {
+            pattern += "(?<" + name + ">.*?)";
+            names.append(name);
+        }
+    }
+    pattern += QRegularExpression::escape(filled.mid(end));
+    const QRegularExpressionMatch match =
+        QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(line);
+    if (!match.hasMatch())
+        return false;
+    for (const QString &name : qAsConst(names))
+        m_placeholders[name] = match.captured(name);
+    return true;
+}
+
+} // namespace
+
+/*! Plays the transcript FILE, with placeholders NAME=VALUE. Status 0 if all of it holds. */
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList arguments = app.arguments();
+    if (arguments.size() < 2)
+        qFatal("Usage: transcript FILE [NAME=VALUE ...]");
+    QFile file(arguments.at(1));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("Cannot read %s.", qPrintable(file.fileName()));
+    Player player(arguments.mid(2));
+    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString difference = player.play(lines.at(i));
+        if (difference.isEmpty())
+            continue;
+        qCritical("%s:%d: %s\nbut %s", qPrintable(file.fileName()), i + 1, qPrintable(lines.at(i)),
+                  qPrintable(difference));
+        player.finishCase();
+        return 1;
+    }
+    const QString difference = player.finishCase();
+    if (!difference.isEmpty())
+        qCritical("%s: %s", qPrintable(file.fileName()), qPrintable(difference));
+    return difference.isEmpty() ? 0 : 1;
+}
