@@ -13,6 +13,7 @@ target_compile_options(vela_options INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
   $<$<BOOL:${VELA_WERROR}>:-Werror>
 )
+target_link_options(vela_options INTERFACE -Wl,-z,relro,-z,now)
 if(VELA_SANITIZE)
   set(sanitize -fsanitize=${VELA_SANITIZE} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_compile_options(vela_options INTERFACE ${sanitize})

@@ -1,0 +1,23 @@
+# SPDX-FileCopyrightText: 2026 The Vela authors
+# SPDX-License-Identifier: MIT
+
+find_program(VELA_HELP2MAN help2man DOC "Makes the manual pages; without it there are none")
+find_program(VELA_GZIP gzip REQUIRED)
+
+# Makes and installs the manual page of PROGRAM from what its --help says; SUMMARY is its line in the index.
+function(vela_man_page program summary)
+  if(NOT VELA_HELP2MAN)
+    return()
+  endif()
+  set(page ${CMAKE_CURRENT_BINARY_DIR}/${program}.1)
+  add_custom_command(
+    OUTPUT ${page}.gz
+    COMMAND ${VELA_HELP2MAN} --no-info --name ${summary} --output ${page} $<TARGET_FILE:${program}>
+    COMMAND ${VELA_GZIP} -9nf ${page}
+    DEPENDS ${program}
+    COMMENT "Making the manual page of ${program}"
+    VERBATIM
+  )
+  add_custom_target(${program}_man_page ALL DEPENDS ${page}.gz)
+  install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT plugin)
+endfunction()
