@@ -9,10 +9,12 @@ function(vela_man_page program summary)
   if(NOT VELA_HELP2MAN)
     return()
   endif()
+  # Where the program was built for another machine, the emulator runs it.
+  string(JOIN " " run ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${program}>)
   set(page ${CMAKE_CURRENT_BINARY_DIR}/${program}.1)
   add_custom_command(
     OUTPUT ${page}.gz
-    COMMAND ${VELA_HELP2MAN} --no-info --name ${summary} --output ${page} $<TARGET_FILE:${program}>
+    COMMAND ${VELA_HELP2MAN} --no-info --name ${summary} --output ${page} ${run}
     COMMAND ${VELA_GZIP} -9nf ${page}
     DEPENDS ${program}
     COMMENT "Making the manual page of ${program}"
