@@ -41,17 +41,27 @@ install_packages() {
         >/dev/null || die "the packages cannot be installed"
 }
 
-# build PRESET [TARGET...]: configures once, then builds; quiet unless something fails.
+# build PRESET [TARGET...]: configures once, then builds. On a terminal it shows the progress in one line; elsewhere
+# it is quiet unless something fails.
 build() {
     local preset=$1 log
     shift
     say "Building ($preset)"
     log=$(mktemp)
-    if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+    if ! cmake --preset "$preset" >"$log" 2>&1 || ! build_targets "$preset" "$log" "$@"; then
         tail -n 60 "$log"
         rm -f "$log"
         die "the build of preset $preset has failed"
     fi
-    tail -n 1 "$log"
     rm -f "$log"
+}
+
+build_targets() { # PRESET LOG [TARGET...]
+    local preset=$1 log=$2
+    shift 2
+    if [[ -t 1 ]]; then
+        cmake --build --preset "$preset" ${1:+--target "$@"}
+    else
+        cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 && tail -n 1 "$log"
+    fi
 }
