@@ -277,8 +277,13 @@ int main(int argc, char **argv)
         qFatal("Cannot read %s.", qPrintable(file.fileName()));
     Player player(arguments.mid(2));
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+    bool plays = !file.fileName().endsWith(".md"); // in a document, only what is fenced as a transcript
     for (int i = 0; i < lines.size(); ++i) {
-        const QString difference = player.play(lines.at(i));
+        if (lines.at(i).startsWith("```")) {
+            plays = lines.at(i) == "```transcript";
+            continue;
+        }
+        const QString difference = plays ? player.play(lines.at(i)) : QString();
         if (difference.isEmpty())
             continue;
         qCritical("%s:%d: %s\nbut %s", qPrintable(file.fileName()), i + 1, qPrintable(lines.at(i)),
