@@ -4,7 +4,7 @@
 
 # Shared by demo, test and .ci/run: installing what is missing and building. Sourced, never run.
 
-build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev)
+build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libmicrohttpd-dev)
 
 say() { printf '\n== %s\n' "$*"; }
 

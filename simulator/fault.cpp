@@ -1,45 +1,76 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
+
 #include "fault.h"
 
-QJsonObject Fault::toJson() const
+namespace {
+
+constexpr std::chrono::hours untilLifted{24 * 365};
+
+void setStatus(FaultEffect &effect, const QJsonValue &value)
 {
-    QJsonObject json;
-    if (status != 0)
-        json.insert(QStringLiteral("status"), status);
-    if (delay.count() > 0)
-        json.insert(QStringLiteral("delayMs"), int(delay.count()));
-    if (garbage)
-        json.insert(QStringLiteral("garbage"), true);
-    if (silent)
-        json.insert(QStringLiteral("silent"), true);
-    return json;
+    effect.status = value.toInt();
 }
 
-void FaultGate::setFault(const Fault &fault)
+void setDelay(FaultEffect &effect, const QJsonValue &value)
 {
-    const std::lock_guard lock(m_mutex);
-    m_fault = fault;
-    m_changed.notify_all();
+    effect.hold = std::max(effect.hold, std::chrono::milliseconds(value.toInt()));
 }
 
-Fault FaultGate::fault() const
+void setGarbage(FaultEffect &effect, const QJsonValue & /*value*/)
 {
-    const std::lock_guard lock(m_mutex);
-    return m_fault;
+    effect.body = QByteArrayLiteral("\x1f<garbage \"values\": {[");
 }
 
-Fault FaultGate::pass()
+void setSilent(FaultEffect &effect, const QJsonValue & /*value*/)
 {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_isOpen || !m_fault.silent; });
-    m_changed.wait_for(lock, m_fault.delay, [this] { return m_isOpen || m_fault.delay.count() == 0; });
-    return m_fault;
+    effect.hold = untilLifted;
 }
 
-void FaultGate::open()
+// Control endpoint and page walk this table: a further fault is a row here and a line in README.md.
+constexpr struct
 {
-    const std::lock_guard lock(m_mutex);
-    m_isOpen = true;
-    m_changed.notify_all();
+    BodyMember member;
+    const char *label; // of the page's field
+    const char *says;
+    void (*apply)(FaultEffect &effect, const QJsonValue &value);
+} faultTable[] = {
+    {{"status", BodyMember::WholeNumber, 200, 599},           "Status",    "status %1",        &setStatus },
+    {{"delayMs", BodyMember::WholeNumber, 0, 10 * 60 * 1000}, "Delay, ms", "a delay of %1 ms", &setDelay  },
+    {{"garbage", BodyMember::Flag},                           "Garbage",   "garbage",          &setGarbage},
+    {{"silent", BodyMember::Flag},                            "No answer", "no answer",        &setSilent },
+};
+
+} // namespace
+
+std::vector<BodyMember> faultMembers()
+{
+    std::vector<BodyMember> members;
+    for (const auto &fault : faultTable)
+        members.push_back(fault.member);
+    return members;
+}
+
+FaultEffect effectOf(const QJsonObject &faults)
+{
+    FaultEffect effect;
+    for (const auto &fault : faultTable) {
+        if (faults.contains(QLatin1String(fault.member.name)))
+            fault.apply(effect, faults.value(QLatin1String(fault.member.name)));
+    }
+    return effect;
+}
+
+QJsonArray describeFaults()
+{
+    QJsonArray faults;
+    for (const auto &[member, label, says, apply] : faultTable)
+        faults.append(QJsonObject{
+            {QStringLiteral("name"),  QLatin1String(member.name)},
+            {QStringLiteral("label"), QLatin1String(label)      },
+            {QStringLiteral("says"),  QLatin1String(says)       },
+            {QStringLiteral("least"), member.least              },
+            {QStringLiteral("most"),  member.most               }
+        });
+    return faults;
 }

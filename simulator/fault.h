@@ -1,45 +1,31 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
+
 #ifndef FAULT_H
 #define FAULT_H
 
-#include <QJsonObject>
+#include "bodymembers.h"
+
+#include <QByteArray>
+#include <QJsonArray>
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <optional>
 
-/*! How the backend misbehaves. Everything may be combined; nothing set means that it behaves. */
-struct Fault
+/*! What becomes of a request. With a status or a body set, this is the answer and nothing else is done. */
+struct FaultEffect
 {
-    int status = 0;                     //!< answers with this HTTP status and does nothing; 0: off
-    std::chrono::milliseconds delay{0}; //!< waits this long before it looks at a request
-    bool garbage = false;               //!< answers with bytes that are no JSON and does nothing
-    bool silent = false;                //!< looks at no request until this is over
-
-    /*! Only what is set: {"status", "delayMs", "garbage", "silent"}. */
-    QJsonObject toJson() const;
+    std::chrono::milliseconds hold{0}; //!< from the arrival on, until the request is looked at
+    std::optional<int> status;
+    std::optional<QByteArray> body;
 };
 
-/*! Where every request to the backend waits out a silence or a delay. Safe to call from any thread. */
-class FaultGate
-{
-public:
-    /*! Takes the place of the fault before. Requests that a silence or a delay held back go on once that is
-     *  over. */
-    void setFault(const Fault &fault);
-    Fault fault() const;
-
-    /*! Holds the caller back for as long as the fault says. Returns the fault that it then meets. */
-    Fault pass();
-    /*! Holds nobody back any more: the program ends. */
-    void open();
-
-private:
-    mutable std::mutex m_mutex; // guards all that follows
-    std::condition_variable m_changed;
-    Fault m_fault;
-    bool m_isOpen = false;
-};
+/*! How the control endpoint sets the faults: a member for each. */
+std::vector<BodyMember> faultMembers();
+/*! What \a faults do together; each member is a fault that is on. */
+FaultEffect effectOf(const QJsonObject &faults);
+/*! The faults that there are: {"name", "label", "says", "least", "most"}. Those take a number from "least" to
+    "most"; with a "most" of 0 they take true. "says" is how a fault is reported, %1 being the number. */
+QJsonArray describeFaults();
 
 #endif // FAULT_H

@@ -1,246 +1,230 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
+
 #include "httpserver.h"
 
-#include "socketstream.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 
-#include <atomic>
-#include <cstdio>
-#include <list>
-#include <system_error>
-#include <thread>
-
-#include <sys/socket.h>
+#include <netdb.h>
 #include <unistd.h>
 
+using namespace std::chrono_literals;
+
 namespace {
-constexpr time_t keepAliveSeconds = 60; // far more than the two seconds between polls
-constexpr size_t keepAliveRequests = 1000000000;
-constexpr size_t largestBody = 1 << 20;                // bytes, unpacked
-constexpr size_t largestRequest = 2 << 20;             // bytes on the wire, the head and all framing included
-constexpr std::chrono::milliseconds streamPeriod{500}; // a change on a page seems to come at once
 
-// Whether the request that this thread answers has been read to its end. If not, the connection ends with the
-// answer: a foreign page could have hidden a request of its own in the body, behind the check of its origin.
-thread_local bool requestIsRead = false;
+constexpr unsigned mostConnections = 500; // half of the descriptors that a process usually has
+constexpr unsigned idleSeconds = 60;      // far more than the two seconds between polls
+constexpr size_t largestBody = 1 << 20;   // bytes
+constexpr size_t mostBytesRead = 2 << 20; // of a body that has not announced its length
+constexpr size_t streamBlock = 4096;      // bytes
+constexpr auto retryPeriod = 20ms;        // for requests that are held back and streams that wait
+constexpr auto idleCheckPeriod = 1s;
 
-/*! A thread for each connection. Those that are done are collected when the next one comes. A task for which
-    there is no thread runs at once, in the accepting thread. */
-class ConnectionThreads : public httplib::TaskQueue
+QByteArray header(MHD_Connection *connection, const char *name)
 {
-public:
-    void enqueue(std::function<void()> task) override
-    {
-        collect(false);
-        Connection &connection = m_connections.emplace_back();
-        try {
-            connection.thread = std::thread([task, &connection] {
-                task();
-                connection.isDone = true;
-            });
-        } catch (const std::system_error &error) {
-            m_connections.pop_back();
-            std::fprintf(stderr, "vela-simulator: connection refused, no thread for it: %s\n", error.what());
-            task();
-        }
-    }
-    void shutdown() override { collect(true); }
+    return MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
+}
 
-private:
-    struct Connection
-    {
-        std::thread thread;
-        std::atomic_bool isDone = false;
-    };
-
-    void collect(bool all)
-    {
-        m_connections.remove_if([all](Connection &connection) {
-            const bool isOver = all || connection.isDone;
-            if (isOver)
-                connection.thread.join();
-            return isOver;
-        });
-    }
-
-    std::list<Connection> m_connections; // the accepting thread's alone
-};
-
-void allowQuickRestart(socket_t socket)
+// A listening socket; or -1, with the reason in errno, which the library would lose.
+int listenOn(const addrinfo &address)
 {
-    // The library would share the port with whoever else listens there (SO_REUSEPORT).
     const int on = 1;
-    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    const int listener = ::socket(address.ai_family, address.ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    ::setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    if (::bind(listener, address.ai_addr, address.ai_addrlen) == 0 && ::listen(listener, SOMAXCONN) == 0)
+        return listener;
+    const int error = errno;
+    ::close(listener);
+    errno = error;
+    return -1;
 }
 
-bool announcesBody(const httplib::Request &request)
+void deleteRequest(void * /*server*/, MHD_Connection * /*connection*/, void **request,
+                   MHD_RequestTerminationCode /*reason*/)
 {
-    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+    delete static_cast<HttpRequest *>(*request);
 }
 
-void setBody(httplib::Response &response, const Reply &reply)
+HttpReply tooLarge()
 {
-    response.status = reply.status;
-    if (reply.status == 204 || reply.status == 304)
-        return; // may have no body, which would pass for the start of the next reply
-    response.set_content(reply.body.constData(), size_t(reply.body.size()), reply.contentType);
+    return refusal(413, QStringLiteral("the body is larger than 1 MB"));
 }
 
-void explainRefusal(const httplib::Request & /*request*/, httplib::Response &response)
-{
-    if (!response.body.empty())
-        return;
-    // The library's own, or that of a body that was not read.
-    setBody(response,
-            refusal(response.status,
-                    response.status == 413 ? QStringLiteral("the body is larger than 1 MB")
-                                           : QStringLiteral("malformed request")));
-}
 } // namespace
 
-HttpServer::HttpServer(Answer answer)
-    : m_answer(std::move(answer))
+struct HttpServer::Stream
 {
-    set_tcp_nodelay(true);
-    set_socket_options(&allowQuickRestart);
-    set_keep_alive_max_count(keepAliveRequests);
-    set_keep_alive_timeout(keepAliveSeconds);
-    set_payload_max_length(largestBody);
-    set_default_headers({
-        {"Cache-Control",                "no-store"   },
-        {"Cross-Origin-Resource-Policy", "same-origin"},
-        {"X-Content-Type-Options",       "nosniff"    },
-        {"X-Frame-Options",              "DENY"       }
-    });
-    set_error_handler(Handler(&explainRefusal));
-    // A request that announces no body has none; the library would wait for one.
-    set_pre_routing_handler([this](const httplib::Request &request, httplib::Response &response) {
-        if (announcesBody(request))
-            return HandlerResponse::Unhandled;
-        requestIsRead = true;
-        respond(request, response);
-        return HandlerResponse::Handled;
-    });
-    const Handler handler = [this](const httplib::Request &request, httplib::Response &response) {
-        respond(request, response);
-    };
-    const char anyPath[] = R"([\s\S]*)";
-    const HandlerWithContentReader bodyHandler =
-        [this](const httplib::Request &request, httplib::Response &response,
-               const httplib::ContentReader &readBody) { readAndRespond(request, response, readBody); };
-    Get(anyPath, handler).Options(anyPath, handler);
-    Post(anyPath, bodyHandler).Put(anyPath, bodyHandler);
-    Patch(anyPath, bodyHandler).Delete(anyPath, bodyHandler);
+    HttpServer *server;
+    MHD_Connection *connection;
+    std::function<QByteArray()> next;
+    QByteArray chunk = {};
+    int written = 0; // bytes of the chunk
+};
+
+HttpServer::HttpServer(const Answer &answer)
+    : m_answer(answer)
+{
+    m_timer.callOnTimeout(this, &HttpServer::resume);
 }
 
-int HttpServer::bind(const std::string &address, int port)
+HttpServer::~HttpServer()
 {
-    errno = 0;
-    if (port == 0)
-        return bind_to_any_port(address);
-    return bind_to_port(address, port) ? port : -1;
+    m_notifier.reset(); // its descriptor is the daemon's
+    for (const auto &[connection, request] : m_suspended)
+        MHD_resume_connection(connection); // the daemon must not be stopped before
+    if (m_daemon)
+        MHD_stop_daemon(m_daemon);
 }
 
-bool HttpServer::serve(std::function<void()> ready)
+QString HttpServer::listen(const QString &address, int port)
 {
-    // The library asks for its task queue once it can be stopped; stopped earlier, it would not notice.
-    new_task_queue = [this, ready = std::move(ready)] {
-        m_acceptingThread = std::this_thread::get_id();
-        ready();
-        return new ConnectionThreads; // the library's
-    };
-    // The library lets five clients queue up; the sixth of a burst would try again after a second.
-    ::listen(svr_sock_, SOMAXCONN);
-    return listen_after_bind();
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *found = nullptr;
+    if (::getaddrinfo(qPrintable(address), qPrintable(QString::number(port)), &hints, &found) != 0)
+        return QStringLiteral("no such address");
+    int listener = -1;
+    for (const addrinfo *candidate = found; candidate && listener < 0; candidate = candidate->ai_next)
+        listener = listenOn(*candidate);
+    const int error = errno;
+    ::freeaddrinfo(found);
+    if (listener < 0)
+        return QString::fromLocal8Bit(std::strerror(error));
+    // The daemon owns the socket from here on.
+    m_daemon = MHD_start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr, nullptr, &receive, this,
+                                MHD_OPTION_LISTEN_SOCKET, listener, MHD_OPTION_NOTIFY_COMPLETED,
+                                &deleteRequest, nullptr, MHD_OPTION_CONNECTION_LIMIT, mostConnections,
+                                MHD_OPTION_CONNECTION_TIMEOUT, idleSeconds, MHD_OPTION_END);
+    if (!m_daemon)
+        return QStringLiteral("the HTTP library does not start");
+    const int epoll = MHD_get_daemon_info(m_daemon, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
+    m_notifier = std::make_unique<QSocketNotifier>(epoll, QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &HttpServer::run);
+    m_timer.start(idleCheckPeriod);
+    return {};
 }
 
-void HttpServer::end()
+int HttpServer::port() const
 {
-    stop();
-    const std::lock_guard lock(m_mutex);
-    m_isEnding = true;
-    m_ending.notify_all();
-    for (const socket_t socket : m_connections)
-        ::shutdown(socket, SHUT_RDWR); // its thread wakes up and closes it
+    return MHD_get_daemon_info(m_daemon, MHD_DAEMON_INFO_BIND_PORT)->port;
 }
 
-void HttpServer::respond(const httplib::Request &request, httplib::Response &response)
+// Called with the head of a request, with each part of its body, and then until there is a reply.
+MHD_Result HttpServer::receive(void *server, MHD_Connection *connection, const char *url, const char *method,
+                               const char * /*version*/, const char *data, size_t *size, void **state)
 {
-    const Reply reply = m_answer(request);
-    response.set_header("Content-Security-Policy",
-                        reply.policy.isEmpty() ? "default-src 'none'" : reply.policy.toStdString());
-    if (reply.next)
-        setStream(response, reply);
-    else
-        setBody(response, reply);
-}
-
-// The library limits only the lengths that a head announces, neither chunked nor compressed bodies.
-void HttpServer::readAndRespond(const httplib::Request &request, httplib::Response &response,
-                                const httplib::ContentReader &readBody)
-{
-    httplib::Request complete = request;
-    bool isTooLarge = false;
-    if (request.is_multipart_form_data()) { // the library hands these out in another way
-        setBody(response, refusal(415, QStringLiteral("the body is no JSON")));
-        return;
+    auto *self = static_cast<HttpServer *>(server);
+    auto *request = static_cast<HttpRequest *>(*state);
+    if (!request) {
+        request = new HttpRequest; // deleteRequest() ends it
+        *state = request;
+        request->method = method;
+        request->path = QString::fromUtf8(url);
+        return self->receiveHead(connection, *request);
     }
-    const bool isRead = readBody([&complete, &isTooLarge](const char *data, size_t size) {
-        isTooLarge = isTooLarge || complete.body.size() + size > largestBody;
-        if (!isTooLarge)
-            complete.body.append(data, size);
-        return true; // the rest is read as well, so that the next request is found behind it
-    });
-    requestIsRead = isRead;
-    if (isTooLarge)
-        response.status = 413;
-    else if (isRead)
-        respond(complete, response);
+    if (*size == 0)
+        return self->answer(connection, *request);
+    request->bodySize += *size;
+    if (request->bodySize <= largestBody)
+        request->body.append(data, int(*size));
+    *size = 0;
+    return request->bodySize <= mostBytesRead ? MHD_YES : MHD_NO; // which ends the connection
 }
 
-void HttpServer::setStream(httplib::Response &response, const Reply &reply)
+// A refusal at this point ends the connection, so that the body cannot pass for the next request.
+MHD_Result HttpServer::receiveHead(MHD_Connection *connection, HttpRequest &request)
 {
-    response.status = reply.status;
-    const auto provider = [this, next = reply.next](size_t /*offset*/, httplib::DataSink &sink) {
-        const QByteArray chunk = next();
-        return sink.write(chunk.constData(), size_t(chunk.size())) && sleep(streamPeriod);
+    if (header(connection, "Content-Length").toULongLong() > largestBody)
+        return send(connection, tooLarge());
+    if (header(connection, "Content-Type").startsWith("multipart/form-data"))
+        return send(connection, refusal(415, QStringLiteral("the body is no JSON")));
+    request.host = header(connection, "Host");
+    request.origin = header(connection, "Origin");
+    request.authorization = header(connection, "Authorization");
+    return MHD_YES;
+}
+
+MHD_Result HttpServer::answer(MHD_Connection *connection, HttpRequest &request)
+{
+    if (request.bodySize > largestBody)
+        return send(connection, tooLarge());
+    if (!request.age.isValid())
+        request.age.start();
+    if (const std::optional<HttpReply> reply = m_answer(request))
+        return send(connection, *reply);
+    suspend(connection, &request);
+    return MHD_YES;
+}
+
+MHD_Result HttpServer::send(MHD_Connection *connection, const HttpReply &reply)
+{
+    MHD_Response *response = reply.next
+        ? MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, streamBlock, &readStream,
+                                            new Stream{this, connection, reply.next},
+                                            [](void *stream) { delete static_cast<Stream *>(stream); })
+        : MHD_create_response_from_buffer(size_t(reply.body.size()),
+                                          const_cast<char *>(reply.body.constData()), MHD_RESPMEM_MUST_COPY);
+    const std::pair<const char *, const char *> headers[] = {
+        {"Content-Type",                 reply.contentType},
+        {"Content-Security-Policy",      reply.policy     },
+        {"Cache-Control",                "no-store"       },
+        {"Cross-Origin-Resource-Policy", "same-origin"    },
+        {"X-Content-Type-Options",       "nosniff"        },
+        {"X-Frame-Options",              "DENY"           },
     };
-    response.set_chunked_content_provider(reply.contentType, provider);
+    for (const auto &[name, value] : headers)
+        MHD_add_response_header(response, name, value);
+    const MHD_Result result = MHD_queue_response(connection, unsigned(reply.status), response);
+    MHD_destroy_response(response); // once it has been sent
+    return result;
 }
 
-// False if the end has come meanwhile.
-bool HttpServer::sleep(std::chrono::milliseconds duration)
+ssize_t HttpServer::readStream(void *stream, uint64_t /*position*/, char *buffer, size_t size)
 {
-    std::unique_lock lock(m_mutex);
-    return !m_ending.wait_for(lock, duration, [this] { return m_isEnding; });
-}
-
-// The library's seam for other kinds of connections; its own would be out of our reach when the end comes.
-bool HttpServer::process_and_close_socket(socket_t socket)
-{
-    // In the accepting thread the connection would hold up all others.
-    bool isAlive = enter(socket) && std::this_thread::get_id() != m_acceptingThread;
-    SocketStream stream(socket, largestRequest);
-    while (isAlive && stream.waitForRequest(std::chrono::seconds(keep_alive_timeout_sec_))) {
-        bool isClosed = false;
-        requestIsRead = false;
-        isAlive = process_request(stream, false, isClosed, nullptr) && !isClosed && requestIsRead;
+    auto &[server, connection, next, chunk, written] = *static_cast<Stream *>(stream);
+    if (written == chunk.size()) {
+        chunk = next();
+        written = 0;
     }
-    leave(socket);
-    return isAlive;
+    if (chunk.isEmpty())
+        server->suspend(connection, nullptr);
+    const int length = std::min(int(size), chunk.size() - written);
+    std::copy_n(chunk.constData() + written, length, buffer);
+    written += length;
+    return length;
 }
 
-bool HttpServer::enter(socket_t socket)
+void HttpServer::suspend(MHD_Connection *connection, HttpRequest *request)
 {
-    const std::lock_guard lock(m_mutex);
-    m_connections.insert(socket);
-    return !m_isEnding;
+    MHD_suspend_connection(connection);
+    m_suspended[connection] = request;
+    if (m_timer.intervalAsDuration() != retryPeriod)
+        m_timer.start(retryPeriod);
 }
 
-void HttpServer::leave(socket_t socket)
+void HttpServer::resume()
 {
-    const std::lock_guard lock(m_mutex); // until it is closed, else end() could hit its number's next owner
-    m_connections.erase(socket);
-    ::shutdown(socket, SHUT_RDWR);
-    ::close(socket);
+    for (const auto &[connection, request] : std::exchange(m_suspended, {})) {
+        const std::optional<HttpReply> reply = request ? m_answer(*request) : std::nullopt;
+        if (request && !reply) {
+            m_suspended[connection] = request;
+            continue;
+        }
+        if (reply)
+            send(connection, *reply);
+        MHD_resume_connection(connection);
+    }
+    run();
+    if (m_suspended.empty() && m_timer.intervalAsDuration() != idleCheckPeriod)
+        m_timer.start(idleCheckPeriod);
+}
+
+void HttpServer::run()
+{
+    MHD_run(m_daemon);
+    MHD_UNSIGNED_LONG_LONG timeout = 0;
+    if (MHD_get_timeout(m_daemon, &timeout) == MHD_YES && timeout == 0)
+        QTimer::singleShot(0, this, &HttpServer::run); // there is more that has been received
 }

@@ -1,53 +1,57 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
+
 #ifndef HTTPSERVER_H
 #define HTTPSERVER_H
 
-#include "reply.h"
+#include "httpmessages.h"
 
-#include <httplib.h>
+#include <QSocketNotifier>
+#include <QTimer>
 
-#include <chrono>
-#include <condition_variable>
-#include <functional>
-#include <mutex>
-#include <set>
-#include <thread>
+#include <microhttpd.h>
 
-/*! httplib's server, with a thread for each connection, so that no request holds up another, and with an end
- *  that does not wait for clients: connections are cut, whether they are idle or in the middle of a request.
- *  A connection for which there is no thread is closed at once. */
-class HttpServer : private httplib::Server
+#include <map>
+#include <memory>
+#include <optional>
+
+/*! libmicrohttpd in Qt's event loop: one thread for all connections. Deleting the server ends them, whatever
+    they are doing. It serves 500 connections; further ones wait until one of these has ended. */
+class HttpServer : public QObject
 {
 public:
-    /*! Called from many threads at once. */
-    using Answer = std::function<Reply(const httplib::Request &)>;
-    explicit HttpServer(Answer answer);
+    /*! Returns the reply to a request; or nothing, and is asked again a moment later. */
+    using Answer = std::function<std::optional<HttpReply>(HttpRequest &request)>;
+    explicit HttpServer(const Answer &answer);
+    ~HttpServer() override;
+    Q_DISABLE_COPY(HttpServer)
 
-    /*! Returns the port, which was free to choose if \a port is 0; or -1, with the reason in errno where it
-     * is not 0. From here on clients can connect. */
-    int bind(const std::string &address, int port);
-    /*! Serves until end(). \a ready is called once when that may be called. False if the listening failed. */
-    bool serve(std::function<void()> ready);
-    /*! Callable from any thread. Answers still in the making are lost. */
-    void end();
+    /*! Clients can connect from here on. \a port 0 takes one that is free. Returns why it is not possible;
+        empty on success. */
+    QString listen(const QString &address, int port);
+    int port() const;
 
 private:
-    void respond(const httplib::Request &request, httplib::Response &response);
-    void readAndRespond(const httplib::Request &request, httplib::Response &response,
-                        const httplib::ContentReader &readBody);
-    void setStream(httplib::Response &response, const Reply &reply);
-    bool sleep(std::chrono::milliseconds duration);
-    bool process_and_close_socket(socket_t socket) override;
-    bool enter(socket_t socket);
-    void leave(socket_t socket);
+    struct Stream;
+
+    static MHD_Result receive(void *server, MHD_Connection *connection, const char *url, const char *method,
+                              const char *version, const char *data, size_t *size, void **request);
+    static ssize_t readStream(void *stream, uint64_t position, char *buffer, size_t size);
+
+    MHD_Result receiveHead(MHD_Connection *connection, HttpRequest &request);
+    MHD_Result answer(MHD_Connection *connection, HttpRequest &request);
+    MHD_Result send(MHD_Connection *connection, const HttpReply &reply);
+    void suspend(MHD_Connection *connection, HttpRequest *request);
+    void resume();
+    void run();
 
     Answer m_answer;
-    std::thread::id m_acceptingThread;
-    std::mutex m_mutex; // guards all that follows
-    std::set<socket_t> m_connections;
-    std::condition_variable m_ending;
-    bool m_isEnding = false;
+    MHD_Daemon *m_daemon = nullptr; // owned by this object; runs from listen() on
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    QTimer m_timer;
+    /*! Connections that wait: with a request that has no reply yet, or a stream (null) that has nothing to
+        send. The daemon owns them, and does not notice meanwhile if a client goes. */
+    std::map<MHD_Connection *, HttpRequest *> m_suspended;
 };
 
 #endif // HTTPSERVER_H

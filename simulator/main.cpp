@@ -1,37 +1,57 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
-#include "backendapi.h"
-#include "controlapi.h"
-#include "fault.h"
-#include "hostname.h"
-#include "httpserver.h"
-#include "options.h"
-#include "page.h"
+
+#include "commandline.h"
+#include "endpoints.h"
+#include "endsignals.h"
 #include "printable.h"
-#include "requestlog.h"
 #include "standardstreams.h"
-#include "yard.h"
 
 #include <QCoreApplication>
+#include <QHostAddress>
 
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
-#include <thread>
-
-#include <unistd.h>
 
 namespace {
-// Blocked in every thread and waited for in one, so that the end needs no signal handler.
-sigset_t blockEndSignals()
+
+constexpr char description[] =
+    "Plays the backend of a charging yard: a group of wallboxes and the cars at them.\n"
+    "\n"
+    "From the start a three-phase 16 A car charges at EVSE-01, a one-phase 32 A car at EVSE-02,\n"
+    "a three-phase car at EVSE-03 is full (SuspendedEV), EVSE-04 is free; and so on from EVSE-05.\n"
+    "Without a limit a car gets what its wallbox and itself can take. A limit holds until the next.\n"
+    "Cars and faults are handled under URL/control/, beginning with: curl URL/control/state";
+
+// What the command line asks for.
+struct SimulatorOptions
 {
-    sigset_t endSignals;
-    sigemptyset(&endSignals);
-    sigaddset(&endSignals, SIGINT);
-    sigaddset(&endSignals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
-    return endSignals;
+    Simulation simulation; // at the start
+    int port = 0;          // 0: any that is free
+};
+
+SimulatorOptions readOptions()
+{
+    CommandLine line(description,
+                     {
+                         {"port",      "Listen on this port (8080); 0 picks a free one.", "port",    "8080"     },
+                         {"listen",    "Listen on this address (127.0.0.1).",             "address", "127.0.0.1"},
+                         {"group",     "The group's id (yard).",                          "id",      "yard"     },
+                         {"secret",    "The group's secret (s3cret).",                    "secret",  "s3cret"   },
+                         {"wallboxes", "Start with this many wallboxes (4).",             "N",       "4"        },
+                         {"speed",     "Let time pass this much faster (1); 0 stops it.", "factor",  "1"        },
+    });
+    line.read(QCoreApplication::arguments());
+    SimulatorOptions options;
+    Simulation &simulation = options.simulation;
+    simulation.listenAddress = line.text("listen");
+    simulation.group = line.text("group");
+    simulation.secret = line.text("secret");
+    simulation.speed = line.number("speed", 0, fastestSpeed);
+    simulation.addFirstWallboxes(line.wholeNumber("wallboxes", 0, 1000));
+    options.port = line.wholeNumber("port", 0, 65535);
+    if (simulation.listenAddress.isEmpty())
+        endWithUsageError(QStringLiteral("--listen takes an address, as 127.0.0.1 or 0.0.0.0"));
+    return options;
 }
 
 // One line that does not steer the terminal, whatever the user has entered.
@@ -47,66 +67,42 @@ void printUrl(const QString &address, int port)
     print(stdout, QStringLiteral("http://%1:%2").arg(host, QString::number(port)));
 }
 
-int failToListen(const Options &options, int error)
+std::optional<HttpReply> answer(Simulation &simulation, HttpRequest &request)
 {
-    print(stderr,
-          QStringLiteral("vela-simulator: cannot listen on %1, port %2: %3")
-              .arg(options.listenAddress, QString::number(options.port),
-                   QString::fromLocal8Bit(error != 0 ? std::strerror(error) : "no such address")));
-    return 1;
+    if (request.path.startsWith(QLatin1String("/control/")))
+        return answerControl(simulation, request);
+    const std::optional<HttpReply> file = request.method == "GET" ? pageFile(request.path) : std::nullopt;
+    return file ? file : answerBackend(simulation, request);
 }
 
-// Returns once one of the signals has arrived and all connections have ended, or the listening has failed.
-bool serveUntil(const sigset_t &endSignals, HttpServer &server, FaultGate &gate, const QString &address,
-                int port)
-{
-    std::thread watch;
-    const bool served = server.serve([&endSignals, &server, &gate, &watch, &address, port] {
-        watch = std::thread([&endSignals, &server, &gate] {
-            int signal = 0;
-            sigwait(&endSignals, &signal);
-            server.end();
-            gate.open();
-        });
-        printUrl(address, port);
-    });
-    if (!watch.joinable())
-        return false;
-    if (!served)
-        ::kill(::getpid(), SIGTERM);
-    watch.join();
-    return served;
-}
 } // namespace
 
 int main(int argc, char *argv[])
 {
     openStandardStreams();
-    const sigset_t endSignals = blockEndSignals();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vela-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));
-    const Options options = readOptions(QCoreApplication::arguments());
+    auto [simulation, port] = readOptions();
+    const EndSignals endSignals;
+    QObject::connect(&endSignals, &EndSignals::received, &application, &QCoreApplication::quit);
 
-    Yard yard(options.yard);
-    FaultGate gate;
-    RequestLog log;
-    const BackendApi backend(yard, gate, log, options.listenAddress);
-    const ControlApi control(yard, gate, log, options.listenAddress);
-    const Reply page = pageReply();
-    HttpServer server([&backend, &control, &page](const httplib::Request &request) {
-        if (ControlApi::isControlPath(request.path))
-            return control.answer(request);
-        return request.method == "GET" && request.path == "/" ? page : backend.answer(request);
-    });
-    const int port = server.bind(options.listenAddress.toStdString(), options.port);
-    if (port < 0)
-        return failToListen(options, errno);
-    if (!isLoopback(options.listenAddress.toStdString()))
+    HttpServer server(
+        [&simulation = simulation](HttpRequest &request) { return answer(simulation, request); });
+    const QString &address = simulation.listenAddress;
+    const QString error = server.listen(address, port);
+    if (!error.isEmpty()) {
+        print(stderr,
+              QStringLiteral("vela-simulator: cannot listen on %1, port %2: %3")
+                  .arg(address, QString::number(port), error));
+        return Failed;
+    }
+    if (!QHostAddress(address).isLoopback() && address != QLatin1String("localhost"))
         print(stderr,
               QStringLiteral(
                   "vela-simulator: warning: with --listen %1, anyone who can reach this machine can control "
                   "the yard")
-                  .arg(options.listenAddress));
-    return serveUntil(endSignals, server, gate, options.listenAddress, port) ? 0 : 1;
+                  .arg(address));
+    printUrl(address, server.port());
+    return QCoreApplication::exec();
 }

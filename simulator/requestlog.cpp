@@ -1,14 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
+
 #include "requestlog.h"
 
-#include "yard.h"
-
+#include <QDateTime>
 #include <QJsonDocument>
 
-#include <algorithm>
-
 namespace {
+
 constexpr std::size_t requestsKept = 200;
 constexpr int largestBodyKept = 64 * 1024; // bytes; two hundred large ones must not fill the memory
 
@@ -41,51 +40,41 @@ QJsonValue masked(const QByteArray &body)
         return QStringLiteral("%1 bytes").arg(body.size());
     return withoutSecrets(document.object());
 }
+
 } // namespace
 
-int RequestLog::begin(const QString &operation, const QString &path, const QByteArray &body)
+void RequestLog::begin(const QString &operation, HttpRequest &request)
 {
+    request.number = ++m_count;
     const QJsonObject record{
-        {QStringLiteral("time"),       utcNow()    },
-        {QStringLiteral("operation"),  operation   },
-        {QStringLiteral("path"),       path        },
-        {QStringLiteral("request"),    masked(body)},
-        {QStringLiteral("status"),     QJsonValue()},
-        {QStringLiteral("durationMs"), QJsonValue()},
-        {QStringLiteral("reply"),      QJsonValue()}
+        {QStringLiteral("number"),     m_count             },
+        {QStringLiteral("time"),       utcNow()            },
+        {QStringLiteral("operation"),  operation           },
+        {QStringLiteral("path"),       request.path        },
+        {QStringLiteral("request"),    masked(request.body)},
+        {QStringLiteral("status"),     QJsonValue()        },
+        {QStringLiteral("durationMs"), QJsonValue()        },
+        {QStringLiteral("reply"),      QJsonValue()        }
     };
-    const std::lock_guard lock(m_mutex);
-    m_entries.push_back({++m_count, {}, ++m_changeCount, record});
-    m_entries.back().record.insert(QStringLiteral("number"), m_count);
-    m_entries.back().age.start();
+    m_entries.push_back({++m_changeCount, record});
     if (m_entries.size() > requestsKept)
         m_entries.pop_front();
-    return m_count;
 }
 
-void RequestLog::end(int number, const Reply &reply)
+void RequestLog::end(const HttpRequest &request, const HttpReply &reply)
 {
-    const QJsonValue body = masked(reply.body);
-    const std::lock_guard lock(m_mutex);
-    const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
-                                    [number](const Entry &entry) { return entry.number == number; });
-    if (entry == m_entries.end())
+    const auto later = std::size_t(m_count - request.number);
+    if (later >= m_entries.size())
         return; // it waited for so long that it has dropped out
-    entry->change = ++m_changeCount;
-    entry->record.insert(QStringLiteral("status"), reply.status);
-    entry->record.insert(QStringLiteral("durationMs"), double(entry->age.nsecsElapsed()) / 1e6);
-    entry->record.insert(QStringLiteral("reply"), body);
-}
-
-QJsonArray RequestLog::requests() const
-{
-    int seen = 0;
-    return changes(seen);
+    Entry &entry = m_entries[m_entries.size() - 1 - later];
+    entry.change = ++m_changeCount;
+    entry.record.insert(QStringLiteral("status"), reply.status);
+    entry.record.insert(QStringLiteral("durationMs"), double(request.age.nsecsElapsed()) / 1e6);
+    entry.record.insert(QStringLiteral("reply"), masked(reply.body));
 }
 
 QJsonArray RequestLog::changes(int &seen) const
 {
-    const std::lock_guard lock(m_mutex);
     QJsonArray changes;
     for (const Entry &entry : m_entries) {
         if (entry.change > seen)
@@ -95,8 +84,7 @@ QJsonArray RequestLog::changes(int &seen) const
     return changes;
 }
 
-int RequestLog::count() const
+QString utcNow()
 {
-    const std::lock_guard lock(m_mutex);
-    return m_count;
+    return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
 }

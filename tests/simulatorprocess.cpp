@@ -4,56 +4,61 @@
 #include "simulatorprocess.h"
 
 #include "json.h"
+#include "waiting.h"
 
-#include <QJsonArray>
-#include <QSignalSpy>
 #include <QTest>
-
-namespace {
-constexpr int patience = 60000; // ms, far above what anything here takes
-}
-
-QJsonObject SimulatorProcess::Answer::json() const
-{
-    return ::json(body);
-}
 
 SimulatorProcess::SimulatorProcess(const QStringList &options)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(VELA_SIMULATOR, QStringList{"--port=0"} + options); // the last word on the port is theirs
-    while (!m_process.canReadLine() && m_process.waitForReadyRead(patience))
-        continue;
-    m_url = QUrl(QString::fromUtf8(m_process.readLine().trimmed()));
+    if (waitFor([this] { return m_process.canReadLine() || m_process.state() == QProcess::NotRunning; }))
+        m_url = QUrl(QString::fromUtf8(m_process.readLine().trimmed()));
 }
 
 SimulatorProcess::~SimulatorProcess()
 {
     m_process.terminate();
-    if (!m_process.waitForFinished(patience) && m_process.state() != QProcess::NotRunning)
-        m_process.kill(); // it ends at once, whatever hangs on it
+    if (!m_process.waitForFinished(60000) && m_process.state() != QProcess::NotRunning)
+        m_process.kill();
     if (m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
         QTest::qFail("the simulator did not end well", __FILE__, __LINE__); // sanitizers speak last
 }
 
-QNetworkReply *SimulatorProcess::start(const QByteArray &method, const QString &path, const QByteArray &body,
-                                       const QList<QNetworkReply::RawHeaderPair> &headers)
+QNetworkReply *SimulatorProcess::start(const QString &path, const QByteArray &body)
 {
     QNetworkRequest request(m_url.resolved(QUrl(path)));
     request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
-    for (const auto &[name, value] : headers)
-        request.setRawHeader(name, value);
-    return m_manager.sendCustomRequest(request, method, body);
+    request.setRawHeader("Authorization", "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f");
+    return body.isEmpty() ? m_manager.get(request) : m_manager.post(request, body);
 }
 
-SimulatorProcess::Answer SimulatorProcess::finish(QNetworkReply *reply)
+QByteArray SimulatorProcess::ask(const QString &path, const QByteArray &body)
 {
-    if (!reply->isFinished() && !QSignalSpy(reply, &QNetworkReply::finished).wait(patience))
-        return {};
-    return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll()};
+    QNetworkReply *reply = start(path, body);
+    if (!waitFor([reply] { return reply->isFinished(); }) || reply->error() != QNetworkReply::NoError)
+        QTest::qFail(qPrintable(path + ": " + reply->errorString()), __FILE__, __LINE__);
+    return reply->readAll();
 }
 
-QJsonValue SimulatorProcess::wallbox(int index)
+QJsonObject SimulatorProcess::state()
 {
-    return state().value("wallboxes").toArray().at(index);
+    return json(ask("/control/state"));
+}
+
+std::unique_ptr<QTcpSocket> SimulatorProcess::connection() const
+{
+    auto socket = std::make_unique<QTcpSocket>();
+    socket->connectToHost(m_url.host(), quint16(m_url.port()));
+    [[maybe_unused]] const bool connected = socket->waitForConnected(); // else nothing will come back
+    return socket;
+}
+
+QByteArray exchange(QTcpSocket &socket, const QByteArray &text, const QByteArray &end)
+{
+    socket.write(text);
+    QByteArray received;
+    const auto read = [&] { return (received += socket.readAll()).contains(end); };
+    const bool done = waitFor([&] { return read() || socket.state() == QAbstractSocket::UnconnectedState; });
+    return done ? received : "nothing more in time after: " + received;
 }

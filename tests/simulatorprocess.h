@@ -4,48 +4,48 @@
 #ifndef SIMULATORPROCESS_H
 #define SIMULATORPROCESS_H
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QProcess>
+#include <QTcpSocket>
 #include <QUrl>
+
+#include <memory>
 
 /*! The simulator on a port of its own, and a client for it. Ends with this object; that it does not end well
     fails the test. */
 class SimulatorProcess
 {
 public:
-    struct Answer
-    {
-        int status = 0; //!< of HTTP; 0: none in time
-        QByteArray body;
-        QJsonObject json() const;
-    };
-
     explicit SimulatorProcess(const QStringList &options);
     ~SimulatorProcess();
     Q_DISABLE_COPY(SimulatorProcess)
 
     QUrl url() const { return m_url; }
 
-    /*! Sends a request to \a path, which is percent-encoded; the reply belongs to this object. */
-    QNetworkReply *start(const QByteArray &method, const QString &path, const QByteArray &body = {},
-                         const QList<QNetworkReply::RawHeaderPair> &headers = {});
-    static Answer finish(QNetworkReply *reply);
-    Answer get(const QString &path) { return finish(start("GET", path)); }
-    Answer post(const QString &path, const QByteArray &body = {})
-    {
-        return finish(start("POST", path, body));
-    }
+    /*! Sends a request with the access token to \a path, which is percent-encoded; a POST if there is a body.
+        The reply belongs to this object. */
+    QNetworkReply *start(const QString &path, const QByteArray &body = {});
+    /*! The same with its answer, of which the HTTP status is expected to be 200. */
+    QByteArray ask(const QString &path, const QByteArray &body = {});
 
     /*! The whole yard as the control endpoint tells it. */
-    QJsonObject state() { return get("/control/state").json(); }
-    QJsonValue wallbox(int index);
+    QJsonObject state();
+    QJsonValue wallbox(int index) { return state().value("wallboxes")[index]; }
+    int requestCount() { return state().value("requestCount").toInt(); }
+
+    /*! A bare connection to it. */
+    std::unique_ptr<QTcpSocket> connection() const;
 
 private:
     QProcess m_process;
     QUrl m_url;
     QNetworkAccessManager m_manager;
 };
+
+/*! Writes \a text and returns what comes back until \a end is in it. */
+QByteArray exchange(QTcpSocket &socket, const QByteArray &text, const QByteArray &end);
 
 #endif // SIMULATORPROCESS_H

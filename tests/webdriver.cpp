@@ -4,63 +4,57 @@
 #include "webdriver.h"
 
 #include "json.h"
+#include "waiting.h"
 
-#include <QEventLoop>
 #include <QNetworkReply>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
-namespace {
-constexpr int patience = 60000; // ms; a first start on a busy machine takes seconds
-
-QJsonObject member(const QString &name, const QJsonValue &value)
-{
-    QJsonObject object;
-    object.insert(name, value);
-    return object;
-}
-
-QJsonObject capabilities(const QString &profile)
-{
-    QJsonArray arguments{"--headless",
-                         "--no-sandbox",
-                         "--disable-gpu",
-                         "--disable-quic",
-                         "--no-first-run",
-                         "--disable-background-networking",
-                         "--disable-component-update",
-                         "--disable-sync"};
-    arguments.append("--user-data-dir=" + profile);
-    const QJsonObject options = member("goog:chromeOptions", member("args", arguments));
-    return member("capabilities", member("alwaysMatch", options));
-}
-
-QString driverUrl(QProcess &driver)
-{
-    static const QRegularExpression ready("started successfully on port (\\d+)");
-    QString output;
-    QRegularExpressionMatch match;
-    while (!match.hasMatch() && driver.waitForReadyRead(patience)) {
-        output += QString::fromUtf8(driver.readAllStandardOutput());
-        match = ready.match(output);
-    }
-    return "http://127.0.0.1:" + match.captured(1);
-}
-} // namespace
-
 WebDriver::WebDriver()
 {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"HOME", "TMPDIR", "XDG_CACHE_HOME", "XDG_CONFIG_HOME"})
+        environment.insert(name, m_folder.path());
+    m_driver.setProcessEnvironment(environment);
     m_driver.start("chromedriver", {"--port=0"});
-    m_session = driverUrl(m_driver);
-    const QJsonValue session = call("POST", "/session", capabilities(m_profile.path()));
+    static const QRegularExpression ready("started successfully on port (\\d+)");
+    QString output;
+    if (!waitFor([&] {
+            output += QString::fromUtf8(m_driver.readAllStandardOutput());
+            return ready.match(output).hasMatch() || m_driver.state() == QProcess::NotRunning;
+        }))
+        m_driver.kill();
+    m_session = "http://127.0.0.1:" + ready.match(output).captured(1);
+    const QJsonArray arguments{"--headless",
+                               "--no-sandbox",
+                               "--disable-gpu",
+                               "--disable-quic",
+                               "--no-first-run",
+                               "--disable-background-networking",
+                               "--disable-component-update",
+                               "--disable-sync",
+                               "--user-data-dir=" + m_folder.filePath("profile")};
+    const QJsonObject options{
+        {"goog:chromeOptions", QJsonObject{{"args", arguments}}}
+    };
+    const QJsonValue session = call("POST", "/session",
+                                    {
+                                        {"capabilities", QJsonObject{{"alwaysMatch", options}}}
+    });
+    if (session.isUndefined())
+        m_error = "chromedriver starts no browser, see the warning above";
     m_session += "/session/" + session["sessionId"].toString();
 }
 
 WebDriver::~WebDriver()
 {
-    call("DELETE", {});
+    if (m_error.isEmpty())
+        call("DELETE", {});
     m_driver.terminate();
-    m_driver.waitForFinished(patience);
+    m_driver.waitForFinished();
+    // The browser's processes may still be writing.
+    if (!waitFor([this] { return m_folder.remove(); }))
+        qWarning("%s remains", qPrintable(m_folder.path()));
 }
 
 bool WebDriver::isInstalled()
@@ -68,68 +62,86 @@ bool WebDriver::isInstalled()
     return !QStandardPaths::findExecutable("chromedriver").isEmpty();
 }
 
-void WebDriver::open(const QUrl &url)
-{
-    call("POST", "/url", member("url", url.toString()));
-}
-
 QJsonValue WebDriver::run(const QString &script, const QJsonArray &arguments)
 {
-    QJsonObject body = member("script", script);
-    body.insert("args", arguments);
-    return call("POST", "/execute/sync", body);
+    return call("POST", "/execute/sync",
+                {
+                    {"script", script   },
+                    {"args",   arguments}
+    });
 }
 
-QString WebDriver::text(const QString &selector)
+bool WebDriver::shows(const QString &selector, const QString &text)
 {
-    return run("return document.querySelector(arguments[0])?.innerText ?? ''", {selector}).toString();
-}
-
-void WebDriver::click(const QString &selector)
-{
-    call("POST", pathOf(selector) + "/click");
+    QString shown;
+    const bool done = waitFor([&] {
+        shown = run("return document.querySelector(arguments[0])?.innerText ?? ''", {selector}).toString();
+        return text.isEmpty() ? shown.isEmpty() : shown.contains(text);
+    });
+    if (!done)
+        qWarning("%s shows: %s", qPrintable(selector), qPrintable(shown));
+    return done;
 }
 
 void WebDriver::fill(const QString &selector, const QString &text)
 {
     const QString path = pathOf(selector);
     call("POST", path + "/clear");
-    call("POST", path + "/value", member("text", text));
+    call("POST", path + "/value",
+         {
+             {"text", text}
+    });
 }
 
 void WebDriver::press(const QString &keys)
 {
-    QStringList strokes;
-    for (const QChar key : keys)
-        strokes.append(
-            QString(R"({"type": "keyDown", "value": "%1"}, {"type": "keyUp", "value": "%1"})").arg(key));
+    QJsonArray strokes;
+    for (const QString &key : keys.split("", Qt::SkipEmptyParts)) {
+        strokes.append(QJsonObject{
+            {"type",  "keyDown"},
+            {"value", key      }
+        });
+        strokes.append(QJsonObject{
+            {"type",  "keyUp"},
+            {"value", key    }
+        });
+    }
+    const QJsonObject keyboard{
+        {"type",    "key"     },
+        {"id",      "keyboard"},
+        {"actions", strokes   }
+    };
     call("POST", "/actions",
-         json(QString(R"({"actions": [{"type": "key", "id": "keyboard", "actions": [%1]}]})")
-                  .arg(strokes.join(','))
-                  .toUtf8()));
+         {
+             {"actions", QJsonArray{keyboard}}
+    });
 }
 
 void WebDriver::resize(int width, int height)
 {
-    const QString metrics = R"({"width": %1, "height": %2, "deviceScaleFactor": 1, "mobile": false})";
+    const QJsonObject metrics{
+        {"width",             width },
+        {"height",            height},
+        {"deviceScaleFactor", 1     },
+        {"mobile",            false }
+    };
     call("POST", "/goog/cdp/execute",
-         json(R"({"cmd": "Emulation.setDeviceMetricsOverride", "params": )"
-              + metrics.arg(width).arg(height).toUtf8() + '}'));
+         {
+             {"cmd",    "Emulation.setDeviceMetricsOverride"},
+             {"params", metrics                             }
+    });
 }
 
 QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const QJsonObject &body)
 {
     QNetworkRequest request(QUrl(m_session + path));
     request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
-    request.setTransferTimeout(patience);
     const QByteArray content = method == "POST" ? QJsonDocument(body).toJson() : QByteArray();
     QNetworkReply *reply = m_manager.sendCustomRequest(request, method, content); // the manager's
-    QEventLoop loop;
-    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    loop.exec();
+    const bool done = waitFor([reply] { return reply->isFinished(); });
     reply->deleteLater();
-    QJsonValue value = QJsonDocument::fromJson(reply->readAll()).object().value("value");
-    if (reply->error() == QNetworkReply::NoError)
+    const QJsonValue value = json(reply->readAll()).value("value");
+    if (done && reply->error() == QNetworkReply::NoError)
         return value;
     qWarning("WebDriver: %s: %s %s", qPrintable(path), qPrintable(reply->errorString()),
              qPrintable(value["message"].toString().section('\n', 0, 0)));
@@ -138,9 +150,10 @@ QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const 
 
 QString WebDriver::pathOf(const QString &selector)
 {
-    QJsonObject search = member("using", "css selector");
-    search.insert("value", selector);
-    const QJsonValue element = call("POST", "/element", search);
-    return "/element/"
-        + element.toObject().begin().value().toString(); // its key is a constant of the protocol
+    const QJsonValue element = call("POST", "/element",
+                                    {
+                                        {"using", "css selector"},
+                                        {"value", selector      }
+    });
+    return "/element/" + element.toObject().begin().value().toString(); // its key is the protocol's
 }

@@ -1,10 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
-#include "wallbox.h"
+
+#include "simulatedwallbox.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
+
 constexpr Seconds preparationTime{3}; // long enough for the poll of every other second to see it
 
 QString noCar()
@@ -12,18 +15,9 @@ QString noCar()
     return QStringLiteral("no car is plugged in");
 }
 
-QString sessionOver()
-{
-    return QStringLiteral("the session has ended: unplug the car first");
-}
 } // namespace
 
-Wallbox::Wallbox(int maxChargingCurrent)
-    : m_maxChargingCurrent(maxChargingCurrent)
-{
-}
-
-QString Wallbox::plugIn(const Car &car)
+QString SimulatedWallbox::plugIn(const Car &car)
 {
     if (m_car)
         return QStringLiteral("a car is plugged in already: unplug it first");
@@ -35,37 +29,25 @@ QString Wallbox::plugIn(const Car &car)
     return {};
 }
 
-QString Wallbox::unplug()
+QString SimulatedWallbox::unplug()
 {
     if (!m_car)
         return noCar();
     m_car.reset();
-    m_paused = false;
-    m_finished = false;
     return {};
 }
 
-QString Wallbox::pause()
+QString SimulatedWallbox::setPaused(bool paused)
 {
     if (!m_car)
         return noCar();
     if (m_finished)
-        return sessionOver();
-    m_paused = true;
+        return QStringLiteral("the session has ended: unplug the car first");
+    m_paused = paused;
     return {};
 }
 
-QString Wallbox::resume()
-{
-    if (!m_car)
-        return noCar();
-    if (m_finished)
-        return sessionOver();
-    m_paused = false;
-    return {};
-}
-
-QString Wallbox::finish()
+QString SimulatedWallbox::finish()
 {
     if (!m_car)
         return noCar();
@@ -74,29 +56,13 @@ QString Wallbox::finish()
     return {};
 }
 
-QString Wallbox::breakDown()
+QString SimulatedWallbox::setBroken(bool broken)
 {
-    m_broken = true;
+    m_broken = broken;
     return {};
 }
 
-QString Wallbox::mend()
-{
-    m_broken = false;
-    return {};
-}
-
-void Wallbox::setLimit(double ampere)
-{
-    m_limit = ampere;
-}
-
-void Wallbox::setMaxChargingCurrent(int ampere)
-{
-    m_maxChargingCurrent = ampere;
-}
-
-void Wallbox::advance(Seconds elapsed)
+void SimulatedWallbox::advance(Seconds elapsed)
 {
     if (!m_broken) {
         const Seconds preparing = std::min(elapsed, m_untilReady);
@@ -106,7 +72,7 @@ void Wallbox::advance(Seconds elapsed)
     m_sessionEnergy += power() * std::chrono::duration<double, std::ratio<3600>>(elapsed).count();
 }
 
-QString Wallbox::status() const
+QString SimulatedWallbox::status() const
 {
     // The order matters: what comes first hides what comes later. By OCPP a car is suspended by the wallbox
     // as long as nothing is offered to it, whether or not it would take anything.
@@ -123,7 +89,7 @@ QString Wallbox::status() const
     return m_paused ? QStringLiteral("SuspendedEV") : QStringLiteral("Charging");
 }
 
-std::array<double, 3> Wallbox::currents() const
+std::array<double, 3> SimulatedWallbox::currents() const
 {
     std::array<double, 3> currents{};
     if (m_car)
@@ -131,22 +97,28 @@ std::array<double, 3> Wallbox::currents() const
     return currents;
 }
 
-double Wallbox::power() const
+double SimulatedWallbox::power() const
 {
     return m_car ? m_car->phases * chargingCurrent() * phaseVoltage : 0;
 }
 
-double Wallbox::offeredPower() const
+double SimulatedWallbox::offeredPower() const
 {
     return m_car ? m_car->phases * offeredCurrent() * phaseVoltage : 0;
 }
 
-double Wallbox::offeredCurrent() const
+double SimulatedWallbox::sessionEnergy() const
 {
-    return std::min(m_limit.value_or(m_maxChargingCurrent), double(m_maxChargingCurrent));
+    return std::round(m_sessionEnergy * 1000) / 1000;
 }
 
-double Wallbox::chargingCurrent() const
+double SimulatedWallbox::offeredCurrent() const
+{
+    const double maximum = m_maxChargingCurrent;
+    return m_limit ? std::min(m_limit->ampere, maximum) : maximum;
+}
+
+double SimulatedWallbox::chargingCurrent() const
 {
     return status() == QLatin1String("Charging") ? std::min(offeredCurrent(), m_car->maxCurrent) : 0;
 }

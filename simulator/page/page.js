@@ -1,302 +1,12 @@
-<!doctype html>
-<!-- SPDX-FileCopyrightText: 2026 The Vela authors -->
-<!-- SPDX-License-Identifier: MIT -->
-<html lang="en">
-<head>
-<meta charset="utf-8">
-<meta name="viewport" content="width=device-width, initial-scale=1">
-<title>Charging yard</title>
-<link rel="icon" href="data:image/svg+xml,<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 16 16'><rect width='16' height='16' rx='4' fill='%230b7a6b'/><path d='M9 2 4 9h3l-1 5 6-7H8z' fill='white'/></svg>">
-<style>
-:root {
-    color-scheme: light dark;
-    --ground: #eef1f0; --panel: #fff; --well: #f4f6f5; --line: #d3dbd8; --edge: #83918d;
-    --text: #15201e; --soft: #52625e; --power: #0a7666; --wash: #0a766626; --limit: #a44d08; --bad: #b3261e; --focus: #1d63b8;
-}
-@media (prefers-color-scheme: dark) {
-    :root {
-        --ground: #0c1213; --panel: #141c1e; --well: #0f1618; --line: #263337; --edge: #667a7b;
-        --text: #e4edeb; --soft: #96a9a6; --power: #42d1b6; --wash: #42d1b62e; --limit: #f2a857; --bad: #ff8f82; --focus: #8fc0ff;
-    }
-}
-* { box-sizing: border-box; margin: 0; }
-[hidden] { display: none !important; }
-body { background: var(--ground); color: var(--text); font: 14px/1.4 Inter, "Segoe UI", system-ui, sans-serif; font-variant-numeric: tabular-nums; overflow-wrap: anywhere; }
-h1 { font-size: 20px; font-weight: 650; letter-spacing: -.01em; }
-h2 { font-size: 15px; font-weight: 650; }
-h3 { font-size: 15px; font-weight: 650; min-width: 0; }
-h4, dt, label, legend, .soft { color: var(--soft); font-size: 12px; font-weight: 400; }
-ol, dd { padding: 0; list-style: none; }
-fieldset { border: 0; padding: 0; min-width: 0; }
-:focus-visible { outline: 2px solid var(--focus); outline-offset: 2px; }
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
 
-button, input, select { font: inherit; font-size: 14px; color: var(--text); min-height: 32px; padding: 4px 10px; border: 1px solid var(--edge); border-radius: 6px; background: var(--panel); max-width: min(100%, 320px); }
-button { cursor: pointer; }
-button:hover { border-color: var(--text); }
-button.main { background: var(--power); border-color: var(--power); color: var(--panel); font-weight: 600; }
-input:not([type=checkbox]) { width: 100%; padding: 4px 8px; }
-input[type=checkbox] { min-height: 0; width: 16px; height: 16px; accent-color: var(--power); }
-label { display: grid; gap: 2px; }
-label.check { display: flex; gap: 8px; white-space: nowrap; align-items: center; min-height: 32px; color: var(--text); font-size: 14px; }
-summary { cursor: pointer; }
-@media (pointer: coarse) { button, input, select { min-height: 40px; } }
-
-.bar { display: flex; flex-wrap: wrap; gap: 8px 16px; align-items: baseline; padding: 16px 24px 12px; }
-nav { display: flex; gap: 12px; font-size: 13px; }
-a { color: inherit; text-underline-offset: 4px; text-decoration-color: var(--edge); }
-.link { color: var(--power); margin-left: auto; display: flex; gap: 8px; align-items: center; font-weight: 600; align-self: center; }
-.link.lost { color: var(--bad); }
-.link.polling { color: var(--limit); }
-.banner { margin: 0 24px 16px; padding: 10px 16px; border: 1px solid; border-left-width: 6px; border-radius: 6px; color: var(--bad); background: var(--panel); }
-.toast { position: fixed; z-index: 1; left: 50%; bottom: 16px; transform: translateX(-50%); width: max-content; max-width: calc(100vw - 32px); padding: 8px 16px; border-radius: 6px; background: var(--text); color: var(--ground); pointer-events: none; }
-.toast:empty { display: none; }
-.glyph { width: 14px; height: 14px; flex: none; fill: none; stroke: currentColor; stroke-width: 2; vertical-align: -2px; }
-
-main { display: grid; gap: 16px; padding: 0 24px 24px; grid-template-columns: minmax(0, 1fr); }
-.panel { background: var(--panel); border: 1px solid var(--line); border-radius: 10px; padding: 16px; }
-.head { display: flex; flex-wrap: wrap; gap: 8px 12px; align-items: center; justify-content: space-between; }
-
-.figures { display: grid; grid-template-columns: repeat(4, 1fr); padding: 14px 0; }
-.figures > div { padding: 0 16px; border-left: 1px solid var(--line); min-width: 0; }
-.figures > div:first-child { border-left: 0; }
-.figures .value { font-size: 26px; line-height: 1.25; font-weight: 600; letter-spacing: -.02em; white-space: nowrap; overflow: hidden; text-overflow: ellipsis; }
-.figures .value small { font-size: 14px; font-weight: 500; letter-spacing: 0; color: var(--soft); }
-
-.plot svg { display: block; width: 100%; height: 240px; margin-top: 8px; font-size: 11px; }
-.plot text { fill: var(--soft); }
-.plot .grid { stroke: var(--line); fill: none; }
-.plot .area { fill: var(--wash); }
-.plot .power { stroke: var(--power); stroke-width: 2; fill: none; }
-.plot .limit { stroke: var(--limit); stroke-width: 2; stroke-dasharray: 6 4; fill: none; }
-.plot .rule { stroke: var(--limit); stroke-width: 1; opacity: .35; }
-.plot .mark { fill: var(--limit); }
-.plot .label { fill: var(--limit); font-weight: 600; }
-.plot .watt { text-anchor: end; }
-.plot .label, .plot .minute { text-anchor: middle; }
-.legend { display: flex; flex-wrap: wrap; gap: 4px 24px; margin-top: 8px; }
-.legend svg { display: inline-block; width: 26px; height: 10px; margin: 0 6px 0 0; }
-.plot .soft { margin-top: 4px; }
-.legend b { font-weight: 600; }
-
-.cards { display: grid; gap: 12px; grid-template-columns: repeat(auto-fill, minmax(min(100%, 240px), 1fr)); margin-top: 12px; }
-.card { display: flex; flex-direction: column; gap: 10px; padding: 14px 16px; }
-.card.plotted { border-color: var(--limit); box-shadow: inset 0 3px var(--limit); }
-.card h3 button { min-height: 0; padding: 0; border: 0; background: none; font-weight: inherit; font-size: inherit; text-align: left; text-decoration: underline dotted var(--edge); text-underline-offset: 4px; }
-.status { display: inline-flex; gap: 6px; align-items: center; padding: 1px 10px 1px 8px; border: 1px solid var(--line); border-radius: 20px; font-size: 12px; font-weight: 600; white-space: nowrap; }
-[data-status=Charging] .status { color: var(--power); border-color: currentColor; }
-[data-status^=Suspended] .status, [data-status=Preparing] .status { color: var(--limit); border-color: currentColor; }
-[data-status=Faulted] .status { color: var(--bad); border-color: currentColor; }
-[data-status=Available] .status { color: var(--soft); }
-.power-now { font-size: 26px; line-height: 1.1; font-weight: 600; letter-spacing: -.02em; }
-.power-now small { font-size: 14px; font-weight: 500; color: var(--soft); letter-spacing: 0; }
-.phases { display: grid; gap: 4px; }
-.phases > div { display: grid; grid-template-columns: 18px 1fr 52px; gap: 8px; align-items: center; font-size: 12px; }
-.phases span:last-child { text-align: right; }
-.track { position: relative; height: 8px; border-radius: 2px; background: var(--well); box-shadow: inset 0 0 0 1px var(--line); }
-.fill { height: 100%; width: calc(var(--fill, 0) * 100%); border-radius: 2px; background: var(--power); transition: width .3s; }
-.tick { position: absolute; top: -3px; bottom: -3px; width: 2px; left: calc(var(--tick, 0) * 100% - 1px); background: var(--limit); transition: left .3s; }
-@media (prefers-reduced-motion: reduce) { .fill, .tick { transition: none; } }
-.facts { display: grid; grid-template-columns: 56px 1fr; gap: 2px 8px; align-items: baseline; }
-.hands { display: flex; flex-wrap: wrap; gap: 8px; padding-top: 2px; }
-.fields { display: grid; grid-template-columns: repeat(auto-fit, minmax(84px, 1fr)); gap: 8px; align-items: end; }
-.plug { width: 100%; grid-template-columns: 58px 68px 1fr; }
-.card details .fields { margin-top: 8px; }
-
-.yard, .side { display: grid; gap: inherit; grid-template-columns: minmax(0, 1fr); align-content: start; min-width: 0; }
-.backend { display: grid; gap: 16px; }
-.backend legend { padding: 0; margin-bottom: 6px; }
-.backend .hands { margin-top: 8px; }
-.add { display: flex; flex-wrap: wrap; gap: 8px; align-items: end; }
-.add label { flex: 1 1 80px; width: 100px; }
-.log { max-height: 520px; overflow: auto; scrollbar-width: thin; margin: 8px -16px -16px; border-top: 1px solid var(--line); }
-.log li { border-bottom: 1px solid var(--line); }
-.log.quiet .poll { display: none; }
-.log summary { display: grid; grid-template-columns: 58px 98px minmax(0, 1fr) 48px 54px; gap: 0 8px; padding: 5px 16px; font-size: 13px; list-style: none; }
-.log summary:hover, .log details[open] summary { background: var(--well); }
-.log summary:focus-visible { outline-offset: -2px; }
-.log summary span { white-space: nowrap; overflow: hidden; text-overflow: ellipsis; }
-.log .took { text-align: right; }
-.log .time, .log .took, .log .asked { color: var(--soft); }
-.log .failed .code { color: var(--bad); font-weight: 600; }
-.log .body { padding: 4px 16px 12px; background: var(--well); }
-pre { font: 12px/1.45 ui-monospace, "Cascadia Mono", "DejaVu Sans Mono", monospace; white-space: pre-wrap; max-height: 300px; overflow: auto; }
-
-@media (max-width: 720px) {
-    .bar { padding: 12px 12px 8px; }
-    .link.lost { color: var(--bad); }
-.link.polling { color: var(--limit); }
-.banner { margin: 0 12px 12px; }
-    main { padding: 0 12px 12px; gap: 12px; }
-    .figures { grid-template-columns: repeat(2, 1fr); row-gap: 12px; }
-    .figures .value { font-size: 20px; }
-    .figures > div:nth-child(odd) { border-left: 0; }
-    .log summary { grid-template-columns: 58px minmax(0, 1fr) 60px; }
-    .log .asked { grid-column: 2; grid-row: 2; }
-    .log .code { grid-column: 3; text-align: right; }
-    .log .took { grid-column: 3; grid-row: 2; }
-}
-@media (min-width: 1200px) {
-    main { grid-template-columns: minmax(0, 1fr) 480px; align-items: start; }
-    .plot #plot { height: 300px; }
-    .side { position: sticky; top: 16px; max-height: calc(100vh - 32px); grid-template-rows: auto minmax(240px, 1fr); }
-    .requests { display: flex; flex-direction: column; min-height: 0; }
-    .log { max-height: none; flex: 1; min-height: 0; }
-}
-</style>
-</head>
-<body>
-<svg hidden>
-    <symbol id="Available" viewBox="0 0 16 16"><circle cx="8" cy="8" r="6"/></symbol>
-    <symbol id="Preparing" viewBox="0 0 16 16"><circle cx="8" cy="8" r="6"/><path d="M8 4v4l3 2"/></symbol>
-    <symbol id="Charging" viewBox="0 0 16 16"><path d="M9 1 3 9h4l-1 6 7-8H9z" fill="currentColor" stroke="none"/></symbol>
-    <symbol id="SuspendedEV" viewBox="0 0 16 16"><path d="M5 2v12M11 2v12"/></symbol>
-    <symbol id="SuspendedEVSE" viewBox="0 0 16 16"><path d="M2 3h12M8 14V6M5 9l3-3 3 3"/></symbol>
-    <symbol id="Finishing" viewBox="0 0 16 16"><path d="m2 8 4 5 8-10"/></symbol>
-    <symbol id="Faulted" viewBox="0 0 16 16"><path d="M8 2 1 14h14zM8 6v4M8 11v2"/></symbol>
-    <symbol id="live" viewBox="0 0 16 16"><circle cx="8" cy="8" r="5" fill="currentColor"/></symbol>
-    <symbol id="polling" viewBox="0 0 16 16"><path d="M13 5a6 6 0 1 0 1 4M14 1v5H9"/></symbol>
-    <symbol id="lost" viewBox="0 0 16 16"><path d="m3 3 10 10M13 3 3 13"/></symbol>
-</svg>
-
-<header class="bar">
-    <h1>Charging yard</h1>
-    <p class="soft">group <b id="group"></b> at <span id="address"></span></p>
-    <nav aria-label="On this page"><a href="#wallboxes-title">Wallboxes</a> <a href="#backend-title">Backend</a> <a href="#requests-title">Requests</a></nav>
-    <p class="link polling" id="link" role="status"><svg class="glyph"><use href="#polling"/></svg><span>Connecting</span></p>
-</header>
-<p class="banner" id="outage" role="status" hidden></p>
-<p class="banner" id="misbehaving" role="status" hidden></p>
-<p class="toast" id="toast" role="status"></p>
-
-<main>
-<div class="yard">
-    <section class="panel figures" aria-label="The group">
-        <div><h4>Wallboxes</h4><p class="value" id="wallbox-count"></p><p class="soft" id="charging-count"></p></div>
-        <div><h4>Power</h4><p class="value"><span id="total-power"></span> <small>kW</small></p><p class="soft" id="total-limit"></p></div>
-        <div><h4>Polls</h4><p class="value"><span id="polls"></span> <small>a second</small></p><p class="soft">over the last 10 s</p></div>
-        <div><h4>Last request</h4><p class="value" id="last-operation"></p><p class="soft" id="last-age"></p></div>
-    </section>
-
-    <section class="panel plot" aria-labelledby="plot-title">
-        <div class="head">
-            <h2 id="plot-title">Power against limit, last five minutes</h2>
-            <select id="plotted" aria-label="Plot the group or a wallbox"><option value="">The whole group</option></select>
-        </div>
-        <svg id="plot" role="img" aria-labelledby="plot-title legend"></svg>
-        <p class="legend" id="legend">
-            <span><svg><path class="power" d="M0 5h26"/></svg>Power <b id="power-now"></b></span>
-            <span><svg><path class="limit" d="M0 5h26"/></svg>Limit <b id="limit-now"></b></span>
-            <span><svg><path class="mark" d="m13 1 5 8H8z"/></svg>Limits received <b id="limit-age"></b></span>
-        </p>
-        <p class="soft">The limit is what the plugged-in cars may draw by the limits received and the wallboxes’ maxima.</p>
-    </section>
-
-    <section aria-labelledby="wallboxes-title">
-        <div class="head">
-            <h2 id="wallboxes-title">Wallboxes</h2>
-            <form class="add" data-path="wallboxes" data-says="Add a wallbox">
-                <label>New id <input name="id" placeholder="next free" autocomplete="off"></label>
-                <label>Maximum, A <input name="maxChargingCurrent" type="number" min="6" max="63" value="32" required></label>
-                <button id="add">Add wallbox</button>
-            </form>
-        </div>
-        <div class="cards" id="cards"></div>
-    </section>
-</div>
-
-<div class="side">
-    <section class="panel backend" aria-labelledby="backend-title">
-        <h2 id="backend-title">Backend</h2>
-        <form data-path="fault" data-says="Set the fault">
-            <fieldset>
-                <legend>Faults: what every request meets</legend>
-                <div class="fields">
-                    <label>Status <input name="status" type="number" min="200" max="599" placeholder="as it is"></label>
-                    <label>Delay, ms <input name="delayMs" type="number" min="0" max="600000" placeholder="none"></label>
-                </div>
-                <div class="hands">
-                    <label class="check"><input name="garbage" type="checkbox"> Garbage</label>
-                    <label class="check"><input name="silent" type="checkbox"> No answer</label>
-                    <button>Set fault</button>
-                    <button type="reset" id="behave">Behave again</button>
-                </div>
-            </fieldset>
-        </form>
-        <form class="fields" data-path="group" data-says="Change the group" data-clear>
-            <label>Group id <input name="group" autocomplete="off"></label>
-            <label>Group secret <input name="secret" type="password" placeholder="unchanged" autocomplete="new-password"></label>
-            <button>Change</button>
-        </form>
-        <form class="fields" data-path="speed" data-says="Set the speed">
-            <label><span>Speed, now ×<span id="speed"></span></span> <input name="factor" type="number" min="0" max="100000" step="any" value="60" required></label>
-            <button>Set speed</button>
-        </form>
-    </section>
-
-    <section class="panel requests" aria-labelledby="requests-title">
-        <div class="head">
-            <h2 id="requests-title">Requests</h2>
-            <label class="check"><input type="checkbox" id="quiet"> Hide polls that succeeded</label>
-        </div>
-        <ol class="log" id="log" tabindex="0" aria-labelledby="requests-title"></ol>
-    </section>
-</div>
-</main>
-
-<template id="card">
-    <article class="panel card">
-        <div class="head"><h3><button class="id" aria-pressed="false" title="Plot this wallbox"></button></h3>
-            <span class="status"><svg class="glyph"><use/></svg><span></span></span></div>
-        <p class="power-now"><span></span> <small>kW</small></p>
-        <div class="phases">
-            <div><span class="soft">L1</span><div class="track"><div class="fill"></div><div class="tick"></div></div><span></span></div>
-            <div><span class="soft">L2</span><div class="track"><div class="fill"></div><div class="tick"></div></div><span></span></div>
-            <div><span class="soft">L3</span><div class="track"><div class="fill"></div><div class="tick"></div></div><span></span></div>
-        </div>
-        <dl class="facts">
-            <dt>Car</dt><dd class="car"></dd>
-            <dt>Limit</dt><dd class="limit"></dd>
-            <dt>Session</dt><dd class="energy"></dd>
-        </dl>
-        <div class="hands">
-            <form class="fields plug" data-path="plug" data-says="Plug in">
-                <label>Phases <select name="phases"><option>3</option><option>2</option><option>1</option></select></label>
-                <label>Car, A <input name="maxCurrent" type="number" min="6" max="63" step="any" value="16" required></label>
-                <button class="main">Plug in</button>
-            </form>
-            <button data-path="unplug">Unplug</button>
-            <button data-path="pause">Pause</button>
-            <button data-path="resume">Resume</button>
-            <button data-path="finish">Finish</button>
-            <button data-path="mend">Mend</button>
-        </div>
-        <details>
-            <summary class="soft">Wallbox, maximum <span class="maximum"></span> A</summary>
-            <form class="fields" data-path="configure" data-says="Set the maximum">
-                <label>Maximum, A <input name="maxChargingCurrent" type="number" min="6" max="63" required></label>
-                <button>Set</button>
-            </form>
-            <div class="hands">
-                <button data-path="break">Break</button>
-                <button data-path="remove">Remove</button>
-            </div>
-        </details>
-    </article>
-</template>
-
-<template id="item">
-    <li><details>
-        <summary><span class="time"></span><span class="operation"></span><span class="asked"></span><span class="code"></span><span class="took"></span></summary>
-        <div class="body"><h4></h4><pre class="request"></pre><h4>Reply</h4><pre class="reply"></pre></div>
-    </details></li>
-</template>
-
-<script>
 "use strict";
 const $ = id => document.getElementById(id);
 const windowMs = 5 * 60 * 1000, pollMs = 2000, patienceMs = 4000, gapMs = 5000, kept = 200;
 let yard = null;         // the last state
 let clockOffset = 0;     // the simulator's clock less ours, ms
+let faults = [];         // that there are, as the simulator describes them
 let samples = [];        // {t, wallboxes: {id: [power, offered power]}}, W
 const requests = new Map(); // by number: {record, item}
 const cards = new Map();    // by wallbox id
@@ -388,12 +98,26 @@ function fillGroup() {
     setText($("total-limit"), `limit ${kilo(sum(boxes.map(box => box.offeredPower)))} kW`);
     setText($("speed"), yard.speed);
     document.querySelector("input[name=group]").placeholder = yard.group;
-    const {status, delayMs, garbage, silent} = yard.fault;
-    const faults = [silent && "no answer", delayMs && `a delay of ${delayMs} ms`, garbage && "garbage", status && `status ${status}`];
-    const text = faults.filter(Boolean).join(", ");
+    const on = faults.filter(fault => yard.fault[fault.name]);
+    const text = on.map(fault => fault.says.replace("%1", yard.fault[fault.name])).join(", ");
     setText($("misbehaving"), text && `The backend is told to misbehave: ${text}.`);
     show($("misbehaving"), text);
     fillChooser(boxes.map(box => box.id));
+}
+
+// The fields of the fault form. A number has bounds, the others are on or off.
+function makeFaultFields() {
+    for (const {name, label, least, most} of faults) {
+        const field = document.createElement("label"), input = document.createElement("input");
+        input.name = name;
+        if (most)
+            Object.assign(input, {type: "number", min: least, max: most, placeholder: "none"});
+        else
+            Object.assign(input, {type: "checkbox"});
+        field.className = most ? "" : "check";
+        field.append(...(most ? [label + " ", input] : [input, " " + label]));
+        $(most ? "fault-numbers" : "fault-flags").append(field);
+    }
 }
 
 function fillChooser(ids) {
@@ -589,6 +313,8 @@ async function ask(path, options = {}) {
 
 function apply(state) {
     yard = state;
+    if (!faults.length)
+        learnFaults().catch(() => {});
     const t = Date.parse(state.time);
     clockOffset = t - Date.now();
     if (t > (samples[samples.length - 1]?.t ?? 0))
@@ -617,6 +343,16 @@ function recall(history) {
     const others = history.map(({time, wallboxes}) => ({t: Date.parse(time), wallboxes}));
     const missed = others.filter(other => !samples.some(sample => Math.abs(sample.t - other.t) < 1000));
     samples = [...samples, ...missed].sort((one, other) => one.t - other.t);
+}
+
+// Asked for with each state until they have come.
+async function learnFaults() {
+    const reply = await ask("faults");
+    if (faults.length)
+        return;
+    faults = reply.faults;
+    makeFaultFields();
+    render();
 }
 
 function open() {
@@ -740,6 +476,3 @@ $("address").textContent = location.host;
 new ResizeObserver(() => yard && draw()).observe($("plot"));
 setInterval(tick, 500);
 open();
-</script>
-</body>
-</html>

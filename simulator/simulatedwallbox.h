@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
-#ifndef WALLBOX_H
-#define WALLBOX_H
+
+#ifndef SIMULATEDWALLBOX_H
+#define SIMULATEDWALLBOX_H
 
 #include <QString>
 
@@ -25,33 +26,42 @@ struct Car
     double maxCurrent = 16; //!< ampere on each phase, minimumCurrent to maximumCurrent
 };
 
-/*! One wallbox with the car at its plug. Knows no clock and no threads: time passes by advance().
- *
- *  The operations of a hand return an empty text when done, otherwise the reason why they cannot be done in
- *  the state the wallbox is in; then nothing has changed. */
-class Wallbox
+/*! A limit that a wallbox has received. */
+struct ChargeLimit
+{
+    double ampere; //!< on each phase
+    QString time;  //!< when it arrived
+};
+
+/*! One wallbox with the car at its plug. A plain value that knows no clock: time passes by advance().
+
+    The user's actions return an empty text when done, otherwise the reason why they cannot be done in the
+    state the wallbox is in; then nothing has changed. */
+class SimulatedWallbox
 {
 public:
     /*! \a maxChargingCurrent: the installation's limit in whole ampere on each phase. */
-    explicit Wallbox(int maxChargingCurrent = 32);
+    explicit SimulatedWallbox(int maxChargingCurrent = 32)
+        : m_maxChargingCurrent(maxChargingCurrent)
+    {
+    }
 
-    /*! Opens a new session, whose meter starts at 0. The car takes a moment ("Preparing") before it charges.
-     */
+    /*! Opens a new session, whose meter starts at 0. The car takes 3 s ("Preparing") before it charges. */
     QString plugIn(const Car &car);
     /*! Ends the session; its energy stays on display until the next one. */
     QString unplug();
     /*! The car stops drawing current ("SuspendedEV"), as a full one does, until resume(). */
-    QString pause();
-    QString resume();
+    QString pause() { return setPaused(true); }
+    QString resume() { return setPaused(false); }
     /*! Ends the session with the car still at the plug ("Finishing"); only unplugging leads on from there. */
     QString finish();
-    /*! "Faulted" until mend(): no current; car and session stay. */
-    QString breakDown();
-    QString mend();
+    /*! "Faulted" until repair(): no current; car and session stay. */
+    QString breakDown() { return setBroken(true); }
+    QString repair() { return setBroken(false); }
 
     /*! Ampere on each phase. A limit holds until the next one, also from one car to the next. */
-    void setLimit(double ampere);
-    void setMaxChargingCurrent(int ampere);
+    void setLimit(double ampere, const QString &time = {}) { m_limit = {ampere, time}; }
+    void setMaxChargingCurrent(int ampere) { m_maxChargingCurrent = ampere; }
 
     /*! Lets \a elapsed pass: the car gets ready, the session's meter counts. */
     void advance(Seconds elapsed);
@@ -59,22 +69,25 @@ public:
     /*! Connector status in the words of OCPP 1.6 (ChargePointStatus). */
     QString status() const;
     const std::optional<Car> &car() const { return m_car; }
-    const std::optional<double> &limit() const { return m_limit; } //!< none received: nothing but the maximum
+    const std::optional<ChargeLimit> &limit() const { return m_limit; } //!< none: nothing but the maximum
     int maxChargingCurrent() const { return m_maxChargingCurrent; }
-    bool isPaused() const { return m_paused; }
+    bool isPaused() const { return m_paused; } //!< the car, if there is one
     bool isBroken() const { return m_broken; }
 
-    std::array<double, 3> currents() const;                  //!< ampere, phase 1 first
-    double power() const;                                    //!< W
-    double offeredPower() const;                             //!< W the car could draw by limit and wallbox
-    double sessionEnergy() const { return m_sessionEnergy; } //!< Wh of this session, or of the last one
+    std::array<double, 3> currents() const; //!< ampere, phase 1 first
+    double power() const;                   //!< W
+    double offeredPower() const;            //!< W the car could draw by limit and wallbox
+    /*! Wh of this session, or of the last one, to 0.001. */
+    double sessionEnergy() const;
 
 private:
+    QString setPaused(bool paused);
+    QString setBroken(bool broken);
     double offeredCurrent() const;
     double chargingCurrent() const;
 
     int m_maxChargingCurrent;
-    std::optional<double> m_limit;
+    std::optional<ChargeLimit> m_limit;
     std::optional<Car> m_car;
     Seconds m_untilReady{0};
     bool m_paused = false;
@@ -83,4 +96,4 @@ private:
     double m_sessionEnergy = 0;
 };
 
-#endif // WALLBOX_H
+#endif // SIMULATEDWALLBOX_H

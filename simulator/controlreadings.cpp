@@ -1,0 +1,116 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "endpoints.h"
+
+#include "fault.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds streamPeriod{500}; // a change on a page seems to come at once
+
+QJsonValue carRecord(const SimulatedWallbox &wallbox)
+{
+    if (!wallbox.car())
+        return {};
+    return QJsonObject{
+        {QStringLiteral("phases"),     wallbox.car()->phases    },
+        {QStringLiteral("maxCurrent"), wallbox.car()->maxCurrent},
+        {QStringLiteral("paused"),     wallbox.isPaused()       }
+    };
+}
+
+QJsonValue limitInForce(const SimulatedWallbox &wallbox)
+{
+    if (!wallbox.limit())
+        return {};
+    return QJsonObject{
+        {QStringLiteral("value"), wallbox.limit()->ampere},
+        {QStringLiteral("time"),  wallbox.limit()->time  }
+    };
+}
+
+QJsonObject wallboxRecord(const QString &id, const SimulatedWallbox &wallbox)
+{
+    const auto currents = wallbox.currents();
+    return {
+        {QStringLiteral("id"),                 id                                               },
+        {QStringLiteral("status"),             wallbox.status()                                 },
+        {QStringLiteral("broken"),             wallbox.isBroken()                               },
+        {QStringLiteral("maxChargingCurrent"), wallbox.maxChargingCurrent()                     },
+        {QStringLiteral("car"),                carRecord(wallbox)                               },
+        {QStringLiteral("limit"),              limitInForce(wallbox)                            },
+        {QStringLiteral("currents"),           QJsonArray{currents[0], currents[1], currents[2]}},
+        {QStringLiteral("power"),              wallbox.power()                                  },
+        {QStringLiteral("offeredPower"),       wallbox.offeredPower()                           },
+        {QStringLiteral("sessionEnergy"),      wallbox.sessionEnergy()                          }
+    };
+}
+
+HttpReply stateReply(const Simulation &simulation)
+{
+    QJsonArray wallboxes;
+    for (const auto &[id, wallbox] : simulation.wallboxes)
+        wallboxes.append(wallboxRecord(id, wallbox));
+    return jsonReply({
+        {QStringLiteral("time"),         utcNow()              },
+        {QStringLiteral("group"),        simulation.group      },
+        {QStringLiteral("speed"),        simulation.speed      },
+        {QStringLiteral("wallboxes"),    wallboxes             },
+        {QStringLiteral("fault"),        simulation.faults     },
+        {QStringLiteral("requestCount"), simulation.log.count()}
+    });
+}
+
+HttpReply listReply(const QString &name, const QJsonArray &list)
+{
+    return jsonReply({
+        {name, list}
+    });
+}
+
+QByteArray serverSentEvent(const char *name, const HttpReply &reply)
+{
+    return QByteArrayLiteral("event: ") + name + "\ndata: " + reply.body + "\n\n";
+}
+
+// Each event holds what the reading of the same name answers; "requests" only those that it has news of. The
+// history is told once.
+HttpReply eventsReply(Simulation &simulation)
+{
+    HttpReply reply;
+    reply.contentType = "text/event-stream";
+    reply.next = [&simulation, seen = 0, age = QElapsedTimer()]() mutable -> QByteArray {
+        if (age.isValid() && !age.hasExpired(streamPeriod.count()))
+            return {};
+        simulation.catchUp();
+        QByteArray text = serverSentEvent("state", stateReply(simulation));
+        if (!age.isValid())
+            text += serverSentEvent("history", listReply(QStringLiteral("history"), simulation.history));
+        age.start();
+        return text
+            + serverSentEvent("requests",
+                              listReply(QStringLiteral("requests"), simulation.log.changes(seen)));
+    };
+    return reply;
+}
+
+} // namespace
+
+std::optional<HttpReply> answerReading(Simulation &simulation, const QString &path)
+{
+    int seen = 0;
+    if (path == QLatin1String("/control/state"))
+        return stateReply(simulation);
+    if (path == QLatin1String("/control/limits"))
+        return listReply(QStringLiteral("limits"), simulation.limits);
+    if (path == QLatin1String("/control/requests"))
+        return listReply(QStringLiteral("requests"), simulation.log.changes(seen));
+    if (path == QLatin1String("/control/history"))
+        return listReply(QStringLiteral("history"), simulation.history);
+    if (path == QLatin1String("/control/faults"))
+        return listReply(QStringLiteral("faults"), describeFaults());
+    if (path == QLatin1String("/control/events"))
+        return eventsReply(simulation);
+    return {};
+}
