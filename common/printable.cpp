@@ -20,18 +20,18 @@ QString printable(const QString &text)
 QByteArray printableJson(const QJsonObject &object)
 {
     const QString json = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    const auto escaped = [](uint unit) { return QStringLiteral("\\u%1").arg(unit, 4, 16, QLatin1Char('0')); };
     QString text;
     text.reserve(json.size());
     // Compact JSON has no white space between its members, so that all of it stands in strings.
     const QVector<uint> characters = json.toUcs4();
     for (const uint character : characters) {
-        const QString utf16 = QString::fromUcs4(&character, 1);
-        if (character == ' ' || (QChar::isPrint(character) && !QChar::isSpace(character))) {
-            text += utf16;
-            continue;
-        }
-        for (const QChar unit : utf16)
-            text += QStringLiteral("\\u%1").arg(unit.unicode(), 4, 16, QLatin1Char('0'));
+        if (character == ' ' || (QChar::isPrint(character) && !QChar::isSpace(character)))
+            text += QString::fromUcs4(&character, 1);
+        else if (QChar::requiresSurrogates(character))
+            text += escaped(QChar::highSurrogate(character)) + escaped(QChar::lowSurrogate(character));
+        else
+            text += escaped(character); // fromUcs4() would leave out U+FEFF, taking it for a byte order mark
     }
     return text.toUtf8();
 }
