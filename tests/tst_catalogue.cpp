@@ -301,7 +301,8 @@ void TestCatalogue::generatorNoticesAFullDisk_data()
     QTest::addColumn<QString>("file");
     const QString whole = QFINDTESTDATA("../plugin/catalogue/catalogue.json");
     const QString small = QFINDTESTDATA("data/smallcatalogue.json"); // written in one piece, at the end
-    for (const char *file : {"integrationpluginvela.json", "plugininfo.h", "plugininfo.cpp"}) {
+    for (const char *file :
+         {"integrationpluginvela.json", "plugininfo.h", "plugininfo.cpp", "wallboxbounds.h"}) {
         QTest::addRow("%s", file) << whole << file;
         QTest::addRow("small %s", file) << small << file;
     }

@@ -35,6 +35,7 @@ public:
     QByteArray metadata() const { return QJsonDocument(m_metadata).toJson(); }
     QByteArray header() const;
     QByteArray source() const;
+    QByteArray bounds() const;
 
 private:
     QString newId(const QString &path) const;
@@ -47,6 +48,7 @@ private:
     const int m_wallboxCount;
     QJsonObject m_metadata;
     QVector<Constant> m_constants;
+    QMap<QString, int> m_bounds; // of the states that can be set, by the name of their constant
 };
 
 Generator::Generator(const QJsonObject &catalogue)
@@ -131,6 +133,10 @@ QJsonArray Generator::states(const QJsonArray &descriptions, const QString &clas
             addConstant(QStringLiteral("ActionTypeId"), stem + QLatin1String("ActionTypeId"), id);
             addConstant(QStringLiteral("ParamTypeId"),
                         stem + QLatin1String("Action") + upperFirst(name) + QLatin1String("ParamTypeId"), id);
+            for (const QString &bound : {QStringLiteral("minValue"), QStringLiteral("maxValue")}) {
+                if (state.contains(bound))
+                    m_bounds.insert(name + upperFirst(bound), state.value(bound).toInt());
+            }
         }
         result.append(state);
     }
@@ -177,6 +183,17 @@ QByteArray Generator::source() const
     return text;
 }
 
+QByteArray Generator::bounds() const
+{
+    QByteArray text =
+        "// Generated from catalogue.json: the number of wallbox classes, and the bounds of the states that\n"
+        "// can be set, in their units.\n\n#pragma once\n\n";
+    text += "constexpr int wallboxCount = " + QByteArray::number(m_wallboxCount) + ";\n";
+    for (auto it = m_bounds.begin(); it != m_bounds.end(); ++it)
+        text += "constexpr int " + it.key().toLatin1() + " = " + QByteArray::number(it.value()) + ";\n";
+    return text;
+}
+
 bool write(const QString &fileName, const QByteArray &content)
 {
     QFile file(fileName);
@@ -214,6 +231,7 @@ int main(int argc, char *argv[])
     const bool written =
         write(folder.filePath(QStringLiteral("integrationpluginvela.json")), generator.metadata())
         && write(folder.filePath(QStringLiteral("plugininfo.h")), generator.header())
-        && write(folder.filePath(QStringLiteral("plugininfo.cpp")), generator.source());
+        && write(folder.filePath(QStringLiteral("plugininfo.cpp")), generator.source())
+        && write(folder.filePath(QStringLiteral("wallboxbounds.h")), generator.bounds());
     return written ? 0 : 1;
 }
