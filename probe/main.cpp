@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "commandline.h"
 #include "options.h"
 #include "printable.h"
 #include "probe.h"
-#include "secret.h"
+#include "report.h"
 #include "standardstreams.h"
 
 #include <QCoreApplication>
@@ -12,44 +13,27 @@
 
 #include <cstdio>
 
-namespace {
-
-void print(const QByteArray &text)
-{
-    std::fputs(text.constData(), stdout);
-    std::fflush(stdout); // a step may take long; what is known by then is shown
-}
-
-/*! Prints a message of Qt, which may quote the backend. */
-void printMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    std::fprintf(stderr, "%s\n", qUtf8Printable(printable(qFormatLogMessage(type, context, message))));
-}
-
-} // namespace
-
 int main(int argc, char *argv[])
 {
     openStandardStreams();
-    qInstallMessageHandler(printMessage);
+    // A message of Qt may quote the backend.
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &message) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(printable(qFormatLogMessage(type, context, message))));
+    });
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vela-probe"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));
-    // The client's story is the report's; QT_LOGGING_RULES still brings it back.
+    // The report tells what the client does. QT_LOGGING_RULES can enable its debug messages again.
     QLoggingCategory::setFilterRules(QStringLiteral("Vela.debug=false"));
 
-    const Options options = readOptions(QCoreApplication::arguments());
-    const QString secret = readSecret(options.secretFile);
-    Probe probe({options.url, options.groupId, secret, options.limit, options.timeout});
-    if (!options.json)
-        QObject::connect(&probe, &Probe::stepDone, &probe,
-                         [](const StepReport &report) { print(stepText(report).toUtf8() + '\n'); });
-    // Queued, so that the end finds the event loop running even where the probe ends at once.
-    QObject::connect(&probe, &Probe::finished, &application, &QCoreApplication::quit, Qt::QueuedConnection);
-    probe.start();
-    QCoreApplication::exec();
-
-    const Report &report = probe.report();
-    print(options.json ? printableJson(toJson(report)) + '\n' : verdictText(report).toUtf8());
-    return works(report) ? 0 : 1;
+    const ProbeOptions options = readOptions(QCoreApplication::arguments());
+    const Report report = Probe(options).run([&options](const Step &step) {
+        if (!options.json)
+            std::puts(qUtf8Printable(stepText(step)));
+        std::fflush(stdout); // the next step may take long
+    });
+    std::printf("%s",
+                options.json ? (printableJson(toJson(report)) + '\n').constData()
+                             : qUtf8Printable(verdictText(report)));
+    return count(report, Problem) == 0 ? Succeeded : Failed;
 }

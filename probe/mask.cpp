@@ -5,7 +5,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QUrl>
 
 #include <algorithm>
@@ -37,25 +36,4 @@ QString Mask::operator()(const QString &text) const
     for (const QString &secret : m_hidden)
         masked.replace(secret, QLatin1String("***"));
     return masked;
-}
-
-QJsonValue Mask::operator()(const QJsonValue &value) const
-{
-    if (value.isString())
-        return (*this)(value.toString());
-    if (value.isArray()) {
-        QJsonArray masked;
-        const QJsonArray array = value.toArray();
-        for (const QJsonValue &element : array)
-            masked.append((*this)(element));
-        return masked;
-    }
-    if (value.isObject()) {
-        QJsonObject masked;
-        const QJsonObject object = value.toObject();
-        for (auto it = object.begin(); it != object.end(); ++it)
-            masked.insert((*this)(it.key()), (*this)(it.value()));
-        return masked;
-    }
-    return value;
 }

@@ -4,8 +4,6 @@
 #ifndef MASK_H
 #define MASK_H
 
-#include <QJsonValue>
-#include <QString>
 #include <QStringList>
 
 /*! Hides secrets in texts, wherever a backend or an error message may repeat them. */
@@ -17,8 +15,6 @@ public:
 
     /*! \a text with "***" in place of secrets. Mask before cutting: half a secret is not recognised. */
     QString operator()(const QString &text) const;
-    /*! The same for every text in \a value, member names included. */
-    QJsonValue operator()(const QJsonValue &value) const;
 
 private:
     QStringList m_hidden; // the longest first, so that none leaves a part of another

@@ -4,30 +4,31 @@
 #ifndef OPTIONS_H
 #define OPTIONS_H
 
-#include "groupinfo.h"
-
-#include <QString>
 #include <QStringList>
 
 #include <chrono>
 #include <optional>
 
-/*! What the command line asks for. */
-struct Options
+/*! The charge limit that the user wants to try. */
+struct LimitRequest
 {
-    QString url;
+    QString wallbox; //!< infrastructure id
+    int ampere = 0;  //!< 0 forbids charging
+};
+
+/*! What the user asks for. */
+struct ProbeOptions
+{
+    QString url; //!< as the user would enter it in nymea
     QString groupId;
-    QString secretFile; //!< empty when none is named
-    std::optional<LimitRequest> limit;
-    std::chrono::milliseconds timeout{0};
+    QString secret;
+    std::optional<LimitRequest> limit;    //!< none: no limit is sent
+    std::chrono::milliseconds timeout{0}; //!< for each step
     bool json = false;
 };
 
-/*! Reads \a arguments, the program's name first. Ends the program where they are unusable, or ask for no more
-    than help or the version. */
-Options readOptions(const QStringList &arguments);
-
-/*! Ends the program with one line about \a reason: it was called in a way that it cannot work with. */
-[[noreturn]] void failUsage(const QString &reason);
+/*! Reads \a arguments, the program's name first, and the secret: from the file that they name, else from the
+    environment, else from the terminal. Ends the program if they are unusable or ask only for help. */
+ProbeOptions readOptions(const QStringList &arguments);
 
 #endif // OPTIONS_H

@@ -4,82 +4,47 @@
 #ifndef PROBE_H
 #define PROBE_H
 
-#include "groupinfo.h"
 #include "mask.h"
-#include "report.h"
+#include "options.h"
+#include "step.h"
 
-#include <QElapsedTimer>
-#include <QObject>
-#include <QTimer>
+#include <QMap>
 
-#include <chrono>
+#include <functional>
 #include <memory>
-#include <optional>
 
 class NetworkHandler;
 
-/*! What to check, and how. */
-struct ProbeTarget
-{
-    QString url; //!< as the user would enter it in nymea
-    QString groupId;
-    QString secret;
-    std::optional<LimitRequest> limit;    //!< none: no limit is sent
-    std::chrono::milliseconds timeout{0}; //!< for each step
-};
-
-/*! Talks to a backend as the plugin does, one request after the other, and judges every answer. Unlike the
-    plugin it gives up waiting, so that it ends. */
+/*! Talks to a backend with the plugin's client and judges every answer. Unlike the plugin it gives up
+    waiting, and stops reading a reply that is too long. */
 class Probe : public QObject
 {
-    Q_OBJECT
 public:
-    explicit Probe(const ProbeTarget &target);
+    explicit Probe(const ProbeOptions &options);
     ~Probe() override;
 
-    /*! Begins; to be called once. finished() follows, at once where nothing can be asked. */
-    void start();
-
-    /*! The steps done so far, free of secrets. */
-    const Report &report() const { return m_report; }
-
-Q_SIGNALS:
-    /*! A step is done or skipped. \a report is free of secrets. */
-    void stepDone(const StepReport &report);
-    void finished();
+    /*! Takes one step after the other, in an event loop of its own. \a stepDone is called after each. What
+        it is given, and what is returned, is free of secrets. To be called once. */
+    Report run(const std::function<void(const Step &)> &stepDone);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    using Continuation = void (Probe::*)(const StepReport &);
+    void checkUrl(Step &step);
+    void checkOnline(Step &step);
+    void askGroupInfo(Step &step);
+    void askValues(Step &step);
+    void sendLimit(Step &step);
 
-    void checkOnline();
-    void afterOnline(const StepReport &report);
-    void askGroupInfo();
-    void afterGroupInfo(const StepReport &answered);
-    void askValues();
-    void afterValues(const StepReport &answered);
-    void sendLimit();
-    void afterLimit(const StepReport &report);
-
+    bool post(Step &step, const QString &path, const QJsonObject &body = {});
     void connectHandler();
-    void post(Step step, const QString &path, QJsonObject body, Continuation next);
-    void takeReply(QNetworkReply *reply);
-    void giveUp();
-    void conclude(const Answer &answer);
-    void add(const StepReport &report);
-    void skipFrom(Step first, const QString &reason);
 
-    ProbeTarget m_target;
+    const ProbeOptions m_options;
     Mask m_mask;
-    std::unique_ptr<NetworkHandler> m_handler; // replaced where it has to forget a request
-    QTimer m_timeout;                          // runs while a request is under way, as does the clock
-    QElapsedTimer m_clock;
-    StepReport m_current;          // the step under way
-    Continuation m_next = nullptr; // what its answer goes to
-    QJsonObject m_evseIds;         // the group's wallboxes, once known
-    Report m_report;
+    std::unique_ptr<NetworkHandler> m_handler; // replaced when it has to forget a request
+    QMap<QString, int> m_maxCurrents;          // of the group's wallboxes, in A, once they are known
+    QString m_obstacle; // why the remaining steps are skipped; empty while they are not
 };
 
 #endif // PROBE_H

@@ -7,23 +7,20 @@
 #include "printable.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QMetaEnum>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
 constexpr int longestText = 200; // characters of anything that the backend or the user said
-constexpr int longestBody = 200; // characters of a reply's body
 
-struct StepName
+constexpr struct
 {
     const char *id; // for machines
     const char *title;
-};
-
-constexpr StepName stepNames[] = {
+} stepNames[] = {
     {"url",          "URL"         },
     {"online-check", "Online check"},
     {"group-info",   "Group info"  },
@@ -31,186 +28,162 @@ constexpr StepName stepNames[] = {
     {"charge-limit", "Charge limit"},
 };
 
-const StepName &nameOf(Step step)
+QString errorName(const Step &step)
 {
-    return stepNames[int(step)];
+    return QString::fromLatin1(QMetaEnum::fromType<QNetworkReply::NetworkError>().valueToKey(step.error));
 }
 
-QString errorName(QNetworkReply::NetworkError error)
+QString compact(const QJsonDocument &json)
 {
-    return QString::fromLatin1(QMetaEnum::fromType<QNetworkReply::NetworkError>().valueToKey(error));
+    return QString::fromUtf8(json.toJson(QJsonDocument::Compact));
 }
 
-QString compact(const QJsonObject &object)
+QString answerText(const Step &step)
 {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
-
-QString shortened(const QString &text, int length)
-{
-    return text.size() > length ? text.left(length) + QStringLiteral("…") : text;
-}
-
-/*! JSON in Qt's own spelling, so that no escape sequence hides a secret; other text as it is. */
-QString replyText(const QByteArray &body)
-{
-    const QJsonDocument document = QJsonDocument::fromJson(body);
-    return QString::fromUtf8(document.isNull() ? body : document.toJson(QJsonDocument::Compact));
-}
-
-QString answerText(const StepReport &report)
-{
-    const Answer &answer = report.answer;
-    const QString after = QStringLiteral("after %1 ms").arg(answer.duration.count());
-    if (answer.timedOut)
+    const QString after = QStringLiteral("after %1 ms").arg(step.duration.count());
+    if (step.timedOut)
         return QLatin1String("none ") + after;
-    if (answer.status == 0)
-        return QStringLiteral("none, %1 %2").arg(errorName(answer.error), after);
-    const bool plain = answer.status >= 400 || answer.succeeded();
-    return QStringLiteral("HTTP %1 ").arg(answer.status) + after
-        + (plain ? QString() : QLatin1String(", ") + errorName(answer.error));
+    if (step.status == 0)
+        return QStringLiteral("none, %1 %2").arg(errorName(step), after);
+    const bool plain = step.status >= 400 || step.succeeded();
+    return QStringLiteral("HTTP %1 %2").arg(step.status).arg(after)
+        + (plain ? QString() : QLatin1String(", ") + errorName(step));
 }
 
-QString line(const QString &label, const QString &text)
+/*! Whether it helps to see the reply: if the matter is one wallbox, the finding quotes all there is. */
+bool isReplyOfInterest(const Step &step)
 {
-    return QLatin1String("  ") + label.leftJustified(9) + printable(text) + QLatin1Char('\n');
+    return !step.reply.isEmpty()
+        && std::any_of(step.findings.begin(), step.findings.end(), [](const Finding &finding) {
+               return finding.severity == Problem && finding.wallbox.isEmpty();
+           });
 }
 
-QString findingLine(const Finding &finding)
+QString line(const char *label, const QString &text)
 {
-    const bool isProblem = finding.kind == Finding::Kind::Problem;
-    const QString subject = finding.wallbox.isEmpty() ? QString() : finding.wallbox + QLatin1String(": ");
-    return line(isProblem ? QStringLiteral("PROBLEM") : QStringLiteral("remark"),
-                subject + finding.sentence());
+    return QStringLiteral("  %1%2\n").arg(QLatin1String(label), -9).arg(printable(text));
 }
 
 QJsonObject toJson(const Finding &finding)
 {
-    const bool isProblem = finding.kind == Finding::Kind::Problem;
-    QJsonObject json;
-    json.insert(QStringLiteral("kind"), isProblem ? QStringLiteral("problem") : QStringLiteral("remark"));
-    json.insert(QStringLiteral("code"), finding.code);
-    json.insert(QStringLiteral("text"), finding.sentence());
+    QJsonObject json{
+        {QStringLiteral("kind"), QLatin1String(finding.severity == Problem ? "problem" : "warning")},
+        {QStringLiteral("code"), finding.code                                                      },
+        {QStringLiteral("text"), finding.sentence()                                                },
+    };
     if (!finding.wallbox.isEmpty())
         json.insert(QStringLiteral("wallbox"), finding.wallbox);
     return json;
 }
 
-/*! Whether it helps to see the reply: where the matter is one wallbox, the finding quotes all there is. */
-bool isReplyOfInterest(const StepReport &report)
+QJsonObject requestJson(const Step &step)
 {
-    return !report.answer.body.isEmpty()
-        && std::any_of(report.findings.begin(), report.findings.end(), [](const Finding &finding) {
-               return finding.kind == Finding::Kind::Problem && finding.wallbox.isEmpty();
-           });
-}
-
-QJsonObject exchangeJson(const StepReport &report)
-{
-    QJsonObject json;
-    json.insert(QStringLiteral("method"), QStringLiteral("POST"));
-    json.insert(QStringLiteral("url"), report.url);
-    json.insert(QStringLiteral("body"), report.body);
-    json.insert(QStringLiteral("milliseconds"), qint64(report.answer.duration.count()));
-    json.insert(QStringLiteral("timedOut"), report.answer.timedOut);
-    json.insert(QStringLiteral("status"), report.answer.status); // 0 without an answer
-    if (report.answer.error != QNetworkReply::NoError)
-        json.insert(QStringLiteral("error"), errorName(report.answer.error));
-    if (isReplyOfInterest(report))
-        json.insert(QStringLiteral("reply"), QString::fromUtf8(report.answer.body));
+    QJsonObject json{
+        {QStringLiteral("method"),       QStringLiteral("POST")       },
+        {QStringLiteral("url"),          step.url                     },
+        {QStringLiteral("body"),         step.body                    },
+        {QStringLiteral("milliseconds"), qint64(step.duration.count())},
+        {QStringLiteral("timedOut"),     step.timedOut                },
+        {QStringLiteral("status"),       step.status                  }, // 0 without an answer
+    };
+    if (step.error != QNetworkReply::NoError)
+        json.insert(QStringLiteral("error"), errorName(step));
+    if (isReplyOfInterest(step))
+        json.insert(QStringLiteral("reply"), QString::fromUtf8(step.reply));
     return json;
 }
 
-QJsonObject toJson(const StepReport &report)
+QJsonObject toJson(const Step &step)
 {
-    QJsonObject json;
-    json.insert(QStringLiteral("step"), QString::fromLatin1(nameOf(report.step).id));
-    if (!report.skipped.isEmpty())
-        json.insert(QStringLiteral("skipped"), report.skipped);
-    if (!report.url.isEmpty())
-        json.insert(QStringLiteral("request"), exchangeJson(report));
-    json.insert(QStringLiteral("details"), QJsonArray::fromStringList(report.details));
     QJsonArray findings;
-    for (const Finding &finding : report.findings)
+    for (const Finding &finding : step.findings)
         findings.append(toJson(finding));
-    json.insert(QStringLiteral("findings"), findings);
+    QJsonObject json{
+        {QStringLiteral("step"),     QLatin1String(stepNames[step.stage].id) },
+        {QStringLiteral("details"),  QJsonArray::fromStringList(step.details)},
+        {QStringLiteral("findings"), findings                                },
+    };
+    if (!step.skipped.isEmpty())
+        json.insert(QStringLiteral("skipped"), step.skipped);
+    if (!step.url.isEmpty())
+        json.insert(QStringLiteral("request"), requestJson(step));
     return json;
-}
-
-int countAll(const Report &report, Finding::Kind kind)
-{
-    int sum = 0;
-    for (const StepReport &step : report)
-        sum += count(step.findings, kind);
-    return sum;
 }
 
 } // namespace
 
-StepReport masked(StepReport report, const Mask &mask)
+Step masked(Step step, const Mask &mask)
 {
-    const auto clean = [&mask](const QString &text) { return shortened(mask(text), longestText); };
-    report.url = mask(report.url);
-    const QStringList members = report.body.keys(); // ours; only what they hold may tell anything
-    for (const QString &member : members)
-        report.body.insert(member, mask(report.body.value(member)));
-    report.answer.errorText = clean(report.answer.errorText);
-    report.answer.redirect = clean(report.answer.redirect);
-    report.answer.body = shortened(mask(replyText(report.answer.body)), longestBody).toUtf8();
-    for (QString &detail : report.details)
-        detail = clean(detail);
-    for (Finding &finding : report.findings) {
-        finding.quote = clean(finding.quote);
+    // Masked before it is cut: half a secret would not be recognised.
+    const auto clean = [&mask](const QString &text) {
+        const QString masked = mask(text);
+        return masked.size() > longestText ? masked.left(longestText) + QStringLiteral("…") : masked;
+    };
+    step.url = mask(step.url);
+    step.body = QJsonDocument::fromJson(mask(compact(QJsonDocument(step.body))).toUtf8()).object();
+    step.body.insert(QStringLiteral("secret"), QStringLiteral("***"));
+    // JSON is shown in Qt's own spelling, so that no escape sequence hides a secret.
+    step.reply = clean(step.json.isNull() ? QString::fromUtf8(step.reply) : compact(step.json)).toUtf8();
+    step.json = {};
+    step.errorText.clear(); // quoted by the findings, as is the redirect
+    step.redirect.clear();
+    std::transform(step.details.begin(), step.details.end(), step.details.begin(), clean);
+    for (Finding &finding : step.findings) {
+        std::transform(finding.quotes.begin(), finding.quotes.end(), finding.quotes.begin(), clean);
         finding.wallbox = clean(finding.wallbox);
     }
-    return report;
+    return step;
 }
 
-bool works(const Report &report)
+int count(const Report &report, Severity severity)
 {
-    return countAll(report, Finding::Kind::Problem) == 0;
+    return std::accumulate(report.begin(), report.end(), 0,
+                           [severity](int sum, const Step &step) { return sum + step.count(severity); });
 }
 
-QString stepText(const StepReport &report)
+QString stepText(const Step &step)
 {
-    QString text = QString::fromLatin1(nameOf(report.step).title) + QLatin1Char('\n');
-    if (!report.url.isEmpty()) {
-        text += line(QStringLiteral("sent"), QLatin1String("POST ") + report.url);
-        text += line(QString(), compact(report.body));
-        text += line(QStringLiteral("answer"), answerText(report));
+    QString text = QLatin1String(stepNames[step.stage].title) + QLatin1Char('\n');
+    if (!step.url.isEmpty()) {
+        text += line("sent", QLatin1String("POST ") + step.url);
+        text += line("", compact(QJsonDocument(step.body)));
+        text += line("answer", answerText(step));
     }
-    for (const QString &detail : report.details)
-        text += line(QString(), detail);
-    for (const Finding &finding : report.findings)
-        text += findingLine(finding);
-    if (isReplyOfInterest(report))
-        text += line(QStringLiteral("reply"), QString::fromUtf8(report.answer.body));
-    if (!report.skipped.isEmpty())
-        text += line(QStringLiteral("skipped"), report.skipped);
-    else if (report.findings.isEmpty())
+    for (const QString &detail : step.details)
+        text += line("", detail);
+    for (const Finding &finding : step.findings) {
+        const QString subject = finding.wallbox.isEmpty() ? QString() : finding.wallbox + QLatin1String(": ");
+        text += line(finding.severity == Problem ? "PROBLEM" : "warning", subject + finding.sentence());
+    }
+    if (isReplyOfInterest(step))
+        text += line("reply", QString::fromUtf8(step.reply));
+    if (!step.skipped.isEmpty())
+        text += line("skipped", step.skipped);
+    else if (step.findings.isEmpty())
         text += QLatin1String("  ok\n");
     return text;
 }
 
 QString verdictText(const Report &report)
 {
-    const QString verdict = works(report) ? QStringLiteral("The plugin would work with this backend")
-                                          : QStringLiteral("The plugin would not work with this backend");
-    return QStringLiteral("%1 (problems: %2, remarks: %3).\n")
-        .arg(verdict)
-        .arg(countAll(report, Finding::Kind::Problem))
-        .arg(countAll(report, Finding::Kind::Remark));
+    const int problems = count(report, Problem);
+    return QStringLiteral("The plugin would %1work with this backend (problems: %2, warnings: %3).\n")
+        .arg(QLatin1String(problems == 0 ? "" : "not "))
+        .arg(problems)
+        .arg(count(report, Warning));
 }
 
 QJsonObject toJson(const Report &report)
 {
     QJsonArray steps;
-    for (const StepReport &step : report)
+    for (const Step &step : report)
         steps.append(toJson(step));
-    QJsonObject json;
-    json.insert(QStringLiteral("works"), works(report));
-    json.insert(QStringLiteral("problems"), countAll(report, Finding::Kind::Problem));
-    json.insert(QStringLiteral("remarks"), countAll(report, Finding::Kind::Remark));
-    json.insert(QStringLiteral("steps"), steps);
-    return json;
+    const int problems = count(report, Problem);
+    const int warnings = count(report, Warning);
+    return {
+        {QStringLiteral("works"),    problems == 0},
+        {QStringLiteral("problems"), problems     },
+        {QStringLiteral("warnings"), warnings     },
+        {QStringLiteral("steps"),    steps        },
+    };
 }

@@ -4,36 +4,19 @@
 #ifndef REPORT_H
 #define REPORT_H
 
-#include "transport.h"
-
-#include <QJsonObject>
-#include <QStringList>
+#include "step.h"
 
 class Mask;
 
-/*! What became of one step. */
-struct StepReport
-{
-    Step step = Step::Url;
-    QString skipped;     //!< why the step was not tried; empty when it was
-    QString url;         //!< that was posted to; empty for steps without a request
-    QJsonObject body;    //!< that was sent
-    Answer answer;       //!< to the request
-    QStringList details; //!< what the plugin takes over, a line each
-    Findings findings;
-};
+/*! \a step without secrets, and with the backend's text, the body of its answer too, cut to a readable
+    length. */
+Step masked(Step step, const Mask &mask);
 
-using Report = QVector<StepReport>;
-
-/*! \a report without secrets, and with the backend's words, the body of its answer too, cut to a length that
-    one can look at. */
-StepReport masked(StepReport report, const Mask &mask);
-
-/*! Whether the plugin would work with the backend. */
-bool works(const Report &report);
+/*! How many findings of all steps have that severity. Without a problem the plugin would work. */
+int count(const Report &report, Severity severity);
 
 /*! For people: one step, and the verdict on all. Both end in a newline. */
-QString stepText(const StepReport &report);
+QString stepText(const Step &step);
 QString verdictText(const Report &report);
 
 /*! For machines: all of it. */

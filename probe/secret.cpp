@@ -3,7 +3,7 @@
 
 #include "secret.h"
 
-#include "options.h"
+#include "commandline.h"
 
 #include <QFile>
 
@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr char variable[] = "VELA_SECRET";
+constexpr char secretVariable[] = "VELA_SECRET";
 
 termios terminalBefore; // while the user is asked; within reach of the signal handler
 
@@ -26,7 +26,7 @@ void restoreTerminal()
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &terminalBefore);
 }
 
-// A prompt that is interrupted must not leave a terminal behind that shows nothing of what is typed.
+// An interrupted prompt must not leave a terminal that does not echo.
 void endInterrupted(int signal)
 {
     restoreTerminal();
@@ -34,58 +34,55 @@ void endInterrupted(int signal)
     std::raise(signal);
 }
 
-QString ask(const char *prompt)
+QString readSecretFile(const QString &name)
 {
+    if (name.isEmpty())
+        endWithUsageError(QStringLiteral("--secret-file takes the name of a file"));
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        endWithUsageError(QStringLiteral("cannot read %1: %2").arg(name, file.errorString()));
+    QByteArray content = file.readAll();
+    for (const char end : {'\n', '\r'}) {
+        if (content.endsWith(end))
+            content.chop(1);
+    }
+    if (content.contains('\n'))
+        endWithUsageError(QStringLiteral("%1 has more than one line").arg(name));
+    return QString::fromUtf8(content);
+}
+
+QString askForSecret()
+{
+    if (isatty(STDIN_FILENO) == 0)
+        endWithUsageError(QStringLiteral("no secret: name a file with --secret-file, or set VELA_SECRET"));
     tcgetattr(STDIN_FILENO, &terminalBefore);
     std::signal(SIGINT, endInterrupted);
     std::signal(SIGTERM, endInterrupted);
     termios silent = terminalBefore;
     silent.c_lflag &= ~tcflag_t(ECHO);
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
-
-    std::fputs(prompt, stderr); // only now: whoever answers it is not seen
+    std::fputs("Group secret: ", stderr); // not before input is no longer echoed
     std::string line;
     std::getline(std::cin, line);
-    std::fputc('\n', stderr); // in place of the user's, which was not shown either
-
+    std::fputc('\n', stderr); // the user's own was not echoed either
     restoreTerminal();
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
     return QString::fromLocal8Bit(line.data(), int(line.size()));
 }
 
-QString readFile(const QString &name)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        failUsage(QStringLiteral("cannot read %1: %2").arg(name, file.errorString()));
-    QByteArray content = file.readAll();
-    if (content.endsWith('\n'))
-        content.chop(1);
-    if (content.endsWith('\r'))
-        content.chop(1);
-    if (content.contains('\n'))
-        failUsage(QStringLiteral("%1 holds more than one line").arg(name));
-    return QString::fromUtf8(content);
-}
-
-QString findSecret(const QString &file)
-{
-    if (!file.isEmpty())
-        return readFile(file);
-    if (qEnvironmentVariableIsSet(variable))
-        return qEnvironmentVariable(variable);
-    if (isatty(STDIN_FILENO) == 0)
-        failUsage(QStringLiteral("no secret: name a file with --secret-file, or set VELA_SECRET"));
-    return ask("Group secret: ");
-}
-
 } // namespace
 
-QString readSecret(const QString &file)
+QString readSecret(const CommandLine &line)
 {
-    QString secret = findSecret(file);
+    QString secret;
+    if (line.isSet("secret-file"))
+        secret = readSecretFile(line.text("secret-file"));
+    else if (qEnvironmentVariableIsSet(secretVariable))
+        secret = qEnvironmentVariable(secretVariable);
+    else
+        secret = askForSecret();
     if (secret.isEmpty())
-        failUsage(QStringLiteral("the secret is empty; nymea takes no empty one either"));
+        endWithUsageError(QStringLiteral("the secret is empty; nymea does not accept an empty one either"));
     return secret;
 }

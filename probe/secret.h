@@ -6,8 +6,10 @@
 
 #include <QString>
 
-/*! The group's secret: from \a file unless that is empty, else from the environment, else from the user at
-    the terminal. Ends the program when there is none. */
-QString readSecret(const QString &file);
+class CommandLine;
+
+/*! The group's secret: from the file that \a line names, else from the environment, else from the terminal. Ends
+    the program if there is none. */
+QString readSecret(const CommandLine &line);
 
 #endif // SECRET_H

@@ -3,65 +3,131 @@
 
 #include "json.h"
 #include "logrecorder.h"
+#include "mask.h"
 #include "networkhandler.h"
+#include "replies.h"
+#include "report.h"
 #include "scriptedbackend.h"
+#include "transport.h"
+#include "waiting.h"
 
-#include <QJsonArray>
 #include <QProcess>
 #include <QtTest>
+
+/*! What the simulator cannot show, see transcripts/probe-*.txt for the rest: how single replies are judged,
+    and the program at a backend that breaks HTTP. */
+class TestProbe : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void findings_data();
+    void findings();
+    void secretIsNotRepeated();
+    void asksWhatThePluginAsks();
+    void brokenReplies();
+    void secretFromTerminal();
+};
 
 namespace {
 
 constexpr char program[] = VELA_PROBE_FILE;
 
-/*! A backend with two wallboxes that the plugin would work with. */
-class GoodBackend : public ScriptedBackend
+const QByteArray goodRecord =
+    R"({"timestamp": "2026-05-01T12:00:00Z", "status": "Charging", "meter_value": 3500, "phase_1": 16})";
+
+/*! The findings of \a step, as a reader of the row compares them: "problem CODE WALLBOX, warning CODE". */
+QString listed(const Step &step)
 {
-public:
-    GoodBackend()
-    {
-        const QJsonObject record{
-            {"timestamp",   QDateTime::currentDateTimeUtc().toString(Qt::ISODate)},
-            {"status",      "Charging"                                           },
-            {"meter_value", 3500                                                 },
-            {"phase_1",     16                                                   },
-        };
-        for (const char *infraId : {"EVSE-01", "EVSE-02"}) {
-            setWallbox(infraId, 16);
-            values.insert(infraId, record);
-        }
+    QStringList lines;
+    for (const Finding &finding : step.findings) {
+        const QString severity = finding.severity == Problem ? "problem " : "warning ";
+        lines.append((severity + finding.code + ' ' + finding.wallbox).trimmed());
     }
-};
+    return lines.join(", ");
+}
 
-/*! The probe's run: its exit status, -1 after a crash, and what it printed. */
-struct Run
+Step replied(const QByteArray &body)
 {
-    int status = -1;
-    QString out;
-    QString err;
-};
+    Step step;
+    step.reply = body;
+    step.json = QJsonDocument::fromJson(body, &step.notJson);
+    return step;
+}
 
-Run run(const QStringList &arguments, const QString &secret = "s3cret")
+QString url(const char *url)
+{
+    Step step;
+    judgeUrl(step, url);
+    return listed(step);
+}
+
+QString answer(Step::Stage stage, int status, int milliseconds = 0, const QByteArray &body = "{}")
+{
+    Step step = replied(body);
+    step.stage = stage;
+    step.status = status;
+    step.error = status < 400 ? QNetworkReply::NoError : QNetworkReply::UnknownContentError;
+    step.duration = std::chrono::milliseconds(milliseconds);
+    judgeAnswer(step);
+    return listed(step);
+}
+
+QString failure(Step::Stage stage, QNetworkReply::NetworkError error)
+{
+    Step step;
+    step.stage = stage;
+    step.error = error;
+    judgeAnswer(step);
+    return listed(step);
+}
+
+QString groupInfo(const QByteArray &body)
+{
+    Step step = replied(body);
+    readGroupInfo(step);
+    return listed(step);
+}
+
+QString maximum(const QByteArray &ampere)
+{
+    return groupInfo(R"({"evse_ids": {"a": {"max_charging_current": )" + ampere + "}}}");
+}
+
+/*! Of the live values of a wallbox "a". */
+QString values(const QByteArray &body)
+{
+    Step step = replied(body);
+    readValues(step, {"a"}, QDateTime::fromString("2026-05-01T12:00:00Z", Qt::ISODate));
+    return listed(step);
+}
+
+/*! Of a good record in which \a member has another \a value. */
+QString record(const char *member, const QJsonValue &value)
+{
+    QJsonObject record = json(goodRecord);
+    record.insert(member, value);
+    return values(R"({"success": true, "values": {"a": )" + QJsonDocument(record).toJson() + "}}");
+}
+
+QString masked(const QString &text)
+{
+    Mask mask;
+    mask.hide("");
+    mask.hide(R"(<a"b ü>)");
+    return mask(text);
+}
+
+/*! Runs the probe and returns what it prints, its status last. The backend, which lives in this thread,
+    answers meanwhile. */
+QString run(const QStringList &arguments, const QString &secret = "s3cret")
 {
     QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove("VELA_SECRET");
-    if (!secret.isNull())
-        environment.insert("VELA_SECRET", secret);
-    process.setProcessEnvironment(environment);
-    process.setStandardInputFile(QProcess::nullDevice());
-    // The backend lives in this thread, and answers while the event loop runs.
-    QEventLoop loop;
-    QObject::connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
-                     &QEventLoop::quit);
-    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
-    process.start(QString::fromUtf8(program), arguments);
-    loop.exec();
-    if (process.state() != QProcess::NotRunning)
-        return {};
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start("env", QStringList{"VELA_SECRET=" + secret, program} + arguments);
+    if (!waitFor([&] { return process.state() == QProcess::NotRunning; }))
+        return "does not end";
+    return QString::fromUtf8(process.readAll()) + "status " + QString::number(process.exitCode());
 }
 
 /*! What is on the wire, without the header that names the port. */
@@ -69,52 +135,137 @@ QString wire(const QList<ScriptedBackend::Request> &requests)
 {
     QStringList lines;
     for (const ScriptedBackend::Request &request : requests) {
-        QStringList headers;
-        for (auto it = request.headers.begin(); it != request.headers.end(); ++it) {
-            if (it.key() != "host")
-                headers.append(QString::fromUtf8(it.key() + ": " + it.value()));
-        }
-        headers.sort();
-        lines.append(QString::fromUtf8(request.target + '\n') + headers.join('\n')
-                     + QString::fromUtf8("\n\n" + request.body));
+        lines.append(QString::fromUtf8(request.target + '\n' + request.body));
+        for (auto it = request.headers.begin(); it != request.headers.end(); ++it)
+            lines.append(QString::fromUtf8(it.key() + ": " + (it.key() == "host" ? "" : it.value())));
     }
+    lines.sort();
     return lines.join('\n');
 }
 
 } // namespace
 
-Q_DECLARE_METATYPE(ScriptedBackend::Operation)
-
-class TestProbe : public QObject
+void TestProbe::initTestCase()
 {
-    Q_OBJECT
-private Q_SLOTS:
-    void asksWhatThePluginAsks();
-    void limitIsSentOnlyOnDemand();
-    void fault_data();
-    void fault();
-    void nobodyThere();
-    void silentBackendIsGivenUp();
-    void cutGroupInfoIsDangerous();
-    void endlessReplyIsBrokenOff();
-    void usage_data();
-    void usage();
-    void secretFromFile();
-    void secretFromTerminal();
-    void secretIsNotRepeated();
-    void jsonDocument();
-};
+    qputenv("TZ", "UTC-2"); // POSIX: two hours east of UTC
+}
+
+void TestProbe::findings_data()
+{
+    QTest::addColumn<QString>("found");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const QString &found, const char *expected) {
+        QTest::newRow(name) << found << expected;
+    };
+    row("host and port", url("https://192.168.1.20:8080"), "");
+    row("this machine", url("http://localhost:8080/"), "");
+    row("this machine, IPv6", url("http://[::1]:8080"), "");
+    row("name without scheme", url("localhost:8080"), "problem unusable-url");
+    row("other scheme", url("ftp://backend"), "problem unusable-url");
+    row("no host", url("http://"), "problem unusable-url");
+    row("port out of range", url("http://backend:70000"), "problem unusable-url");
+
+    row("any success", answer(Step::GroupInfo, 299), "");
+    row("wrong token", answer(Step::GroupInfo, 401), "problem token-refused");
+    row("malformed request", answer(Step::LiveValues, 400), "problem bad-request");
+    row("unusual status", answer(Step::GroupInfo, 451), "problem http-error");
+    row("no online check", answer(Step::OnlineCheck, 404), "warning no-online-check");
+    row("redirect", answer(Step::GroupInfo, 302, 0, "<html>"), "problem redirect");
+    row("redirect that is read", answer(Step::GroupInfo, 302), "");
+    row("just in time", answer(Step::LiveValues, 200, 1500), "");
+    row("late", answer(Step::LiveValues, 200, 1501), "warning slow");
+    row("almost too late", answer(Step::LiveValues, 200, 12000), "warning slow");
+    row("too late", answer(Step::LiveValues, 200, 12001), "problem too-slow");
+    row("late once", answer(Step::GroupInfo, 200, 12001), "warning slow");
+    row("online check cut", failure(Step::OnlineCheck, QNetworkReply::RemoteHostClosedError),
+        "warning connection-closed");
+    row("other failure", failure(Step::GroupInfo, QNetworkReply::ProxyNotFoundError),
+        "problem network-error");
+
+    row("no body", groupInfo(""), "problem not-json");
+    row("array", groupInfo("[]"), "problem not-json");
+    row("no ids", groupInfo(R"({"success": true})"), "problem no-evse-ids");
+    row("list of ids", groupInfo(R"({"evse_ids": ["EVSE-01"]})"), "problem no-evse-ids");
+    row("only the bad one", groupInfo(R"({"evse_ids": {"a": {"max_charging_current": 16}, "b": 16}})"),
+        "problem unusable-max-current b");
+    for (const char *sound : {"6", "32", "16.0"})
+        row(qPrintable(QString("maximum ") + sound), maximum(sound), "");
+    for (const char *unusable : {"5", "33", "-6", "16.5", "\"16\"", "null"})
+        row(qPrintable(QString("maximum ") + unusable), maximum(unusable), "problem unusable-max-current a");
+
+    row("not JSON", values("\x1f\x8b"), "problem not-json");
+    row("values null", values(R"({"values": null})"), "problem no-values-object");
+    row("success as text", values(R"({"success": "true", "values": {"a": )" + goodRecord + "}}"),
+        "warning no-success");
+    row("other case", values(R"({"success": true, "values": {"A": )" + goodRecord + "}}"),
+        "problem no-values a, warning not-asked-for A");
+    row("no object", values(R"({"success": true, "values": {"a": "Available"}})"), "problem no-record a");
+
+    const QJsonValue missing(QJsonValue::Undefined);
+    row("status Unavailable", record("status", "Unavailable"), "");
+    row("lower case status", record("status", "charging"), "problem unknown-status a");
+    row("no status", record("status", missing), "problem unknown-status a");
+    row("offset", record("timestamp", "2026-05-01T14:00:00.250+02:00"), "");
+    row("no time", record("timestamp", missing), "warning no-timestamp a");
+    row("empty time", record("timestamp", ""), "warning no-timestamp a");
+    row("seconds", record("timestamp", 1777636800), "problem unreadable-timestamp a");
+    row("local time", record("timestamp", "2026-05-01T14:00:00"), "warning no-timezone a");
+    row("UTC that does not say so", record("timestamp", "2026-05-01T12:00:00"),
+        "warning no-timezone a, warning clock-difference a");
+    row("five minutes old", record("timestamp", "2026-05-01T11:55:00Z"), "");
+    row("older", record("timestamp", "2026-05-01T11:54:59Z"), "warning clock-difference a");
+    row("from the future", record("timestamp", "2026-05-01T12:05:01Z"), "warning clock-difference a");
+    row("meter as text", record("meter_value", "3500"), "problem not-a-number a");
+    row("no meter", record("meter_value", missing), "warning no-meter-value a");
+    row("phase as text", record("phase_2", "16"), "problem not-a-number a");
+    row("phase null", record("phase_2", QJsonValue::Null), "");
+    row("no phase", record("phase_1", missing), "warning no-currents a");
+
+    row("nothing to hide", masked("s3cret"), "s3cret");
+    row("secret as it is", masked("<a\"b ü> and <a\"b ü>"), "*** and ***");
+    row("secret in JSON", masked(R"({"secret":"<a\"b ü>"})"), R"({"secret":"***"})");
+    row("secret in a URL", masked("/?s=%3Ca%22b%20%C3%BC%3E"), "/?s=***");
+    row("secret in HTML", masked("<b>&lt;a&quot;b ü&gt;</b>"), "<b>***</b>");
+}
+
+void TestProbe::findings()
+{
+    QFETCH(QString, found);
+    QTEST(found, "expected");
+}
+
+void TestProbe::secretIsNotRepeated()
+{
+    const QString secret = QStringLiteral("s3\"crét");
+    for (const char *format : {"--timeout=10", "--json"}) {
+        ScriptedBackend backend;
+        backend.setWallbox(secret, 16);
+        backend.values.insert(secret,
+                              QJsonObject{
+                                  {"status", QString(197, '.') + secret}
+        }); // is cut
+        backend.answer(ScriptedBackend::Limits, 403, R"({"sent": ["s3\"cr\u00e9t"]})");
+        const QString first = run({format, "--set-limit", secret + "=6", backend.url(), "yard"}, secret);
+        const auto request = backend.requests().value(3);
+        QCOMPARE(request.json().value("secret").toString(), secret);
+        const QString token = QString::fromUtf8(request.headers.value("authorization"));
+        backend.answer(ScriptedBackend::GroupInfo, 401, token.toUtf8());
+        const QString second = run({format, backend.url(), "yard"}, secret);
+        const QString printed = first + second;
+        QCOMPARE(printed.count("refuses"), 2);
+        QVERIFY2(printed.contains("no connector status"), qPrintable(printed));
+        QVERIFY2(!printed.contains("s3") && !printed.contains(token), qPrintable(printed));
+    }
+}
 
 void TestProbe::asksWhatThePluginAsks()
 {
-    const GoodBackend probed;
-    const Run probe = run({"--set-limit", "EVSE-01=10", probed.url() + "/api", "north yard"});
-    QVERIFY2(probe.out.contains("The plugin would work with this backend (problems: 0, remarks: 1).\n"),
-             qPrintable(probe.out + probe.err));
-    QCOMPARE(probe.status, 0);
+    ScriptedBackend probed;
+    probed.setWallbox("EVSE-01", 16);
+    run({"--set-limit", "EVSE-01=10", probed.url() + "/api", "north yard"});
 
     const LogRecorder log;
-    const GoodBackend polled;
+    const ScriptedBackend polled;
     NetworkHandler plugin;
     plugin.setServerInfo(polled.url() + "/api", "north yard", "s3cret");
     QJsonObject limits = json(R"({"EVSE-01": {"value": 10, "unit": "A"}})");
@@ -122,252 +273,62 @@ void TestProbe::asksWhatThePluginAsks()
     QTRY_COMPARE(polled.requests().size(), 1);
     plugin.getConnectedInfra();
     QTRY_COMPARE(polled.requests().size(), 2);
-    plugin.getEvseValues({"EVSE-01", "EVSE-02"});
+    plugin.getEvseValues({"EVSE-01"});
     QTRY_COMPARE(polled.requests().size(), 3);
     plugin.setProfileChargePowerLimit(limits);
     QTRY_COMPARE(polled.requests().size(), 4);
     QCOMPARE(wire(probed.requests()), wire(polled.requests()));
-    const auto requests = probed.requests();
-    for (const ScriptedBackend::Request &request : requests)
-        QVERIFY2(probe.out.contains(probed.url() + QString::fromUtf8(request.target) + '\n'),
-                 request.target.constData());
 }
 
-void TestProbe::limitIsSentOnlyOnDemand()
+void TestProbe::brokenReplies()
 {
-    const GoodBackend backend;
-    QCOMPARE(run({backend.url(), "yard"}).status, 0);
-    QCOMPARE(run({"--set-limit=EVSE-02=0", backend.url(), "yard"}).status, 0);
-    const Run tooMuch = run({"--set-limit", "EVSE-01=32", backend.url(), "yard"});
-    QVERIFY2(tooMuch.out.contains("PROBLEM  EVSE-01: 32 A is more than the 16 A that the group allows it"),
-             qPrintable(tooMuch.out));
-    QCOMPARE(tooMuch.status, 1);
-    const Run stranger = run({"--set-limit", "evse-01=6", backend.url(), "yard"});
-    QVERIFY2(stranger.out.contains("PROBLEM  evse-01: "), qPrintable(stranger.out));
-    QCOMPARE(backend.limits().size(), 1);
-    QCOMPARE(backend.limits("EVSE-02"), QList<double>{0});
-}
-
-void TestProbe::fault_data()
-{
-    using Operation = ScriptedBackend::Operation;
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<int>("httpStatus");
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("sentence");
-    const auto row = [](const char *name, Operation operation, int httpStatus, const QByteArray &body,
-                        int status, const char *sentence) {
-        QTest::newRow(name) << operation << httpStatus << body << status << sentence;
-    };
-    row("no online check", Operation::Online, 404, "", 0,
-        "remark   the backend has no online check (the plugin itself does without this check)");
-    row("wrong secret", Operation::GroupInfo, 403, "{}", 1,
-        "PROBLEM  the backend refuses access: the group secret is probably wrong");
-    row("no group", Operation::GroupInfo, 200, "{}", 1,
-        "reads an object of wallboxes by id; at a gateway's set-up, as at each start of nymea, such a reply "
-        "removes every wallbox");
-    row("unknown group", Operation::GroupInfo, 404, "no such group", 1, "  reply    no such group\n");
-    row("no values", Operation::Values, 200, R"({"values": {}})", 1,
-        "PROBLEM  EVSE-02: listed in the group, but without values");
-    row("limit refused", Operation::Limits, 503, "", 1, "PROBLEM  the backend has a fault of its own");
-}
-
-void TestProbe::fault()
-{
-    QFETCH(ScriptedBackend::Operation, operation);
-    QFETCH(int, httpStatus);
-    QFETCH(QByteArray, body);
-    QFETCH(QString, sentence);
-    GoodBackend backend;
-    backend.answer(operation, httpStatus, body);
-    const Run probe = run({"--set-limit", "EVSE-01=6", backend.url(), "yard"});
-    QVERIFY2(probe.out.contains(sentence), qPrintable(probe.out + probe.err));
-    QVERIFY2(probe.out.contains(QString("answer   HTTP %1 after ").arg(httpStatus)), qPrintable(probe.out));
-    QTEST(probe.status, "status");
-    if (httpStatus != 200) // a refusal is one finding: its body is not judged as well
-        QCOMPARE(probe.out.count("PROBLEM"), probe.status);
-}
-
-void TestProbe::nobodyThere()
-{
-    GoodBackend backend;
-    const QString url = backend.url();
-    backend.shutDown();
-    const Run probe = run({url, "yard"});
-    QVERIFY2(probe.out.contains("PROBLEM  nothing listens there"), qPrintable(probe.out));
-    QVERIFY2(probe.out.contains("Live values\n  skipped  the backend is out of reach\n"),
-             qPrintable(probe.out));
-    QCOMPARE(probe.status, 1);
-}
-
-void TestProbe::silentBackendIsGivenUp()
-{
-    GoodBackend backend;
+    ScriptedBackend backend;
+    backend.setWallbox("EVSE-01", 16);
+    backend.values.insert("EVSE-01",
+                          QJsonObject{
+                              {"status", "\x1b[2J\u202e"}
+    });
     backend.hold(ScriptedBackend::Online);
-    backend.hold(ScriptedBackend::Values);
-    const Run probe = run({"--timeout", "0.25", backend.url(), "yard"});
-    QVERIFY2(probe.out.contains("remark   no answer within 0.25 s (the plugin itself does without"),
-             qPrintable(probe.out));
-    QVERIFY2(probe.out.contains("PROBLEM  no answer within 0.25 s; the plugin would wait on"),
-             qPrintable(probe.out));
-    QCOMPARE(probe.status, 1);
-}
+    // More than the probe reads, and then the connection stays open.
+    const QByteArray begin = "HTTP/1.1 200 OK\r\nSet-Cookie: a=b\r\n\r\n" + QByteArray(65 * 1024 * 1024, ' ');
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, &timer, [&] {
+        if (backend.sendPart(ScriptedBackend::Online, begin))
+            timer.stop();
+    });
+    timer.start(1);
+    const QString endless = run({backend.url(), "yard"});
+    QVERIFY2(endless.contains("warning  the probe stopped reading the reply after 64 MB"),
+             qPrintable(endless));
+    QVERIFY2(endless.contains("warning  the backend sets a cookie"), qPrintable(endless));
+    QVERIFY2(endless.contains("\"status\" is the text \"\\u001b[2J\ufffd\""), qPrintable(endless));
 
-void TestProbe::cutGroupInfoIsDangerous()
-{
-    GoodBackend backend;
+    backend.answerNormally(ScriptedBackend::Online);
     // Whether or not Qt notices.
     backend.hangUp(ScriptedBackend::GroupInfo,
                    "HTTP/1.1 200 OK\r\nContent-Length: 91\r\n\r\n{\"evse_ids\": ");
-    const Run probe = run({backend.url(), "yard"});
-    QVERIFY2(probe.out.contains("; at a gateway's set-up, as at each start of nymea, such a reply removes"),
-             qPrintable(probe.out));
-    QCOMPARE(probe.status, 1);
-}
-
-void TestProbe::endlessReplyIsBrokenOff()
-{
-    GoodBackend backend;
-    backend.hold(ScriptedBackend::Online);
-    backend.hold(ScriptedBackend::Values);
-    // More than the probe reads, and then the connection stays open.
-    const QByteArray begin = "HTTP/1.1 200 OK\r\n\r\n" + QByteArray(65 * 1024 * 1024, ' ');
-    QVector<ScriptedBackend::Operation> left{ScriptedBackend::Online, ScriptedBackend::Values};
-    QTimer timer;
-    connect(&timer, &QTimer::timeout, &timer, [&] {
-        if (!left.isEmpty() && backend.sendPart(left.first(), begin))
-            left.removeFirst();
-    });
-    timer.start(1);
-    const Run probe = run({"--set-limit", "EVSE-01=6", backend.url(), "yard"});
-    QVERIFY2(probe.out.contains("remark   the reply was broken off after 64 MB"), qPrintable(probe.out));
-    QVERIFY2(probe.out.contains("PROBLEM  the reply was broken off after 64 MB"), qPrintable(probe.out));
-    QCOMPARE(probe.err, QString());
-    QCOMPARE(probe.status, 1);
-    QCOMPARE(backend.limits().size(), 1); // the next step
-}
-
-void TestProbe::usage_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("line");
-    const QString limit = "--set-limit takes EVSE=AMPERE, with 0 or 6 to 32 whole amperes";
-    const QString timeout = "--timeout takes seconds, more than 0 and up to 3600";
-    const QString arguments = "takes exactly URL and GROUP; the secret is no argument, see --secret-file";
-    const auto row = [](const char *name, const char *words, const QString &complaint) {
-        QTest::newRow(name) << QString(words).split(' ') << complaint;
-    };
-    row("no group", "http://x", arguments);
-    row("secret as an argument", "http://x yard s3cret", arguments);
-    row("secret as an option", "--secret=s3cret http://x yard", "Unknown option 'secret'.");
-    row("empty group", "http://x ", "neither URL nor GROUP may be empty");
-    row("no file", "--secret-file /nowhere http://x yard", "cannot read /nowhere: No such file or directory");
-    row("file that steers the terminal", "--secret-file /\x1b[2J http://x yard",
-        "cannot read /\ufffd[2J: No such file or directory");
-    row("no current", "--set-limit EVSE-01 http://x yard", limit);
-    row("too little", "--set-limit EVSE-01=5 http://x yard", limit);
-    row("never", "--timeout 0 http://x yard", timeout);
-}
-
-void TestProbe::usage()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, line);
-    const Run probe = run(arguments);
-    QCOMPARE(probe.err, "vela-probe: " + line + " (--help tells more)\n");
-    QCOMPARE(probe.out, QString());
-    QCOMPARE(probe.status, 2);
-}
-
-void TestProbe::secretFromFile()
-{
-    QTemporaryFile file;
-    QVERIFY(file.open());
-    file.write("from the file\n");
-    file.close();
-    const GoodBackend backend;
-    QCOMPARE(run({"--secret-file", file.fileName(), backend.url(), "yard"}, "from outside").status, 0);
-    QCOMPARE(backend.requests().value(0).json().value("secret").toString(), QString("from the file"));
-
-    QCOMPARE(
-        run({backend.url(), "yard"}, QString()).err,
-        QString("vela-probe: no secret: name a file with --secret-file, or set VELA_SECRET (--help tells "
-                "more)\n"));
+    const QString cut = run({backend.url(), "yard"});
+    QVERIFY2(cut.contains("; when a gateway is set up, as at each start of nymea, such a reply removes"),
+             qPrintable(cut));
+    QVERIFY2(cut.endsWith("status 1"), qPrintable(cut));
 }
 
 void TestProbe::secretFromTerminal()
 {
-    const GoodBackend backend;
+    ScriptedBackend backend;
+    backend.setWallbox("EVSE-01", 16);
     QProcess terminal; // script(1) gives the probe one, and shows what appears on it
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove("VELA_SECRET");
-    terminal.setProcessEnvironment(environment);
     QString shown;
     connect(&terminal, &QProcess::readyReadStandardOutput, &terminal,
             [&terminal, &shown] { shown += QString::fromUtf8(terminal.readAllStandardOutput()); });
     terminal.start("script",
                    {"--quiet", "--return", "--flush", "--command",
-                    QString("'%1' %2 yard").arg(program, backend.url()), "/dev/null"});
+                    QString("env -u VELA_SECRET '%1' %2 yard").arg(program, backend.url()), "/dev/null"});
     QTRY_COMPARE(shown, QString("Group secret: "));
     terminal.write("s3cret\n");
     QTRY_COMPARE(terminal.state(), QProcess::NotRunning);
-    QCOMPARE(terminal.exitCode(), 0);
     QVERIFY2(!shown.contains("s3cret"), qPrintable(shown));
     QCOMPARE(backend.requests().value(0).json().value("secret").toString(), QString("s3cret"));
-}
-
-void TestProbe::secretIsNotRepeated()
-{
-    const QString secret = QStringLiteral("s3\"crét");
-    for (const char *format : {"--timeout=10", "--json"}) {
-        GoodBackend backend;
-        backend.setWallbox(secret, 16);
-        QJsonObject record = backend.values.value("EVSE-01").toObject();
-        record.insert("status", secret);
-        backend.values.insert(secret, record);
-        backend.answer(ScriptedBackend::Limits, 403, R"({"sent": ["s3\"cr\u00e9t"]})");
-        const Run first = run({format, "--set-limit", "EVSE-01=6", backend.url(), "yard"}, secret);
-        QCOMPARE(backend.requests().value(0).json().value("secret").toString(), secret);
-
-        const QString token = QString::fromUtf8(backend.requests().value(0).headers.value("authorization"));
-        backend.answer(ScriptedBackend::GroupInfo, 401, token.toUtf8());
-        const Run second = run({format, backend.url(), "yard"}, secret);
-        const QString printed = first.out + first.err + second.out + second.err;
-        QCOMPARE(printed.count("refuses"), 2);
-        QVERIFY2(printed.contains("no connector status"), qPrintable(printed));
-        QVERIFY2(!printed.contains("crét") && !printed.contains("u00e9"), qPrintable(printed));
-        QVERIFY2(!printed.contains(token), qPrintable(printed));
-    }
-}
-
-void TestProbe::jsonDocument()
-{
-    GoodBackend backend;
-    backend.wallboxes.insert("EVSE-01", json(R"({"max_charging_current": "32"})"));
-    backend.wallboxes.insert("\u202e", {});
-    const Run probe = run({"--json", backend.url(), "yard"});
-    const QJsonObject document = json(probe.out.toUtf8());
-    QCOMPARE(document.value("works"), QJsonValue(false));
-    QCOMPARE(document.value("problems"), QJsonValue(3));
-    QStringList steps;
-    const QJsonArray array = document.value("steps").toArray();
-    for (const QJsonValue &step : array)
-        steps.append(step.toObject().value("step").toString());
-    QCOMPARE(steps, (QStringList{"url", "online-check", "group-info", "live-values"}));
-    const QJsonObject groupInfo = array.at(2).toObject();
-    const QJsonObject finding = groupInfo.value("findings").toArray().at(0).toObject();
-    QCOMPARE(finding.value("kind"), QJsonValue("problem"));
-    QCOMPARE(finding.value("code"), QJsonValue("unusable-max-current"));
-    QCOMPARE(finding.value("wallbox"), QJsonValue("EVSE-01"));
-    QCOMPARE(finding.value("text").toString(),
-             "\"max_charging_current\" is the text \"32\"; the plugin takes whole amperes from 6 to 32 and "
-             "would read 0");
-    const QJsonObject request = groupInfo.value("request").toObject();
-    QCOMPARE(request.value("status"), QJsonValue(200));
-    QCOMPARE(request.value("body").toObject(), json(R"({"secret": "***"})"));
-    QVERIFY2(probe.out.contains(R"("wallbox":"\u202e")"), qPrintable(probe.out)); // steers no terminal
-    QCOMPARE(probe.status, 1);
 }
 
 QTEST_GUILESS_MAIN(TestProbe)

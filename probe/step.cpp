@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "step.h"
+
+#include <algorithm>
+
+QString Finding::sentence() const
+{
+    QString sentence = text;
+    // The first quote is put in last, because it may contain a "%2" of its own.
+    for (int i = quotes.size(); i > 0; --i)
+        sentence.replace(QLatin1Char('%') + QString::number(i), quotes.at(i - 1));
+    return sentence;
+}
+
+void Step::problem(const char *code, const char *text, const QStringList &quotes)
+{
+    findings.append({Problem, QString::fromLatin1(code), QString::fromUtf8(text), quotes, wallbox});
+}
+
+void Step::warning(const char *code, const char *text, const QStringList &quotes)
+{
+    problem(code, text, quotes);
+    findings.last().severity = Warning;
+}
+
+Step &Step::extend(const char *text)
+{
+    findings.last().text += QString::fromUtf8(text);
+    return *this;
+}
+
+int Step::count(Severity severity) const
+{
+    return int(std::count_if(findings.begin(), findings.end(),
+                             [severity](const Finding &finding) { return finding.severity == severity; }));
+}
