@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Vela authors
 # SPDX-License-Identifier: MIT
 
-# Shared by demo, test and .ci/run: installing what is missing and building. Sourced, never run.
+# Shared by demo, test, .ci/run and other scripts: installs missing packages and builds. To be sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libmicrohttpd-dev)
 
@@ -25,12 +25,12 @@ as_root() {
     if [[ $(id -u) == 0 ]]; then
         "$@"
     else
-        command -v sudo >/dev/null || die "needs root or sudo for: $*"
+        command -v sudo >/dev/null || die "root or sudo is needed for: $*"
         sudo "$@"
     fi
 }
 
-# Installs those of the packages that are missing; silent and quick when none is.
+# Installs the packages that are missing. Prints nothing if there are none.
 install_packages() {
     local missing
     mapfile -t missing < <(missing_packages "$@")
@@ -41,8 +41,8 @@ install_packages() {
         >/dev/null || die "the packages cannot be installed"
 }
 
-# build PRESET [TARGET...]: configures once, then builds. On a terminal it shows the progress in one line; elsewhere
-# it is quiet unless something fails.
+# build PRESET [TARGET...]: configures and builds. On a terminal it shows the progress in one line. Otherwise it prints
+# the log only if something fails.
 build() {
     local preset=$1 log
     shift
