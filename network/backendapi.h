@@ -8,8 +8,8 @@
 #include <QJsonObject>
 #include <QString>
 
-/*! The paths and bodies of the backend's operations; the group secret is added when a request is sent. Paths
-    are decoded: they hold the group id as it is. */
+/*! The paths and bodies of the backend's operations. The group secret is added when a request is sent.
+    Paths are not percent-encoded: they contain the group id as it is. */
 namespace BackendApi {
 
 QString onlinePath();

@@ -6,7 +6,8 @@
 
 #include <QLoggingCategory>
 
-/*! Category "Vela": all that the plugin says. Debug tells the story, warning what failed or is doubtful. */
+/*! Category "Vela", for all messages of the plugin. Debug messages show what happens; warnings report what
+    failed or looks wrong. */
 Q_DECLARE_LOGGING_CATEGORY(dcVela)
 
 #endif // LOGGINGCATEGORY_H

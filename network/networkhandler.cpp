@@ -15,7 +15,7 @@
 
 namespace {
 
-// Admits the platform to the backend; the same for every group. What protects a group is its secret.
+// Gives the platform access to the backend. It is the same for every group; a group is protected by its secret.
 constexpr char accessToken[] = "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f";
 
 bool hasFailed(const QNetworkReply *reply)
@@ -23,7 +23,7 @@ bool hasFailed(const QNetworkReply *reply)
     return reply->error() != QNetworkReply::NoError;
 }
 
-/*! HTTP status of \a reply, 0 where there was no HTTP response. */
+/*! The HTTP status of \a reply; 0 if there was no HTTP response. */
 int httpStatus(const QNetworkReply *reply)
 {
     return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -36,10 +36,10 @@ void warnAbout(const QNetworkReply *reply, const char *failure)
                       << "Error reply: " << reply->errorString();
 }
 
-/*! The object in \a reply's body; empty when the body is anything else. */
+/*! The JSON object in the body of \a reply; empty if the body is anything else. */
 QJsonObject jsonObject(QNetworkReply *reply)
 {
-    // All of it is here: readAll() would ask for 16 kB at a time, and copy.
+    // The whole body has arrived. readAll() would read it in parts of 16 kB, and copy them.
     return QJsonDocument::fromJson(reply->read(reply->bytesAvailable())).object();
 }
 
@@ -76,7 +76,7 @@ void NetworkHandler::sendRequestPost(const QString &path, QJsonObject &body,
     body.insert(QLatin1String("secret"), m_serverInfo.groupSecret);
 
     QNetworkReply *reply = m_networkManager->post(request, QJsonDocument(body).toJson());
-    // In this order: the reply is already due for deletion when the callback runs, whatever that does.
+    // The order matters: the reply is already marked for deletion when the callback runs, whatever that does.
     connect(reply, &QNetworkReply::finished, reply, &QNetworkReply::deleteLater);
     connect(reply, &QNetworkReply::finished, reply,
             [reply, callback = std::move(callback)] { callback(reply); });
@@ -143,7 +143,7 @@ void NetworkHandler::handleValuesReply(QNetworkReply *reply)
     qCDebug(dcVela) << answer;
     if (answer.value(QLatin1String("success")).toBool())
         qCDebug(dcVela) << "values" << values;
-    // Also without "success": the wallboxes that are missing then count as not connected.
+    // Emitted even without "success": wallboxes that are missing then count as not connected.
     emit valuesReceived(values);
 }
 
@@ -165,13 +165,13 @@ void NetworkHandler::handleLimitsReply(QNetworkReply *reply)
     qCDebug(dcVela) << "setProfileChargePowerLimit() - Setting profile power limit succesfull.";
 }
 
-/*! What a failed request about single wallboxes says about the backend. */
+/*! Draws conclusions about the backend from a failed request for single wallboxes. */
 void NetworkHandler::judgeFailedEvseReply(const QNetworkReply *reply)
 {
     if (httpStatus(reply) == 400) {
         qCDebug(dcVela) << "isEvseOnline() - WB likely not connected anymore.";
     } else if (reply->attribute(QNetworkRequest::HttpStatusCodeAttribute) == QVariant(0)) {
-        // A status of 0 that was really sent: without any response the attribute is empty, which is no 0.
+        // The backend has really sent status 0. Without any response, the attribute is empty, not 0.
         qCDebug(dcVela) << "isEvseOnline() - OCPP likely not running.";
         emit ocppDaemonStatus(false);
     }

@@ -17,18 +17,18 @@ class QNetworkReply;
 
 /*! HTTP client of one group of wallboxes at an OCPP backend.
 
-    Every operation is one POST with a JSON body. It returns at once, and its result is a signal, emitted
-    when the reply has finished. There is no time limit and no retry: without an answer there is no signal.
-    Operations may overlap; results come in the order in which the replies finish. Deleting the handler ends
-    outstanding requests; their callbacks never run. */
+    Every operation is one POST with a JSON body. It returns at once. Its result is a signal that is emitted
+    when the reply has finished. There is no time limit, and requests are not repeated: without an answer
+    there is no signal. Operations may overlap; results arrive in the order in which the replies finish.
+    Deleting the handler ends outstanding requests; their callbacks never run. */
 class NetworkHandler : public QObject
 {
     Q_OBJECT
 public:
-    /*! Where the backend is and what opens the group. */
+    /*! The address of the backend, and the group with its secret. */
     struct ServerInfo
     {
-        QUrl url; //!< scheme, host and port count; a path is replaced by the endpoint's
+        QUrl url; //!< scheme, host and port are used; the path is replaced by that of the endpoint
         QString groupId;
         QString groupSecret; //!< sent in every body, never logged
     };
@@ -36,43 +36,44 @@ public:
     NetworkHandler();
     ~NetworkHandler() override;
 
-    /*! Aims all later requests at \a url, taken as it is; requests under way keep their target. */
+    /*! Sends all later requests to \a url, which is used as it is. Requests under way are not affected. */
     void setServerInfo(const QString &url, const QString &groupId, const QString &secret);
 
     /*! Posts \a body, to which the group secret is added, to the endpoint \a path (decoded, with a leading
-        slash). \a callback runs once, when the request has finished well or badly. The reply is valid during
-        the callback only, and deletes itself afterwards. */
+        slash). \a callback runs once, when the request has succeeded or failed. The reply is valid only
+        during the callback and deletes itself afterwards. */
     void sendRequestPost(const QString &path, QJsonObject &body,
                          std::function<void(QNetworkReply *)> callback);
 
 public Q_SLOTS:
-    /*! Asks for the group's wallboxes; answered by infraInfoReceived(). */
+    /*! Requests the group's wallboxes; the result is infraInfoReceived(). */
     void getConnectedInfra();
 
-    /*! Asks whether the backend runs at all; answered by daemonReachable(). */
+    /*! Checks whether the backend is online; the result is daemonReachable(). */
     void isOnline();
 
-    /*! Asks for the live values of \a devices, infrastructure ids; answered by valuesReceived(). */
+    /*! Requests the live values of \a devices, infrastructure ids; the result is valuesReceived(). */
     void getEvseValues(const QJsonArray &devices);
 
-    /*! Sets charge limits: by infrastructure id an object of "value" (ampere) and "unit" ("A"). Not answered.
-     */
+    /*! Sets the charge limits \a data: for each infrastructure id an object with "value" (ampere) and "unit"
+        ("A"). There is no signal for the result. */
     void setProfileChargePowerLimit(QJsonObject &data);
 
 Q_SIGNALS:
     /*! \a state: whether the online check succeeded. */
     void daemonReachable(bool state);
 
-    /*! The group's wallboxes by infrastructure id; empty when the reply names none. */
+    /*! The group's wallboxes by infrastructure id; empty if the reply lists none. */
     void infraInfoReceived(QJsonObject evseIds);
 
-    /*! The records of live values by infrastructure id; empty when the reply has none. */
+    /*! The records of live values by infrastructure id; empty if the reply has none. */
     void valuesReceived(QJsonObject receivedValues);
 
-    /*! Reserved for backends that report a single wallbox; not emitted. */
+    /*! Reserved for backends that report a single wallbox; never emitted. */
     void evseIsOnline(const QString &device, bool state);
 
-    /*! Emitted with false alone, when a group request failed in a way that points at the backend itself. */
+    /*! Only emitted with false: when a request failed in a way that indicates a failure of the backend
+        itself. */
     void ocppDaemonStatus(bool state);
 
 private:
@@ -83,7 +84,7 @@ private:
     void judgeFailedEvseReply(const QNetworkReply *reply);
 
     ServerInfo m_serverInfo;
-    QNetworkAccessManager *m_networkManager; // ours, with all its replies; deleted in the destructor
+    QNetworkAccessManager *m_networkManager; // owned by this object, with all its replies
 };
 
 #endif // NETWORKHANDLER_H

@@ -7,12 +7,13 @@
 #include <QJsonObject>
 #include <QJsonValue>
 
-/*! The limit of one wallbox as the backend takes it. \a ampere is a number; 0 forbids charging. */
+/*! The limit of one wallbox in the form that the backend expects. \a ampere is a number; 0 forbids
+    charging. */
 QJsonObject chargeLimit(const QJsonValue &ampere);
 
-/*! Whether the energy manager has fallen silent: no action yet (\a lastActionTime is 0), or none for more
-    than 30 s. Times in s since the Unix epoch. An action in the future, after the clock was set back,
-    still counts as heard. */
+/*! Whether the energy manager is silent: there was no action yet (\a lastActionTime is 0), or none for more
+    than 30 s. Times are in s since the Unix epoch. If the clock was set back, so that the last action is in
+    the future, the energy manager is not silent. */
 bool isSilent(qint64 lastActionTime, qint64 now);
 
 #endif // CHARGELIMITS_H

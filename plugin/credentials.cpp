@@ -40,7 +40,7 @@ Credentials enteredCredentials(const ParamList &params)
 bool completeCredentials(Credentials *credentials, QSettings *storage, const ThingClassId &gatewayClassId)
 {
     storage->beginGroup(gatewayClassId.toString());
-    // With one field filled in, the others are taken as entered, even if they are empty.
+    // Only one field is filled in; the others are used as entered, even if they are empty.
     const bool filledIn = fillIn(&credentials->url, *storage, urlKey)
         || fillIn(&credentials->groupId, *storage, groupIdKey)
         || fillIn(&credentials->groupSecret, *storage, groupSecretKey);

@@ -20,14 +20,14 @@ struct Credentials
     QString groupSecret; //!< never logged
 };
 
-/*! What the user entered at discovery; a field left out is empty. */
+/*! What the user entered for a discovery. A field without an entry is empty. */
 Credentials enteredCredentials(const ParamList &params);
 
-/*! Fills in the first field, in the order of the members, that is empty and stored, and no other. Returns
-    false when none was filled in and one is empty. */
+/*! Fills in one field from \a storage: the first, in the order of the members, that is empty and stored.
+    Returns false if no field was filled in and at least one is empty. */
 bool completeCredentials(Credentials *credentials, QSettings *storage, const ThingClassId &gatewayClassId);
 
-/*! Those of the last discovery that succeeded; empty fields where there was none. */
+/*! The credentials of the last successful discovery. The fields are empty if there was none. */
 Credentials storedCredentials(QSettings *storage, const ThingClassId &gatewayClassId);
 
 void writeCredentials(QSettings *storage, const ThingClassId &gatewayClassId, const Credentials &credentials);

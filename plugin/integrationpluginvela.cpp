@@ -28,7 +28,7 @@ constexpr std::chrono::seconds pollPeriod = 2s;
 // Well within the 30 s after which the energy manager counts as silent.
 constexpr std::chrono::milliseconds chargeLimitPeriod = 20s;
 
-// What a wallbox class is at the moment, in m_availableClassIds.
+// The values in m_availableClassIds: whether a wallbox class is free or in use.
 const QLatin1String availableMark("available");
 const QLatin1String usedMark("used");
 
@@ -46,8 +46,8 @@ QString infraIdOf(const Thing *thing)
 
 IntegrationPluginVela::IntegrationPluginVela() = default;
 
-// Client and plugin timer are released with the last thing, not here: this object lives until the process
-// ends.
+// The client and the plugin timer are released with the last thing, not here, because this object lives until
+// the process ends.
 IntegrationPluginVela::~IntegrationPluginVela() = default;
 
 void IntegrationPluginVela::init()
@@ -86,17 +86,17 @@ void IntegrationPluginVela::discoverThings(ThingDiscoveryInfo *info)
     }
 
     m_networkHandler->setServerInfo(credentials.url, credentials.groupId, credentials.groupSecret);
-    // The job is the context: once the platform has disposed of it, a late answer finds nobody.
+    // The context is the job: once the platform has deleted it, late answers are ignored.
     connect(m_networkHandler, &NetworkHandler::infraInfoReceived, info,
             [this, info, credentials](const QJsonObject &evseIds) {
-                // The client is shared, so that answers to others arrive here too.
+                // The client is shared, so answers to other requests arrive here too.
                 if (!info->isFinished())
                     offerGateway(info, credentials, evseIds);
             });
     m_networkHandler->getConnectedInfra();
 }
 
-/*! Answers a discovery: a backend that lists wallboxes is offered, and its \a credentials are kept. */
+/*! Finishes a discovery: offers a backend that lists wallboxes, and stores its \a credentials. */
 void IntegrationPluginVela::offerGateway(ThingDiscoveryInfo *info, const Credentials &credentials,
                                          const QJsonObject &evseIds)
 {
@@ -140,11 +140,11 @@ void IntegrationPluginVela::setupGateway(ThingSetupInfo *info)
     const Credentials credentials = storedCredentials(pluginStorage(), thing->thingClassId());
     m_networkHandler->setServerInfo(credentials.url, credentials.groupId, credentials.groupSecret);
     thing->setStateValue(QStringLiteral("connected"), true);
-    // The job is the context: it ends with the set-up, and later answers are none of its business.
+    // The context is the job: once the platform has deleted it, later answers are ignored.
     connect(m_networkHandler, &NetworkHandler::infraInfoReceived, info,
             [this, info, thing](const QJsonObject &evseIds) {
                 if (info->isFinished())
-                    return; // not disposed of yet, but done
+                    return; // an earlier answer has finished it, but the platform has not deleted it yet
                 qCDebug(dcVela) << evseIds;
                 info->finish(Thing::ThingErrorNoError, QString());
                 checkAutoCreate(thing->id(), evseIds);
@@ -158,7 +158,7 @@ void IntegrationPluginVela::setupWallbox(ThingSetupInfo *info)
     qCDebug(dcVela) << "Should setup wallbox";
     Thing *thing = info->thing();
     thing->setStateValue(QStringLiteral("connected"), true);
-    // The maximum first: a platform may hold values to the limits.
+    // Set the maximum first, because a platform may restrict the value to it.
     const uint maxAllowedCurrent = thing->paramValue(QStringLiteral("maxAllowedCurrent")).toUInt();
     thing->setStateMaxValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
     thing->setStateValue(QStringLiteral("maxChargingCurrent"), maxAllowedCurrent);
@@ -166,7 +166,7 @@ void IntegrationPluginVela::setupWallbox(ThingSetupInfo *info)
     info->finish(Thing::ThingErrorNoError, QString());
 }
 
-/*! Brings the wallbox things in line with \a infraInfo, the group's wallboxes by infrastructure id. */
+/*! Removes and creates wallbox things to match \a infraInfo, the group's wallboxes by infrastructure id. */
 void IntegrationPluginVela::checkAutoCreate(const ThingId &parentId, const QJsonObject &infraInfo)
 {
     removeVanishedWallboxes(infraInfo);
@@ -190,14 +190,14 @@ void IntegrationPluginVela::checkAutoCreate(const ThingId &parentId, const QJson
 void IntegrationPluginVela::removeVanishedWallboxes(const QJsonObject &infraInfo)
 {
     const QStringList listedIds = infraInfo.keys();
-    // A copy: the platform may remove a thing, and with it the entry, before the emission returns.
+    // Iterate over a copy: the platform may remove a thing, and so its entry, before the emit returns.
     const QStringList infraIds = m_infraThings.keys();
     for (const QString &infraId : infraIds) {
         if (listedIds.contains(infraId))
             continue;
         const Thing *thing = m_infraThings.value(infraId);
         if (!thing)
-            continue; // has gone together with another one
+            continue; // it was removed together with another one
         qCDebug(dcVela) << "Wallbox" << infraId << "is not connected anymore";
         qCDebug(dcVela) << "Freeing thing with classId" << thing->thingClassId();
         m_availableClassIds.insert(thing->thingClassId(), availableMark);
@@ -224,15 +224,15 @@ void IntegrationPluginVela::autoCreateMeterThing(const QString &infraId, const T
 void IntegrationPluginVela::setupConnects(Thing *thing)
 {
     qCDebug(dcVela) << "OCPP: Setup nymea connections.";
-    // A new gateway counts as a thing only after its set-up. If its answer has just removed the last thing
-    // there was, the client went with it.
+    // A new gateway counts as a thing only after its set-up. If the answer has just removed the last of the
+    // previous things, the client was deleted with it.
     if (!m_networkHandler) {
         qCWarning(dcVela)
             << "setupConnects() - Nothing is polled or sent for this gateway, since the last thing"
             << "was removed and the backend client with it. Set up the gateway again.";
         return;
     }
-    // The gateway is the context: without it nobody wants the values.
+    // The context is the gateway: once it is deleted, the values are ignored.
     connect(m_networkHandler, &NetworkHandler::valuesReceived, thing,
             [this](const QJsonObject &receivedValues) { applyValues(receivedValues); });
 }
@@ -240,8 +240,8 @@ void IntegrationPluginVela::setupConnects(Thing *thing)
 void IntegrationPluginVela::applyValues(const QJsonObject &receivedValues)
 {
     qCDebug(dcVela) << "setupConnects() - valuesReceived";
-    // Absent wallboxes first, so that no one listening sees new values beside a wallbox that has gone.
-    // A copy: whoever listens may remove a wallbox that is not connected.
+    // Absent wallboxes come first, so that no listener sees new values while an absent wallbox still counts as
+    // connected. This is a copy, because a listener may remove a wallbox that is not connected.
     QHash<QString, Thing *> absentThings = m_infraThings;
     for (auto it = receivedValues.constBegin(); it != receivedValues.constEnd(); ++it)
         absentThings.remove(it.key());
@@ -274,11 +274,11 @@ void IntegrationPluginVela::postSetupThing(Thing *thing)
     m_chargeLimitTimer->start();
 }
 
-/*! One poll: sends the limits that wait, then asks for everybody's values. */
+/*! One poll: sends the waiting limits, then requests the values of all wallboxes. */
 void IntegrationPluginVela::updateCurrentValues()
 {
     if (!m_networkHandler)
-        return; // see setupConnects(); only another gateway set-up brings the values back
+        return; // see setupConnects(); values arrive again only after another set-up of a gateway
     if (!m_chargeLimits.isEmpty()) {
         qCDebug(dcVela) << "Sending charge limits" << m_chargeLimits;
         m_networkHandler->setProfileChargePowerLimit(m_chargeLimits);
@@ -288,7 +288,7 @@ void IntegrationPluginVela::updateCurrentValues()
     m_networkHandler->getEvseValues(QJsonArray::fromStringList(m_infraThings.keys()));
 }
 
-/*! Queues all limits again, so that the backend keeps to them, unless the energy manager is silent. */
+/*! Queues all limits again, so that the backend keeps them in force, unless the energy manager is silent. */
 void IntegrationPluginVela::renewChargeLimits()
 {
     qCDebug(dcVela) << "postSetupThing() - m_chargeLimitTimer timeout.";
@@ -308,12 +308,12 @@ void IntegrationPluginVela::renewChargeLimits()
 void IntegrationPluginVela::executeAction(ThingActionInfo *info)
 {
     qCDebug(dcVela) << "Executing action for" << info->thing();
-    // A writable state's action has the state's own id.
+    // The action that sets a state has the same id as the state.
     const Thing *thing = info->thing();
     const QString maxChargingCurrentId =
         thing->state(QStringLiteral("maxChargingCurrent")).stateTypeId().toString();
     const QString powerId = thing->state(QStringLiteral("power")).stateTypeId().toString();
-    // Every action is a sign of life of the energy manager, whatever becomes of it.
+    // Every action shows that the energy manager is active, even if the action has no effect.
     m_lastActionTime = QDateTime::currentSecsSinceEpoch();
 
     const QString actionTypeId = info->action().actionTypeId().toString();
@@ -344,7 +344,7 @@ void IntegrationPluginVela::setChargingEnabled(ThingActionInfo *info)
     const bool wanted = info->action().params().value(0).value().toBool();
     const bool previous = thing->stateValue(QStringLiteral("power")).toBool();
     if (wanted && !previous) {
-        // The next renewal of the limits allows the current; this action has just made sure that it comes.
+        // The next renewal of the limits sends the current. It takes place because of this action.
         thing->setStateValue(QStringLiteral("power"), true);
     } else if (!wanted && previous) {
         qCDebug(dcVela) << "executeAction() - "
@@ -378,7 +378,7 @@ void IntegrationPluginVela::thingRemoved(Thing *thing)
     }
     if (myThings().isEmpty() && m_networkHandler) {
         qCDebug(dcVela) << "thingRemoved() - Deleting networkHandler.";
-        delete m_networkHandler; // with all outstanding requests; their answers find nobody
+        delete m_networkHandler; // this ends outstanding requests; their callbacks never run
         m_networkHandler = nullptr;
     }
 }

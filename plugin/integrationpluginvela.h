@@ -14,12 +14,12 @@ class PluginTimer;
 class QTimer;
 struct Credentials;
 
-/*! Joins a group of wallboxes at an OCPP backend with nymea: one gateway thing, a wallbox thing for each
+/*! Connects nymea with a group of wallboxes at an OCPP backend: one gateway thing, a wallbox thing for each
     wallbox that the backend lists, live values every 2 s, and actions that become charge limits.
 
-    The operations stand in the order in which the daemon calls them, all on its main thread. The backend
-    client and both timers are shared by all gateways. They are created on first use and released together
-    when the last thing goes. */
+    The functions are in the order in which the daemon calls them, all on its main thread. The backend client
+    and both timers are shared by all gateways. They are created on first use and released together when the
+    last thing is removed. */
 class IntegrationPluginVela : public IntegrationPlugin
 {
     Q_OBJECT
@@ -41,7 +41,7 @@ Q_SIGNALS:
     /*! Every new wallbox of a group has been announced. */
     void checkAutoCreateFinished();
 
-    /*! Kept for listeners of the interface; not emitted. */
+    /*! Part of the interface for listeners, but never emitted. */
     void missingBootNotification();
 
 private:
@@ -67,7 +67,7 @@ private:
     void queueChargeLimit(const QString &infraId, const QJsonValue &ampere);
 
     PluginTimer *m_pluginTimer = nullptr;       // owned by the platform; returned with the last thing
-    QTimer *m_chargeLimitTimer = nullptr;       // child of this object; runs until the last thing goes
+    QTimer *m_chargeLimitTimer = nullptr;       // child of this object; deleted with the last thing
     qint64 m_lastActionTime = 0;                // s since the Unix epoch; 0 before the first action
     NetworkHandler *m_networkHandler = nullptr; // owned by this object; deleted with the last thing
     QHash<ThingClassId, ParamTypeId> m_infraIdParamTypeIds;           // of each wallbox class

@@ -17,7 +17,7 @@ void writeTimestamp(Thing *thing, const LiveValues &values)
     qCDebug(dcVela) << "Time STR" << values.timestampText;
     const qint64 seconds = values.timestamp.toSecsSinceEpoch();
     qCDebug(dcVela) << "Time STR" << seconds;
-    // Null, not invalid: a local time in the hour that summer time leaves out is invalid, but a time.
+    // Not isValid(): a local time in the hour that is skipped by summer time is invalid, but must be shown.
     if (!values.timestamp.isNull())
         thing->setStateValue(QStringLiteral("timestamp"), seconds);
 }
@@ -33,7 +33,7 @@ void writeEnergy(Thing *thing, double sessionEnergy)
     }
 }
 
-/*! Goes by the thing's state, which a listener may have changed since it was written. */
+/*! Reads the thing's state back, because a listener may have changed it since it was written. */
 void writePower(Thing *thing, const LiveValues &values)
 {
     if (isCharging(thing->stateValue(QStringLiteral("state")).toString())) {
@@ -49,7 +49,7 @@ void writePower(Thing *thing, const LiveValues &values)
     }
 }
 
-/*! Goes by the thing's currents, as writePower() does by its state. */
+/*! Reads the thing's currents back, for the same reason as writePower() reads its state. */
 void writePhaseCount(Thing *thing)
 {
     const int phases = activePhases(thing->stateValue(QStringLiteral("currentPhaseA")).toDouble(),
@@ -66,7 +66,7 @@ void writeLiveStates(Thing *thing, const LiveValues &values)
     writeTimestamp(thing, values);
     writeEnergy(thing, values.sessionEnergy);
     thing->setStateValue(QStringLiteral("state"), values.state);
-    // No status means unplugged: every wallbox that reports counts as plugged in.
+    // No status shows that a car is unplugged, so every wallbox that reports counts as plugged in.
     thing->setStateValue(QStringLiteral("pluggedIn"), true);
     thing->setStateValue(QStringLiteral("charging"), values.charging);
     writePower(thing, values);

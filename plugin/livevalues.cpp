@@ -10,7 +10,7 @@ namespace {
 
 constexpr double volt = 230.0;
 constexpr double wattHoursPerKiloWattHour = 1000.0;
-constexpr double smallestCurrent = 1.0; // A; what a meter shows below is noise
+constexpr double smallestCurrent = 1.0; // A; lower readings of a meter are noise
 
 // ChargePointStatus, OCPP 1.6, in the standard's order.
 constexpr struct
@@ -51,7 +51,7 @@ LiveValues mapLiveValues(const QJsonObject &record)
 {
     LiveValues values;
     values.timestampText = record.value(QLatin1String("timestamp")).toString();
-    // ISO 8601: without a zone designator this is local time.
+    // ISO 8601: a time without a zone designator is local time.
     values.timestamp = QDateTime::fromString(values.timestampText, Qt::ISODateWithMs);
     values.sessionEnergy = record.value(QLatin1String("meter_value")).toDouble() / wattHoursPerKiloWattHour;
     values.currentPhaseA = phaseCurrent(record.value(QLatin1String("phase_1")));

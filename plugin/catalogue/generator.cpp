@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
-// Writes, from catalogue.json, the plugin's metadata document and the id constants' declarations and
-// definitions. The catalogue describes one wallbox class; here it becomes wallboxCount of them.
+// Generates the plugin's metadata document and the declarations and definitions of the id constants from
+// catalogue.json. The catalogue describes one wallbox class, from which wallboxCount classes are made.
 
 #include <QCoreApplication>
 #include <QDir>
@@ -197,7 +197,7 @@ QByteArray Generator::bounds() const
 bool write(const QString &fileName, const QByteArray &content)
 {
     QFile file(fileName);
-    // Where the disk is full, a short text fails only when it is flushed.
+    // If the disk is full, writing a short text fails only when it is flushed.
     if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush())
         return true;
     QTextStream(stderr) << fileName << ": cannot be written: " << file.errorString() << '\n';
