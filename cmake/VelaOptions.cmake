@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Vela authors
 # SPDX-License-Identifier: MIT
 
-# What every target of this tree is compiled with: link vela_options and set nothing globally.
+# The compiler options of every target: link vela_options and set nothing globally.
 add_library(vela_options INTERFACE)
 target_compile_features(vela_options INTERFACE cxx_std_17)
 target_compile_definitions(vela_options INTERFACE
@@ -9,7 +9,7 @@ target_compile_definitions(vela_options INTERFACE
 )
 target_compile_options(vela_options INTERFACE
   -Wall -Wextra -Wpedantic
-  # Every qCDebug(category) << … would trip -Wpedantic under clang.
+  # With clang, every qCDebug(category) << … would cause a -Wpedantic warning.
   $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
   $<$<BOOL:${VELA_WERROR}>:-Werror>
 )

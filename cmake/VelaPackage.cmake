@@ -38,11 +38,11 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The daemon's library comes from outside Debian, where the search for library packages does not see it.
+# The daemon's library is not a Debian package, so that the search for library packages does not find it.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS libnymea1)
 set(CPACK_COMPONENT_PLUGIN_DESCRIPTION
 "This package adds the Tavensolis VELA gateway to the nymea daemon. Every
-wallbox that an OCPP backend lists for a group appears in nymea by itself,
+wallbox that an OCPP backend lists for a group appears in nymea automatically,
 with its live values; actions on it become charge limits at the backend.
 vela-probe checks a backend before the plugin depends on it.")
 include(CPack)

@@ -37,12 +37,12 @@ constexpr Meaning httpMeanings[] = {
 
 using Error = QNetworkReply::NetworkError;
 constexpr Meaning networkMeanings[] = {
-    {Error::ConnectionRefusedError,  "unreachable",       "nothing listens there: is the port right?"   },
-    {Error::HostNotFoundError,       "unreachable",       "unknown host name: is it spelt right?"       },
-    {Error::TimeoutError,            "unreachable",       "nothing answers there: is the address right?"},
-    {Error::ProtocolUnknownError,    "unusable-url",      "the URL is neither http nor https"           },
-    {Error::SslHandshakeFailedError, "tls-failed",        "no TLS there, or no trusted certificate"     },
-    {Error::RemoteHostClosedError,   "connection-closed", "the backend closed the connection"           },
+    {Error::ConnectionRefusedError,  "unreachable",       "nothing is listening there: is the port right?"},
+    {Error::HostNotFoundError,       "unreachable",       "unknown host name: is it spelt right?"         },
+    {Error::TimeoutError,            "unreachable",       "nothing answers there: is the address right?"  },
+    {Error::ProtocolUnknownError,    "unusable-url",      "the URL is neither http nor https"             },
+    {Error::SslHandshakeFailedError, "tls-failed",        "no TLS at this port, or no trusted certificate"},
+    {Error::RemoteHostClosedError,   "connection-closed", "the backend closed the connection"             },
 };
 
 template <std::size_t size> const Meaning *find(const Meaning (&meanings)[size], int number)
