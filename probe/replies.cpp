@@ -91,7 +91,8 @@ void judgeMeasurements(Step &step, const QJsonObject &record)
 {
     const QStringList phases{QStringLiteral("phase_1"), QStringLiteral("phase_2"), QStringLiteral("phase_3")};
     const QString meter = QStringLiteral("meter_value");
-    for (const QString &key : QStringList(meter) + phases) {
+    const QStringList numbers = QStringList(meter) + phases;
+    for (const QString &key : numbers) {
         const QJsonValue value = record.value(key);
         if (!value.isDouble() && !isAbsent(value))
             step.problem("not-a-number", "\"%2\" is %1; the plugin reads a number and would take 0",

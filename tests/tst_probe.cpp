@@ -30,7 +30,7 @@ namespace {
 
 constexpr char program[] = VELA_PROBE_FILE;
 
-const QByteArray goodRecord =
+constexpr char goodRecord[] =
     R"({"timestamp": "2026-05-01T12:00:00Z", "status": "Charging", "meter_value": 3500, "phase_1": 16})";
 
 /*! The findings of \a step, as a reader of the row compares them: "problem CODE WALLBOX, warning CODE". */
@@ -179,9 +179,9 @@ void TestProbe::findings_data()
 
     row("not JSON", values("\x1f\x8b"), "problem not-json");
     row("values null", values(R"({"values": null})"), "problem no-values-object");
-    row("success as text", values(R"({"success": "true", "values": {"a": )" + goodRecord + "}}"),
+    row("success as text", values(R"({"success": "true", "values": {"a": )" + QByteArray(goodRecord) + "}}"),
         "warning no-success");
-    row("other case", values(R"({"success": true, "values": {"A": )" + goodRecord + "}}"),
+    row("other case", values(R"({"success": true, "values": {"A": )" + QByteArray(goodRecord) + "}}"),
         "problem no-values a, warning not-asked-for A");
     row("no object", values(R"({"success": true, "values": {"a": "Available"}})"), "problem no-record a");
 
