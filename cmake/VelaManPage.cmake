@@ -4,12 +4,12 @@
 find_program(VELA_HELP2MAN help2man DOC "Makes the manual pages; without it there are none")
 find_program(VELA_GZIP gzip REQUIRED)
 
-# Makes and installs the manual page of PROGRAM from what its --help says; SUMMARY is its line in the index.
+# Makes and installs the manual page of PROGRAM from its --help output; SUMMARY is its line in the index.
 function(vela_man_page program summary)
   if(NOT VELA_HELP2MAN)
     return()
   endif()
-  # Where the program was built for another machine, the emulator runs it.
+  # If the program was built for another machine, the emulator runs it.
   string(JOIN " " run ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${program}>)
   set(page ${CMAKE_CURRENT_BINARY_DIR}/${program}.1)
   add_custom_command(

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Vela authors
 # SPDX-License-Identifier: MIT
 
-# Cross-compiles for arm64 on Debian's amd64, see CONTRIBUTING.md. The programs that the build itself runs, as the
+# Cross-compiles for arm64 on Debian's amd64, see CONTRIBUTING.md. The programs that the build itself runs, such as the
 # catalogue's generator, run in an emulator.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
