@@ -6,6 +6,7 @@
 #include "replies.h"
 
 #include <QJsonObject>
+#include <QTimer>
 
 #include <plugintimer.h>
 
@@ -25,7 +26,7 @@ Site::Site(const QString &pluginFile, const QString &url, int wallboxes)
     : m_loader(pluginFile)
 {
     // Polls come when poll() says so.
-    m_hardware.pluginTimerManager()->setTickInterval(24h);
+    m_hardware.pluginTimerManager()->findChild<QTimer *>()->stop();
     const QJsonObject document = m_loader.metaData().value(QLatin1String("MetaData")).toObject();
     m_plugin.reset(qobject_cast<IntegrationPlugin *>(m_loader.instance()));
     if (!m_plugin)

@@ -5,6 +5,8 @@
 
 #include "loggingcategories.h"
 
+#include <chrono>
+
 using namespace std::chrono_literals;
 
 PluginTimer::PluginTimer(int seconds, QObject *parent)
@@ -44,6 +46,7 @@ void PluginTimer::tick()
 
 PluginTimerManager::PluginTimerManager(QObject *parent)
     : QObject(parent)
+    , m_clock(this)
 {
     m_clock.setTimerType(Qt::PreciseTimer);
     connect(&m_clock, &QTimer::timeout, this, &PluginTimerManager::tick);
@@ -74,9 +77,4 @@ void PluginTimerManager::tick()
     const QList<PluginTimer *> timers = m_timers;
     for (PluginTimer *timer : timers)
         timer->tick();
-}
-
-void PluginTimerManager::setTickInterval(std::chrono::milliseconds interval)
-{
-    m_clock.setInterval(interval);
 }

@@ -10,8 +10,6 @@
 #include <QObject>
 #include <QTimer>
 
-#include <chrono>
-
 /*! A plugin's repeating timer with a period in whole seconds. Owned by the manager that registered it. */
 class LIBNYMEA_EXPORT PluginTimer : public QObject
 {
@@ -54,11 +52,8 @@ public:
     /*! One second passes for every running timer. */
     void tick();
 
-    /*! How long one second takes, 1000 ms unless set; for running faster than real time. */
-    void setTickInterval(std::chrono::milliseconds interval);
-
 private:
-    QTimer m_clock;
+    QTimer m_clock;                // our child as well
     QList<PluginTimer *> m_timers; // our children
 };
 

@@ -3,10 +3,12 @@
 
 #include "census.h"
 
-#include <QFile>
-#include <QObject>
-#include <QTest>
+#include "waiting.h"
 
+#include <QCoreApplication>
+#include <QFile>
+
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <iterator>
@@ -54,6 +56,18 @@ qint64 residentBytes()
     return opened ? file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE) : 0;
 }
 
+/*! Whether no other thread has anything to do at the moment. */
+bool othersSleep()
+{
+    const std::filesystem::directory_iterator threads("/proc/self/task");
+    return std::all_of(begin(threads), end(threads), [](const auto &thread) {
+        QFile file(QString::fromStdString(thread.path() / "stat"));
+        const bool isOther = thread.path().filename() != std::to_string(gettid());
+        const QByteArray stat = isOther && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return stat.isEmpty() || stat.mid(stat.lastIndexOf(')') + 2).startsWith('S');
+    });
+}
+
 } // namespace
 
 Census Census::take()
@@ -71,10 +85,15 @@ Census Census::take()
 Census Census::takeSettled()
 {
     Census census = take();
-    for (Census previous; census.objects != previous.objects || census.descriptors != previous.descriptors;
-         census = take()) {
-        previous = census;
-        QTest::qWait(30);
-    }
+    const bool settled = waitFor([&census] {
+        const Census previous = census;
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const bool idle = othersSleep();
+        census = take();
+        return idle && census.objects == previous.objects && census.descriptors == previous.descriptors;
+    });
+    if (!settled)
+        qFatal("The program does not come to rest.");
     return census;
 }

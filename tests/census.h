@@ -15,7 +15,8 @@ struct Census
     qint64 resident = 0; //!< bytes of memory in use, the allocator's reserve included
 
     static Census take();
-    /*! Once whatever is due for deletion has gone, also in Qt's network thread. */
+    /*! Once nothing is left to do: no event here, and all other threads sleep, Qt's network thread among
+        them. */
     static Census takeSettled();
 };
 

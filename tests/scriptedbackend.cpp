@@ -21,15 +21,44 @@ QByteArray response(int status, const QByteArray &body)
         + "\r\n\r\n" + body;
 }
 
-ScriptedBackend::Operation operationOf(const QByteArray &target)
+/*! What a request of each operation must look like, in the order of ScriptedBackend::Operation. */
+const struct
 {
-    if (target.startsWith("/is_online"))
-        return ScriptedBackend::Online;
-    if (target.startsWith("/vela/get_group_info/"))
-        return ScriptedBackend::GroupInfo;
-    if (target.startsWith("/vela/get_values/"))
-        return ScriptedBackend::Values;
-    return target.startsWith("/vela/set_limits/") ? ScriptedBackend::Limits : ScriptedBackend::Unknown;
+    QByteArray path; //!< one that ends in a slash is followed by the group id
+    QString member;  //!< the only one beside "secret"; empty for none
+} endpoints[] = {
+    {"/is_online",            ""        },
+    {"/vela/get_group_info/", ""        },
+    {"/vela/get_values/",     "evse_ids"},
+    {"/vela/set_limits/",     "limits"  },
+};
+
+/*! Ends the program unless \a object has these members and no others. */
+void requireMembers(const QJsonObject &object, const QStringList &names, const QByteArray &target)
+{
+    if (object.keys() != names)
+        qFatal("The scripted backend was sent \"%s\" with the members \"%s\" in place of \"%s\".",
+               target.constData(), qPrintable(object.keys().join(' ')), qPrintable(names.join(' ')));
+}
+
+/*! Finds the request's operation; a request that no backend knows ends the program. */
+void identify(ScriptedBackend::Request &request)
+{
+    const QByteArray path = request.target.split('?').constFirst();
+    const QByteArray stem = path.left(path.lastIndexOf('/') + 1);
+    const auto *const endpoint =
+        std::find_if(std::begin(endpoints), std::end(endpoints),
+                     [&](const auto &known) { return known.path == path || known.path == stem; });
+    if (endpoint == std::end(endpoints))
+        qFatal("The scripted backend does not know the path \"%s\".", request.target.constData());
+    request.operation = static_cast<ScriptedBackend::Operation>(endpoint - std::begin(endpoints));
+    const QJsonObject body = request.json();
+    QStringList names{endpoint->member, "secret"};
+    names.removeAll(QString());
+    requireMembers(body, names, request.target);
+    const QJsonObject limits = body.value("limits").toObject();
+    for (const QJsonValue &limit : limits)
+        requireMembers(limit.toObject(), {"unit", "value"}, request.target);
 }
 
 /*! Ends the connection at once: nothing that is on its way counts any more. */
@@ -55,7 +84,6 @@ bool takeRequest(QByteArray &buffer, ScriptedBackend::Request &request)
         return false;
     QList<QByteArray> lines = buffer.left(headerEnd).split('\n');
     request.target = lines.takeFirst().split(' ').value(1);
-    request.operation = operationOf(request.target);
     for (const QByteArray &line : qAsConst(lines)) {
         const int colon = line.indexOf(':');
         request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
@@ -65,6 +93,7 @@ bool takeRequest(QByteArray &buffer, ScriptedBackend::Request &request)
         return false;
     request.body = buffer.mid(headerEnd + 4, length);
     buffer.remove(0, headerEnd + 4 + length);
+    identify(request);
     return true;
 }
 
@@ -119,36 +148,42 @@ void ScriptedBackend::closeConnections()
 
 void ScriptedBackend::setWallbox(const QString &infraId, int maxChargingCurrent)
 {
-    QJsonObject wallbox;
-    wallbox.insert("max_charging_current", maxChargingCurrent);
-    wallboxes.insert(infraId, wallbox);
+    wallboxes.insert(infraId,
+                     QJsonObject{
+                         {"max_charging_current", maxChargingCurrent}
+    });
 }
 
 void ScriptedBackend::setStatus(const QString &infraId, const QString &status)
 {
-    QJsonObject record;
-    record.insert("status", status);
-    values.insert(infraId, record);
+    values.insert(infraId,
+                  QJsonObject{
+                      {"status", status}
+    });
 }
 
 void ScriptedBackend::answer(Operation operation, int status, const QByteArray &body)
 {
-    m_scripts.insert(operation, {Script::Respond, status, body});
+    m_scripts[operation] = [bytes = response(status, body)](QTcpSocket *socket) { socket->write(bytes); };
 }
 
 void ScriptedBackend::hangUp(Operation operation, const QByteArray &bytes)
 {
-    m_scripts.insert(operation, {Script::HangUp, 0, bytes});
+    m_scripts[operation] = [bytes](QTcpSocket *socket) {
+        holdBack(socket);
+        socket->write(bytes);
+        socket->disconnectFromHost();
+    };
 }
 
 void ScriptedBackend::reset(Operation operation)
 {
-    m_scripts.insert(operation, {Script::Reset, 0, {}});
+    m_scripts[operation] = resetConnection;
 }
 
 void ScriptedBackend::hold(Operation operation)
 {
-    m_scripts.insert(operation, {Script::Hold, 0, {}});
+    m_scripts[operation] = [this, operation](QTcpSocket *socket) { m_held[operation].append(socket); };
 }
 
 void ScriptedBackend::answerNormally(Operation operation)
@@ -189,11 +224,6 @@ bool ScriptedBackend::isSent(Operation operation) const
         && ioctl(int(socket->socketDescriptor()), SIOCOUTQ, &unacknowledged) == 0 && unacknowledged == 0;
 }
 
-QList<ScriptedBackend::Request> ScriptedBackend::requests() const
-{
-    return m_requests;
-}
-
 QList<ScriptedBackend::Request> ScriptedBackend::requests(Operation operation) const
 {
     QList<Request> result;
@@ -222,11 +252,6 @@ QList<double> ScriptedBackend::limits(const QString &infraId) const
     return result;
 }
 
-void ScriptedBackend::forgetRequests()
-{
-    m_requests.clear();
-}
-
 int ScriptedBackend::openConnections() const
 {
     return m_server.findChildren<QTcpSocket *>().size();
@@ -250,35 +275,23 @@ void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
 {
     m_requests.append(request);
     const Script script = m_scripts.value(request.operation);
-    switch (script.kind) {
-    case Script::Normal:
+    if (script)
+        script(socket);
+    else
         socket->write(response(200, defaultBody(request.operation)));
-        break;
-    case Script::Respond:
-        socket->write(response(script.status, script.bytes));
-        break;
-    case Script::HangUp:
-        holdBack(socket);
-        socket->write(script.bytes);
-        socket->disconnectFromHost();
-        break;
-    case Script::Reset:
-        resetConnection(socket);
-        break;
-    case Script::Hold:
-        m_held[request.operation].append(socket);
-        break;
-    }
 }
 
 QByteArray ScriptedBackend::defaultBody(Operation operation) const
 {
     QJsonObject body;
     if (operation == GroupInfo)
-        body.insert("evse_ids", wallboxes);
-    if (operation == Values) {
-        body.insert("success", true);
-        body.insert("values", values);
-    }
+        body = {
+            {"evse_ids", wallboxes}
+        };
+    if (operation == Values)
+        body = {
+            {"success", true  },
+            {"values",  values}
+        };
     return QJsonDocument(body).toJson();
 }

@@ -13,16 +13,18 @@
 /*! An OCPP backend that answers as the test says and remembers every request.
 
     Without a script it accepts everything: it is online, answers with the wallboxes and values below and
-    takes all limits. Connections are kept alive. It lives in the test's thread, on a free port. */
+    takes all limits. It is strict about what it is sent: an unknown path, an unknown or missing member of the
+    body ends the program with a message that names it. Connections are kept alive. It lives in the thread
+    that created it and listens on a free port of the loopback interface. */
 class ScriptedBackend : public QObject
 {
     Q_OBJECT
 public:
-    enum Operation { Online, GroupInfo, Values, Limits, Unknown };
+    enum Operation { Online, GroupInfo, Values, Limits };
 
     struct Request
     {
-        Operation operation = Unknown;
+        Operation operation = Online;
         QByteArray target;                     //!< as on the request line, percent-encoded
         QHash<QByteArray, QByteArray> headers; //!< names in lower case
         QByteArray body;
@@ -64,35 +66,30 @@ public:
     bool release(Operation operation);
     /*! Answers all held requests of \a operation, and later ones at once. */
     void releaseAll(Operation operation);
-    /*! Sends \a bytes to whom the oldest held request of \a operation belongs, and goes on holding it. */
+    /*! Sends \a bytes to the client whose request of \a operation is the oldest held, and goes on holding it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
     /*! Whether all that sendPart() has sent has arrived at the other side. */
     bool isSent(Operation operation) const;
 
-    QList<Request> requests() const;
+    QList<Request> requests() const { return m_requests; }
     QList<Request> requests(Operation operation) const;
     /*! "limits" of each set-limits request, in order. */
     QList<QJsonObject> limits() const;
     /*! The ampere values that \a infraId was limited to, one for each request that names it. */
     QList<double> limits(const QString &infraId) const;
-    void forgetRequests();
+    void forgetRequests() { m_requests.clear(); }
     int openConnections() const;
 
 private:
-    struct Script
-    {
-        enum { Normal, Respond, HangUp, Reset, Hold } kind = Normal;
-        int status = 200;
-        QByteArray bytes;
-    };
+    using Script = std::function<void(QTcpSocket *)>;
 
     void accept(QTcpSocket *socket);
     void serve(QTcpSocket *socket, const Request &request);
     QByteArray defaultBody(Operation operation) const;
 
     QTcpServer m_server;
-    QTcpSocket m_reservation; // keeps the port while the server is shut down
-    QHash<Operation, Script> m_scripts;
+    QTcpSocket m_reservation;           // keeps the port while the server is shut down
+    QHash<Operation, Script> m_scripts; // what happens to a request instead of the default answer
     QHash<Operation, QList<QPointer<QTcpSocket>>> m_held; // children of the server
     QList<Request> m_requests;
 };

@@ -10,9 +10,10 @@
 
 #include <QMetaEnum>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTimer>
 
 #include <chrono>
+#include <functional>
 #include <sys/time.h>
 
 using namespace std::chrono_literals;
@@ -43,7 +44,8 @@ extern "C" const char *__lsan_default_suppressions()
     return "leak:IntegrationPluginVela::discoverThings\nleak:IntegrationPluginVela::setupGateway\n";
 }
 
-Site::Site()
+Site::Site(const QString &pluginFile)
+    : m_pluginFile(pluginFile)
 {
     backend.setWallbox("EVSE-01", 16);
     start();
@@ -54,12 +56,13 @@ Site::~Site()
     const Things things = gateways();
     for (Thing *thing : things)
         daemon->remove(thing);
+    daemon.reset(); // before its storage
 }
 
 void Site::start()
 {
-    daemon = std::make_unique<Daemon>(Daemon::Options{VELA_PLUGIN_FILE, m_storage.path(), 0ms});
-    daemon->hardwareManager()->pluginTimerManager()->setTickInterval(24h);
+    daemon = std::make_unique<Daemon>(Daemon::Options{m_pluginFile, m_storage.path(), 0ms});
+    timerManager()->findChild<QTimer *>()->stop();
     const QString error = daemon->load();
     if (!error.isEmpty())
         qFatal("%s", qPrintable(error));
@@ -121,7 +124,7 @@ Job Site::discover(const QString &url, const QString &groupId, const QString &gr
 
 Job Site::set(const QString &infraId, const QString &state, const QVariant &value) const
 {
-    return watch(daemon->execute(wallbox(infraId), state, value));
+    return watch(daemon->execute(knownWallbox(infraId), state, value));
 }
 
 Things Site::gateways() const
@@ -147,6 +150,14 @@ Thing *Site::wallbox(const QString &infraId) const
     return it == things.cend() ? nullptr : *it;
 }
 
+Thing *Site::knownWallbox(const QString &infraId) const
+{
+    Thing *thing = wallbox(infraId);
+    if (!thing)
+        qFatal("There is no wallbox \"%s\".", qPrintable(infraId));
+    return thing;
+}
+
 QStringList Site::infraIds() const
 {
     QStringList result;
@@ -159,14 +170,16 @@ QStringList Site::infraIds() const
 
 QVariant Site::state(const QString &infraId, const QString &name) const
 {
-    const Thing *thing = wallbox(infraId);
-    return thing ? thing->stateValue(name) : QVariant();
+    const State state = knownWallbox(infraId)->state(name);
+    if (state.stateTypeId().isNull())
+        qFatal("There is no state \"%s\".", qPrintable(name));
+    return state.value();
 }
 
 void Site::tick() const
 {
-    daemon->hardwareManager()->pluginTimerManager()->tick();
-    daemon->hardwareManager()->pluginTimerManager()->tick();
+    for (int second = 0; second < 2; ++second)
+        timerManager()->tick();
 }
 
 bool Site::poll() const
@@ -203,7 +216,12 @@ QList<QTimer *> Site::chargeLimitTimers() const
 
 QList<PluginTimer *> Site::pluginTimers() const
 {
-    return daemon->hardwareManager()->pluginTimerManager()->findChildren<PluginTimer *>();
+    return timerManager()->findChildren<PluginTimer *>();
+}
+
+PluginTimerManager *Site::timerManager() const
+{
+    return daemon->hardwareManager()->pluginTimerManager();
 }
 
 QStringList Site::story() const
@@ -219,13 +237,11 @@ QStringList Site::story() const
 QStringList Site::story(const QStringList &starts) const
 {
     QStringList lines = story();
-    lines.erase(std::remove_if(lines.begin(), lines.end(),
-                               [&starts](const QString &line) {
-                                   return std::none_of(
-                                       starts.cbegin(), starts.cend(),
-                                       [&line](const QString &start) { return line.startsWith(start); });
-                               }),
-                lines.end());
+    const auto isWanted = [&starts](const QString &line) {
+        return std::any_of(starts.cbegin(), starts.cend(),
+                           [&line](const QString &start) { return line.startsWith(start); });
+    };
+    lines.erase(std::remove_if(lines.begin(), lines.end(), std::not_fn(isWanted)), lines.end());
     return lines;
 }
 

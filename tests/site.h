@@ -13,6 +13,7 @@
 #include <memory>
 
 class PluginTimer;
+class PluginTimerManager;
 class QTimer;
 
 /*! How a job has ended. */
@@ -23,13 +24,14 @@ struct Outcome
 };
 using Job = std::shared_ptr<const Outcome>;
 
-/*! The built library in a daemon with storage of its own, and a backend with one wallbox, "EVSE-01".
+/*! The built plugin in a daemon with storage of its own, and a backend with one wallbox, "EVSE-01".
 
-    Time stands still: plugin timers tick and the clock moves when told to. */
+    Time stands still: plugin timers tick and the clock moves when told to. What is misspelt ends the program
+    with a message that names it, or makes the job's text an error. One site at a time. */
 class Site
 {
 public:
-    Site();
+    explicit Site(const QString &pluginFile = QStringLiteral(VELA_PLUGIN_FILE));
     ~Site();
     Q_DISABLE_COPY(Site)
 
@@ -43,7 +45,7 @@ public:
     Job discover() const { return discover(backend.url(), "yard", "s3cret"); }
     Job add(const ThingDescriptor &descriptor) const { return watch(daemon->add(descriptor)); }
     Job setup(Thing *thing) const { return watch(daemon->setup(thing)); }
-    /*! Executes the action that sets \a state. */
+    /*! Executes the action that sets \a state of a wallbox that is there. */
     Job set(const QString &infraId, const QString &state, const QVariant &value) const;
     /*! Waits until \a job has finished, and returns its text. */
     static QString result(const Job &job);
@@ -56,6 +58,7 @@ public:
     Thing *wallbox(const QString &infraId) const;
     /*! The infrastructure ids of all wallboxes, sorted. */
     QStringList infraIds() const;
+    /*! The value of a state that exists, of a wallbox that is there. */
     QVariant state(const QString &infraId, const QString &name) const;
 
     /*! Two seconds pass for the plugin timer. */
@@ -81,7 +84,10 @@ public:
 private:
     void start();
     static Job watch(ThingJob *job);
+    Thing *knownWallbox(const QString &infraId) const;
+    PluginTimerManager *timerManager() const;
 
+    const QString m_pluginFile;
     QTemporaryDir m_storage;
 };
 

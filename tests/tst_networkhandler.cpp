@@ -255,9 +255,9 @@ void TestNetworkHandler::url()
 void TestNetworkHandler::secretReplacesTheCallers()
 {
     Client client;
-    QJsonObject body = json(R"({"secret": "caller's", "other": 1})");
-    client.handler->sendRequestPost("/is_online", body, [](QNetworkReply *) {});
-    QCOMPARE(compact(body), R"({"other":1,"secret":"s3cret"})"); // changed in place
+    QJsonObject body = json(R"({"secret": "caller's", "evse_ids": []})");
+    client.handler->sendRequestPost("/vela/get_values/yard", body, [](QNetworkReply *) {});
+    QCOMPARE(compact(body), R"({"evse_ids":[],"secret":"s3cret"})"); // changed in place
     QTRY_COMPARE(client.backend.requests().size(), 1);
     QCOMPARE(client.backend.requests().constFirst().json(), body);
 }

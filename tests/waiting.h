@@ -6,8 +6,8 @@
 
 #include <functional>
 
-/*! Runs the event loop until \a condition holds, and looks after each event, where QTest::qWaitFor() sleeps
-    10 ms in between. False when it does not hold within a minute. */
+/*! Runs the event loop until \a condition holds, which is checked after each event. False when it does not
+    hold within a minute. */
 [[nodiscard]] bool waitFor(const std::function<bool()> &condition);
 
 #endif // WAITING_H
