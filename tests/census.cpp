@@ -5,10 +5,8 @@
 
 #include "waiting.h"
 
-#include <QCoreApplication>
 #include <QFile>
 
-#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <iterator>
@@ -56,18 +54,6 @@ qint64 residentBytes()
     return opened ? file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE) : 0;
 }
 
-/*! Whether no other thread has anything to do at the moment. */
-bool othersSleep()
-{
-    const std::filesystem::directory_iterator threads("/proc/self/task");
-    return std::all_of(begin(threads), end(threads), [](const auto &thread) {
-        QFile file(QString::fromStdString(thread.path() / "stat"));
-        const bool isOther = thread.path().filename() != std::to_string(gettid());
-        const QByteArray stat = isOther && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        return stat.isEmpty() || stat.mid(stat.lastIndexOf(')') + 2).startsWith('S');
-    });
-}
-
 } // namespace
 
 Census Census::take()
@@ -84,16 +70,7 @@ Census Census::take()
 
 Census Census::takeSettled()
 {
-    Census census = take();
-    const bool settled = waitFor([&census] {
-        const Census previous = census;
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        const bool idle = othersSleep();
-        census = take();
-        return idle && census.objects == previous.objects && census.descriptors == previous.descriptors;
-    });
-    if (!settled)
+    if (!settle())
         qFatal("The program does not come to rest.");
-    return census;
+    return take();
 }

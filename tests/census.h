@@ -15,8 +15,7 @@ struct Census
     qint64 resident = 0; //!< bytes of memory in use, the allocator's reserve included
 
     static Census take();
-    /*! Once nothing is left to do: no event here, and all other threads sleep, Qt's network thread among
-        them. */
+    /*! The same once the program has come to rest: what is due for deletion has gone. */
     static Census takeSettled();
 };
 

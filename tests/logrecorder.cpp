@@ -25,10 +25,13 @@ LogRecorder::~LogRecorder()
 
 void LogRecorder::record(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (!context.category || std::strcmp(context.category, s_recorder->m_category) != 0)
+    if (!context.category || std::strcmp(context.category, s_recorder->m_category) != 0) {
         s_recorder->m_previous(type, context, message);
-    else
-        s_recorder->m_lines.append((type == QtDebugMsg ? "debug: " : "warning: ") + message);
+        return;
+    }
+    s_recorder->m_lines.append((type == QtDebugMsg ? "debug: " : "warning: ") + message);
+    if (s_recorder->heard)
+        s_recorder->heard(s_recorder->m_lines.constLast());
 }
 
 QStringList LogRecorder::lines() const

@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 /*! Keeps what is logged in one category, for as long as it lives; other messages go their usual way.
     One recorder at a time. */
 class LogRecorder
@@ -22,6 +24,8 @@ public:
     /*! How many lines begin with \a start. */
     int count(const QString &start) const;
     void clear();
+
+    std::function<void(const QString &line)> heard; //!< called with each line as it is logged; may be empty
 
 private:
     static void record(QtMsgType type, const QMessageLogContext &context, const QString &message);

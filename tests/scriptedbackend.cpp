@@ -274,6 +274,7 @@ void ScriptedBackend::accept(QTcpSocket *socket)
 void ScriptedBackend::serve(QTcpSocket *socket, const Request &request)
 {
     m_requests.append(request);
+    emit received(request);
     const Script script = m_scripts.value(request.operation);
     if (script)
         script(socket);

@@ -21,6 +21,7 @@ class ScriptedBackend : public QObject
     Q_OBJECT
 public:
     enum Operation { Online, GroupInfo, Values, Limits };
+    Q_ENUM(Operation)
 
     struct Request
     {
@@ -79,6 +80,10 @@ public:
     QList<double> limits(const QString &infraId) const;
     void forgetRequests() { m_requests.clear(); }
     int openConnections() const;
+
+Q_SIGNALS:
+    /*! A request has arrived, and is not answered yet. */
+    void received(const Request &request);
 
 private:
     using Script = std::function<void(QTcpSocket *)>;

@@ -9,11 +9,9 @@
 #include <plugintimer.h>
 
 #include <QMetaEnum>
-#include <QRegularExpression>
 #include <QTimer>
 
 #include <chrono>
-#include <functional>
 #include <sys/time.h>
 
 using namespace std::chrono_literals;
@@ -224,49 +222,20 @@ PluginTimerManager *Site::timerManager() const
     return daemon->hardwareManager()->pluginTimerManager();
 }
 
-QStringList Site::story() const
-{
-    static const QRegularExpression classAndId(R"(, class \w+, id \{[^}]*\})");
-    static const QRegularExpression uuid(R"re(QUuid\("[^"]*"\))re");
-    QStringList lines = log.lines();
-    lines.replaceInStrings(classAndId, QString());
-    lines.replaceInStrings(uuid, "ID");
-    return lines.replaceInStrings(backend.url(), "URL");
-}
-
-QStringList Site::story(const QStringList &starts) const
-{
-    QStringList lines = story();
-    const auto isWanted = [&starts](const QString &line) {
-        return std::any_of(starts.cbegin(), starts.cend(),
-                           [&line](const QString &start) { return line.startsWith(start); });
-    };
-    lines.erase(std::remove_if(lines.begin(), lines.end(), std::not_fn(isWanted)), lines.end());
-    return lines;
-}
-
-QStringList Site::polledIds() const
-{
-    const QList<ScriptedBackend::Request> polls = backend.requests(ScriptedBackend::Values);
-    QStringList ids;
-    if (!polls.isEmpty())
-        ids = polls.last().json().value("evse_ids").toVariant().toStringList();
-    ids.sort();
-    return ids;
-}
-
-StateWatch::StateWatch(Thing *thing)
+StateWatch::StateWatch(Thing *thing, const std::function<void(const QString &change)> &heard)
 {
     QHash<StateTypeId, QVariant> maxima;
     const States states = thing->states();
     for (const State &state : states)
         maxima.insert(state.stateTypeId(), state.maxValue());
-    QObject::connect(thing, &Thing::stateValueChanged, &m_context,
-                     [this, thing, maxima](const StateTypeId &id, const QVariant &value, const QVariant &,
-                                           const QVariant &max) mutable {
-                         const QString name = thing->thingClass().stateTypes.findById(id).name;
-                         const bool moved = maxima.value(id) != max;
-                         maxima[id] = max;
-                         changes.append(name + (moved ? " max " + max.toString() : ' ' + value.toString()));
-                     });
+    connect(thing, &Thing::stateValueChanged, this,
+            [this, thing, heard, maxima](const StateTypeId &id, const QVariant &value, const QVariant &,
+                                         const QVariant &max) mutable {
+                const QString name = thing->thingClass().stateTypes.findById(id).name;
+                const bool moved = maxima.value(id) != max;
+                maxima[id] = max;
+                changes.append(name + (moved ? " max " + max.toString() : ' ' + value.toString()));
+                if (heard)
+                    heard(changes.constLast());
+            });
 }

@@ -70,13 +70,6 @@ public:
     QList<QTimer *> chargeLimitTimers() const;
     QList<PluginTimer *> pluginTimers() const;
 
-    /*! The log since the last clear(), without ids, class numbers and the backend's URL. */
-    QStringList story() const;
-    /*! The lines of story() that begin with one of \a starts. */
-    QStringList story(const QStringList &starts) const;
-    /*! The infrastructure ids that the last values request asked for, sorted. */
-    QStringList polledIds() const;
-
     LogRecorder log;
     ScriptedBackend backend;
     std::unique_ptr<Daemon> daemon;
@@ -92,14 +85,11 @@ private:
 };
 
 /*! Notes every change of \a thing's states as "NAME VALUE", and of a maximum as "NAME max VALUE". */
-class StateWatch
+class StateWatch : public QObject
 {
 public:
-    explicit StateWatch(Thing *thing);
+    explicit StateWatch(Thing *thing, const std::function<void(const QString &change)> &heard = {});
     QStringList changes;
-
-private:
-    QObject m_context;
 };
 
 #endif // SITE_H

@@ -1,0 +1,357 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "pluginconsole.h"
+
+#include "json.h"
+#include "waiting.h"
+
+#include <plugintimer.h>
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QMetaEnum>
+#include <QMetaMethod>
+#include <QSettings>
+#include <QTextStream>
+#include <QTimer>
+
+namespace {
+
+ScriptedBackend::Operation operation(const QString &name)
+{
+    bool known = false;
+    const int value =
+        QMetaEnum::fromType<ScriptedBackend::Operation>().keyToValue(name.toUtf8().constData(), &known);
+    if (!known)
+        qFatal("There is no operation \"%s\".", qPrintable(name));
+    return static_cast<ScriptedBackend::Operation>(value);
+}
+
+/*! The number, truth value or text that \a word stands for. */
+QVariant value(const QString &word)
+{
+    const QJsonArray array = QJsonDocument::fromJson('[' + word.toUtf8() + ']').array();
+    return array.isEmpty() ? word : array.first().toVariant();
+}
+
+QString compact(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+} // namespace
+
+PluginConsole::PluginConsole()
+{
+    addBackendCommands();
+    addJobCommands();
+    addOtherCommands();
+    addListeners();
+    addQueries();
+    m_site.log.heard = [this](const QString &line) {
+        if (m_shown.contains("log") || line.startsWith("warning: "))
+            print(line);
+    };
+    connect(&m_site.backend, &ScriptedBackend::received, this, &PluginConsole::printRequest);
+    connect(&m_other, &ScriptedBackend::received, this, [this](const ScriptedBackend::Request &request) {
+        show("requests", m_other.url() + request.target + ' ' + compact(request.json()));
+    });
+    listen();
+}
+
+PluginConsole::~PluginConsole()
+{
+    m_shown.clear(); // nobody has asked for what the end brings
+}
+
+void PluginConsole::run(const QString &line)
+{
+    Words words = withAddresses(line).split(' ');
+    const auto command = m_commands.value(words.takeFirst());
+    if (!command)
+        qFatal("There is no command \"%s\".", qPrintable(line));
+    command(words);
+    if (!settle())
+        qFatal("\"%s\" does not come to an end.", qPrintable(line));
+    printFinishedJobs();
+}
+
+void PluginConsole::addBackendCommands()
+{
+    ScriptedBackend &backend = m_site.backend;
+    m_commands["wallbox"] = [&](const Words &words) { backend.setWallbox(words[0], words[1].toInt()); };
+    m_commands["wallboxes"] = [&](const Words &words) {
+        for (int i = 1; i <= words[0].toInt(); ++i)
+            backend.setWallbox(QString("EVSE-%1").arg(i, 2, 10, QChar('0')), 16);
+    };
+    m_commands["unlist"] = [&](const Words &words) { backend.wallboxes.remove(words[0]); };
+    m_commands["group"] = [&](const Words &words) { backend.wallboxes = json(words.join(' ').toUtf8()); };
+    m_commands["values"] = [&](const Words &words) { backend.values = json(words.join(' ').toUtf8()); };
+    m_commands["othergroup"] = [&](const Words &words) {
+        m_other.wallboxes = json(words.join(' ').toUtf8());
+    };
+    m_commands["answer"] = [&](const Words &words) {
+        backend.answer(operation(words[0]), words[1].toInt(), words.mid(2).join(' ').toUtf8());
+    };
+    m_commands["normal"] = [&](const Words &words) { backend.answerNormally(operation(words[0])); };
+    m_commands["hold"] = [&](const Words &words) { backend.hold(operation(words[0])); };
+    m_commands["release"] = [&](const Words &words) { backend.releaseAll(operation(words[0])); };
+}
+
+void PluginConsole::addJobCommands()
+{
+    m_commands["discover"] = [&](const Words &words) {
+        const auto word = [&words](int index) {
+            return words.at(index) == "?" ? QString()
+                : words.at(index) == "-"  ? QString("")
+                                          : words.at(index);
+        };
+        m_jobs.append(
+            {"discovery", words.isEmpty() ? m_site.discover() : m_site.discover(word(0), word(1), word(2))});
+    };
+    m_commands["add"] = [&](const Words &) { m_jobs.append({"set-up", m_site.add(m_offers.first())}); };
+    m_commands["addwallbox"] = [&](const Words &words) {
+        const ThingClass thingClass = m_site.daemon->thingClasses().findByName(words[0]);
+        ThingDescriptor descriptor(thingClass.id, words[1]);
+        descriptor.setParams({{Param(thingClass.paramTypes.findByName("infraID").id, words[2])}});
+        m_jobs.append({"set-up", m_site.add(descriptor)});
+    };
+    m_commands["gateway"] = [&](const Words &) {
+        const QString error = m_site.addGateway();
+        if (!error.isEmpty())
+            print(error);
+    };
+    m_commands["setup"] = [&](const Words &words) {
+        m_jobs.append({"set-up", m_site.setup(thing(words[0]))});
+    };
+    m_commands["set"] = [&](const Words &words) {
+        m_jobs.append({"action", m_site.set(words[0], words[1], value(words[2]))});
+    };
+}
+
+void PluginConsole::addOtherCommands()
+{
+    m_commands["show"] = [&](const Words &words) { m_shown = words; };
+    m_commands["remove"] = [&](const Words &words) { m_site.remove(thing(words[0])); };
+    m_commands["restart"] = [&](const Words &) {
+        m_site.restart();
+        listen();
+    };
+    m_commands["poll"] = [&](const Words &) { m_site.tick(); };
+    m_commands["renew"] = [&](const Words &) { m_site.fireChargeLimitTimer(); };
+    m_commands["clock"] = [&](const Words &words) { Site::moveClock(words[0].toInt()); };
+    m_commands["write"] = [&](const Words &words) {
+        thing(words[0])->setStateValue(words[1], value(words[2]));
+    };
+    m_commands["param"] = [&](const Words &words) {
+        Thing *changed = thing(words[0]);
+        changed->setParamValue(changed->thingClass().paramTypes.findByName(words[1]).id, value(words[2]));
+    };
+    m_commands["credentials"] = [&](const Words &words) {
+        QSettings *storage = m_site.daemon->plugin()->pluginStorage();
+        storage->remove(QString());
+        storage->beginGroup(m_site.daemon->thingClasses().findByName("vela").id.toString());
+        const char *const keys[] = {"url", "groupId", "groupSecret"};
+        for (int i = 0; i < 3; ++i) {
+            if (words.at(i) != "-")
+                storage->setValue(keys[i], words.at(i));
+        }
+        storage->endGroup();
+    };
+}
+
+/*! Commands for what listeners to the plugin and its things may do. */
+void PluginConsole::addListeners()
+{
+    m_commands["overwrite"] = [&](const Words &words) {
+        Thing *changed = thing(words[0]);
+        connect(changed, &Thing::stateValueChanged, this, [changed, words](const StateTypeId &id) {
+            if (changed->thingClass().stateTypes.findById(id).name == words[1])
+                changed->setStateValue(words[1], value(words[2]));
+        });
+    };
+    const auto removeAllBut = [this](int count) {
+        while (m_site.wallboxes().size() > count)
+            m_site.remove(m_site.wallboxes().constFirst());
+    };
+    m_commands["keepone"] = [=](const Words &) {
+        const Things wallboxes = m_site.wallboxes();
+        for (const Thing *wallbox : wallboxes)
+            connect(wallbox, &Thing::stateValueChanged, this, [removeAllBut] { removeAllBut(1); });
+    };
+    m_commands["keepnone"] = [=](const Words &) {
+        connect(m_site.daemon->plugin(), &IntegrationPlugin::autoThingDisappeared, this,
+                [removeAllBut] { removeAllBut(0); });
+    };
+}
+
+void PluginConsole::addQueries()
+{
+    m_commands["things"] = [&](const Words &) {
+        const Things things = m_site.daemon->configuredThings();
+        for (const Thing *thing : things)
+            print(thing->name() + ' ' + thing->thingClass().name + ' ' + thing->id().toString());
+    };
+    m_commands["count"] = [&](const Words &) {
+        QSet<ThingClassId> classes;
+        const Things wallboxes = m_site.wallboxes();
+        for (const Thing *wallbox : wallboxes)
+            classes.insert(wallbox->thingClassId());
+        print(QString("%1 wallboxes of %2 classes").arg(wallboxes.size()).arg(classes.size()));
+    };
+    m_commands["state"] = [&](const Words &words) {
+        Words values;
+        for (const QString &name : words.mid(1))
+            values.append(thing(words[0])->stateValue(name).toString());
+        print(values.join(' '));
+    };
+    m_commands["params"] = [&](const Words &words) {
+        print(paramTexts(thing(words[0])->thingClassId(), thing(words[0])->params()));
+    };
+    m_commands["storage"] = [&](const Words &) {
+        const QSettings *storage = m_site.daemon->plugin()->pluginStorage();
+        const Words keys = storage->allKeys();
+        for (const QString &key : keys)
+            print(key.section('/', 1) + ' ' + storage->value(key).toString());
+    };
+    m_commands["timers"] = [&](const Words &) {
+        const auto pluginTimers = m_site.pluginTimers();
+        for (const PluginTimer *timer : pluginTimers)
+            print(QString("%1 s%2").arg(timer->interval()).arg(timer->running() ? "" : ", stopped"));
+        const auto timers = m_site.chargeLimitTimers();
+        for (const QTimer *timer : timers)
+            print(QString("%1 ms%2")
+                      .arg(timer->interval())
+                      .arg(timer->isActive() && !timer->isSingleShot() ? "" : ", stopped"));
+    };
+    m_commands["connections"] = [&](const Words &) {
+        print(QString::number(m_site.backend.openConnections()));
+    };
+}
+
+/*! Connects to a daemon that has just been started. */
+void PluginConsole::listen()
+{
+    connect(m_site.daemon.get(), &Daemon::thingAdded, this, &PluginConsole::watch);
+    const Things things = m_site.daemon->configuredThings();
+    for (Thing *thing : things)
+        watch(thing);
+    const IntegrationPlugin *plugin = m_site.daemon->plugin();
+    connect(plugin, &IntegrationPlugin::autoThingsAppeared, this, &PluginConsole::printAppeared);
+    connect(plugin, &IntegrationPlugin::autoThingDisappeared, this,
+            [this](const ThingId &id) { show("announced", "disappeared " + id.toString()); });
+    // The plugin's class is not known here.
+    const QMetaObject *type = plugin->metaObject();
+    connect(plugin, type->method(type->indexOfSignal("checkAutoCreateFinished()")), this,
+            staticMetaObject.method(staticMetaObject.indexOfSlot("onGroupComplete()")));
+}
+
+void PluginConsole::print(const QString &line) const
+{
+    QString text = line;
+    text.replace('\n', "\\n").replace(m_site.backend.url(), "URL").replace(m_other.url(), "OTHER");
+    QTextStream(stdout) << text << '\n';
+}
+
+void PluginConsole::show(const QString &kind, const QString &line) const
+{
+    if (m_shown.contains(kind))
+        print(line);
+}
+
+void PluginConsole::printRequest(const ScriptedBackend::Request &request) const
+{
+    QJsonObject body = request.json();
+    if (request.operation == ScriptedBackend::Values) {
+        Words ids = body["evse_ids"].toVariant().toStringList();
+        ids.sort(); // sent in no particular order
+        body["evse_ids"] = QJsonArray::fromStringList(ids);
+    }
+    show("requests", request.target + ' ' + compact(body));
+    if (request.operation == ScriptedBackend::Limits)
+        show("limits", "limits " + compact(body["limits"].toObject()));
+}
+
+void PluginConsole::printAppeared(const ThingDescriptors &descriptors) const
+{
+    const auto jobs = m_site.daemon->findChildren<ThingSetupInfo *>();
+    const bool early = std::any_of(jobs.cbegin(), jobs.cend(), [](const ThingSetupInfo *job) {
+        return job->thing()->thingClass().name == "vela" && !job->isFinished();
+    });
+    for (const ThingDescriptor &descriptor : descriptors) {
+        const ThingClass thingClass = m_site.daemon->thingClasses().findById(descriptor.thingClassId());
+        show("announced",
+             QString("appeared %1 %2 of %3%4 (%5)%6%7")
+                 .arg(descriptor.title(), thingClass.name, descriptor.parentId().toString(),
+                      descriptor.description(), paramTexts(thingClass.id, descriptor.params()),
+                      descriptor.thingId().isNull() ? "" : " known", early ? " before the gateway" : ""));
+    }
+}
+
+void PluginConsole::printFinishedJobs()
+{
+    QVector<QPair<QString, Job>> pending;
+    for (const auto &[name, job] : qAsConst(m_jobs)) {
+        if (job->text == "pending") {
+            pending.append({name, job});
+            continue;
+        }
+        print(name + ": " + job->text);
+        for (const ThingDescriptor &offer : job->offers) {
+            print(QString("offer %1 %2 \"%3\" \"%4\" (%5)%6")
+                      .arg(offer.thingId().toString(),
+                           m_site.daemon->thingClasses().findById(offer.thingClassId()).name, offer.title(),
+                           offer.description(), paramTexts(offer.thingClassId(), offer.params()),
+                           offer.parentId().isNull() ? "" : " with a parent"));
+        }
+        if (name == "discovery")
+            m_offers = job->offers;
+    }
+    m_jobs = pending;
+}
+
+void PluginConsole::watch(Thing *thing)
+{
+    auto *changes = new StateWatch(
+        thing, [this, thing](const QString &change) { show("changes", thing->name() + ' ' + change); });
+    changes->setParent(thing);
+}
+
+QString PluginConsole::withAddresses(QString text) const
+{
+    return text.replace("URL", m_site.backend.url()).replace("OTHER", m_other.url());
+}
+
+QString PluginConsole::paramTexts(const ThingClassId &thingClassId, const ParamList &params) const
+{
+    const ThingClass thingClass = m_site.daemon->thingClasses().findById(thingClassId);
+    Words texts;
+    for (const Param &param : params)
+        texts.append(thingClass.paramTypes.findById(param.paramTypeId()).name + '='
+                     + param.value().toString());
+    return texts.join(' ');
+}
+
+/*! The thing of that name; "gateway" is the first gateway and "newest" the thing created last, kept or not. */
+Thing *PluginConsole::thing(const QString &name) const
+{
+    const auto things = m_site.daemon->findChildren<Thing *>();
+    if (name == "gateway" || name == "newest")
+        return name == "gateway" ? m_site.gateway() : things.constLast();
+    const auto found = std::find_if(things.cbegin(), things.cend(),
+                                    [&name](const Thing *thing) { return thing->name() == name; });
+    if (found == things.cend())
+        qFatal("There is no thing \"%s\".", qPrintable(name));
+    return *found;
+}
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    PluginConsole console;
+    QTextStream input(stdin);
+    for (QString line; input.readLineInto(&line);)
+        console.run(line);
+    return 0;
+}

@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef PLUGINCONSOLE_H
+#define PLUGINCONSOLE_H
+
+#include "site.h"
+
+#include <QMap>
+
+/*! Drives a site by typed commands and prints what happens, for transcripts: transcripts/plugin/README.md describes
+    the commands. All that a command leads to has happened and is printed before the next one is read. */
+class PluginConsole : public QObject
+{
+    Q_OBJECT
+public:
+    PluginConsole();
+    ~PluginConsole() override;
+    Q_DISABLE_COPY(PluginConsole)
+    /*! Runs one command; an unknown one ends the program. */
+    void run(const QString &line);
+
+private Q_SLOTS:
+    void onGroupComplete() const { show("announced", "complete"); }
+
+private:
+    using Words = QStringList;
+
+    void addBackendCommands();
+    void addJobCommands();
+    void addOtherCommands();
+    void addListeners();
+    void addQueries();
+    void listen();
+
+    void print(const QString &line) const;
+    void show(const QString &kind, const QString &line) const;
+    void printRequest(const ScriptedBackend::Request &request) const;
+    void printAppeared(const ThingDescriptors &descriptors) const;
+    void printFinishedJobs();
+    void watch(Thing *thing);
+    QString withAddresses(QString text) const;
+    QString paramTexts(const ThingClassId &thingClassId, const ParamList &params) const;
+    Thing *thing(const QString &name) const;
+
+    QStringList m_shown;                 // the kinds of events to be printed
+    QVector<QPair<QString, Job>> m_jobs; // whose results have not been printed, with their names
+    ThingDescriptors m_offers;           // of the last discovery that has finished
+    QMap<QString, std::function<void(const Words &)>> m_commands;
+    ScriptedBackend m_other;
+    Site m_site; // last: it calls this object until it has gone
+};
+
+#endif // PLUGINCONSOLE_H
