@@ -43,8 +43,10 @@ QString compact(const QJsonObject &object)
 } // namespace
 
 PluginConsole::PluginConsole()
+    : m_client([this](const QString &line) { print(line); })
 {
     addBackendCommands();
+    addFaultCommands();
     addJobCommands();
     addOtherCommands();
     addListeners();
@@ -72,9 +74,15 @@ void PluginConsole::run(const QString &line)
     if (!command)
         qFatal("There is no command \"%s\".", qPrintable(line));
     command(words);
-    if (!settle())
-        qFatal("\"%s\" does not come to an end.", qPrintable(line));
+    rest();
     printFinishedJobs();
+    flush();
+}
+
+void PluginConsole::rest() const
+{
+    if (!settle())
+        qFatal("The program does not come to rest.");
 }
 
 void PluginConsole::addBackendCommands()
@@ -96,7 +104,34 @@ void PluginConsole::addBackendCommands()
     };
     m_commands["normal"] = [&](const Words &words) { backend.answerNormally(operation(words[0])); };
     m_commands["hold"] = [&](const Words &words) { backend.hold(operation(words[0])); };
+    m_commands["client"] = [&](const Words &words) { m_client.run(words); };
     m_commands["release"] = [&](const Words &words) { backend.releaseAll(operation(words[0])); };
+}
+
+void PluginConsole::addFaultCommands()
+{
+    ScriptedBackend &backend = m_site.backend;
+    m_commands["shutdown"] = [&](const Words &) { backend.shutDown(); };
+    m_commands["startup"] = [&](const Words &) { backend.startUp(); };
+    m_commands["close"] = [&](const Words &) { backend.closeConnections(); };
+    m_commands["reset"] = [&](const Words &words) { backend.reset(operation(words[0])); };
+    m_commands["hangup"] = [&](const Words &words) {
+        QByteArray bytes = words.mid(1).join(' ').toUtf8();
+        backend.hangUp(operation(words[0]), bytes.replace("\\r", "\r").replace("\\n", "\n"));
+    };
+    // Uses all six connections that Qt opens to a host: later polls then bring no new objects.
+    m_commands["census"] = [&](const Words &) {
+        backend.hold(ScriptedBackend::Values);
+        for (int i = 0; i < 6; ++i)
+            m_site.tick();
+        rest();
+        backend.releaseAll(ScriptedBackend::Values);
+        const Census census = Census::takeSettled();
+        print(QString("%1 objects and %2 descriptors more")
+                  .arg(census.objects - m_census.objects)
+                  .arg(census.descriptors - m_census.descriptors));
+        m_census = census;
+    };
 }
 
 void PluginConsole::addJobCommands()
@@ -138,7 +173,12 @@ void PluginConsole::addOtherCommands()
         m_site.restart();
         listen();
     };
-    m_commands["poll"] = [&](const Words &) { m_site.tick(); };
+    m_commands["poll"] = [&](const Words &words) {
+        for (int i = 0; i < (words.isEmpty() ? QString("1") : words[0]).toInt(); ++i) {
+            m_site.tick();
+            rest();
+        }
+    };
     m_commands["renew"] = [&](const Words &) { m_site.fireChargeLimitTimer(); };
     m_commands["clock"] = [&](const Words &words) { Site::moveClock(words[0].toInt()); };
     m_commands["write"] = [&](const Words &words) {
@@ -247,20 +287,33 @@ void PluginConsole::listen()
             staticMetaObject.method(staticMetaObject.indexOfSlot("onGroupComplete()")));
 }
 
-void PluginConsole::print(const QString &line) const
+void PluginConsole::print(const QString &line)
 {
-    QString text = line;
-    text.replace('\n', "\\n").replace(m_site.backend.url(), "URL").replace(m_other.url(), "OTHER");
-    QTextStream(stdout) << text << '\n';
+    if (line != m_line)
+        flush();
+    m_line = line;
+    ++m_repetitions;
 }
 
-void PluginConsole::show(const QString &kind, const QString &line) const
+/*! Prints the last line; "3 x TEXT" if it came three times in a row. */
+void PluginConsole::flush()
+{
+    QString text = m_line;
+    text.replace('\n', "\\n").replace(m_site.backend.url(), "URL").replace(m_other.url(), "OTHER");
+    if (m_repetitions > 1)
+        text.prepend(QString("%1 x ").arg(m_repetitions));
+    if (m_repetitions > 0)
+        QTextStream(stdout) << text << '\n';
+    m_repetitions = 0;
+}
+
+void PluginConsole::show(const QString &kind, const QString &line)
 {
     if (m_shown.contains(kind))
         print(line);
 }
 
-void PluginConsole::printRequest(const ScriptedBackend::Request &request) const
+void PluginConsole::printRequest(const ScriptedBackend::Request &request)
 {
     QJsonObject body = request.json();
     if (request.operation == ScriptedBackend::Values) {
@@ -273,7 +326,7 @@ void PluginConsole::printRequest(const ScriptedBackend::Request &request) const
         show("limits", "limits " + compact(body["limits"].toObject()));
 }
 
-void PluginConsole::printAppeared(const ThingDescriptors &descriptors) const
+void PluginConsole::printAppeared(const ThingDescriptors &descriptors)
 {
     const auto jobs = m_site.daemon->findChildren<ThingSetupInfo *>();
     const bool early = std::any_of(jobs.cbegin(), jobs.cend(), [](const ThingSetupInfo *job) {
@@ -351,6 +404,7 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     PluginConsole console;
     QTextStream input(stdin);
+    input.setCodec("UTF-8");
     for (QString line; input.readLineInto(&line);)
         console.run(line);
     return 0;

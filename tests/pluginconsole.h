@@ -4,6 +4,8 @@
 #ifndef PLUGINCONSOLE_H
 #define PLUGINCONSOLE_H
 
+#include "census.h"
+#include "clientcommands.h"
 #include "site.h"
 
 #include <QMap>
@@ -21,11 +23,12 @@ public:
     void run(const QString &line);
 
 private Q_SLOTS:
-    void onGroupComplete() const { show("announced", "complete"); }
+    void onGroupComplete() { show("announced", "complete"); }
 
 private:
     using Words = QStringList;
 
+    void addFaultCommands();
     void addBackendCommands();
     void addJobCommands();
     void addOtherCommands();
@@ -33,21 +36,27 @@ private:
     void addQueries();
     void listen();
 
-    void print(const QString &line) const;
-    void show(const QString &kind, const QString &line) const;
-    void printRequest(const ScriptedBackend::Request &request) const;
-    void printAppeared(const ThingDescriptors &descriptors) const;
+    void print(const QString &line);
+    void flush();
+    void rest() const;
+    void show(const QString &kind, const QString &line);
+    void printRequest(const ScriptedBackend::Request &request);
+    void printAppeared(const ThingDescriptors &descriptors);
     void printFinishedJobs();
     void watch(Thing *thing);
     QString withAddresses(QString text) const;
     QString paramTexts(const ThingClassId &thingClassId, const ParamList &params) const;
     Thing *thing(const QString &name) const;
 
+    QString m_line;                      // printed once it is known how often it comes
+    int m_repetitions = 0;               // of m_line
     QStringList m_shown;                 // the kinds of events to be printed
     QVector<QPair<QString, Job>> m_jobs; // whose results have not been printed, with their names
     ThingDescriptors m_offers;           // of the last discovery that has finished
+    Census m_census;                     // the last one
     QMap<QString, std::function<void(const Words &)>> m_commands;
     ScriptedBackend m_other;
+    ClientCommands m_client;
     Site m_site; // last: it calls this object until it has gone
 };
 

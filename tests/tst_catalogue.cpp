@@ -36,6 +36,26 @@ Texts rows(const QJsonValue &array, const Texts &keys)
     return result;
 }
 
+/*! A line for the class itself, for each parameter and for each state. */
+Texts linesOf(const QJsonObject &thingClass)
+{
+    const Texts names{"name", "displayName"};
+    const Texts type{"type", "unit", "defaultValue", "minValue", "maxValue"};
+    const Texts param = names + type + Texts{"readOnly"};
+    return Texts(row(thingClass, names + Texts{"createMethods", "interfaces", "providedInterfaces"}))
+        + rows(thingClass["discoveryParamTypes"], param) + rows(thingClass["paramTypes"], param)
+        + rows(thingClass["stateTypes"],
+               names + type + Texts{"cached", "writable", "displayNameEvent", "displayNameAction"});
+}
+
+Texts linesOf(const QString &fileName)
+{
+    QFile file(QFINDTESTDATA(fileName));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("Cannot read %s.", qPrintable(fileName));
+    return QString(file.readAll()).split('\n', Qt::SkipEmptyParts);
+}
+
 QString capitalised(const QString &name)
 {
     return name.at(0).toUpper() + name.mid(1);
@@ -79,17 +99,11 @@ private Q_SLOTS:
     void initTestCase();
     void versionOutlivesTheLibrary();
     void head();
-    void gateway();
-    void wallboxes_data();
-    void wallboxes();
+    void thingClasses();
     void idsNeverChange();
     void constantsAreExported();
     void entryPoints();
     void metaObject();
-    void generatorSaysWhatIsWrong_data();
-    void generatorSaysWhatIsWrong();
-    void generatorNoticesAFullDisk_data();
-    void generatorNoticesAFullDisk();
 
 private:
     QPluginLoader m_loader{VELA_PLUGIN_FILE};
@@ -104,9 +118,7 @@ void TestCatalogue::initTestCase()
     m_document = m_loader.metaData()["MetaData"].toObject();
     m_vendor = m_document["vendors"].toArray().first().toObject();
     m_classes = m_vendor["thingClasses"].toArray();
-    QFile file(QFINDTESTDATA("data/ids.txt"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    m_ids = QString(file.readAll()).split('\n', Qt::SkipEmptyParts);
+    m_ids = linesOf("data/ids.txt");
 }
 
 /*! A loader may unload the library and print the version afterwards. First, while nothing else holds it. */
@@ -131,68 +143,19 @@ void TestCatalogue::head()
     QCOMPARE(m_classes.size(), 33);
 }
 
-void TestCatalogue::gateway()
+/*! data/thingclasses.txt shows the gateway's class and the first wallbox class; the others differ in the number. */
+void TestCatalogue::thingClasses()
 {
-    const QJsonObject gateway = m_classes.first().toObject();
-    QCOMPARE(
-        row(gateway, {"name", "displayName", "createMethods", "interfaces", "providedInterfaces"}),
-        R"("vela" | "Tavensolis VELA" | ["discovery"] | ["gateway"] | ["evcharger","smartmeterconsumer"])");
-    const Texts paramKeys{"name", "displayName", "type", "defaultValue", "minValue", "readOnly"};
-    QCOMPARE(rows(gateway["discoveryParamTypes"], paramKeys),
-             (Texts{R"("backendUrl" | "Backend URL" | "QString" | "" | - | -)",
-                    R"("groupId" | "VELA Group" | "QString" | "" | - | -)",
-                    R"("groupSecret" | "VELA Secret" | "QString" | "" | - | -)"}));
-    QCOMPARE(rows(gateway["paramTypes"], paramKeys),
-             Texts(R"("backendUrl" | "Backend URL" | "QString" | "" | - | -)"));
-    QCOMPARE(rows(gateway["stateTypes"],
-                  {"name", "displayName", "displayNameEvent", "type", "defaultValue", "cached", "writable"}),
-             Texts(R"("connected" | "Connected" | "Connected changed" | "bool" | false | false | -)"));
-}
-
-void TestCatalogue::wallboxes_data()
-{
-    QTest::addColumn<int>("number");
-    for (int number = 1; number <= 32; ++number)
-        QTest::addRow("wallbox%d", number) << number;
-}
-
-void TestCatalogue::wallboxes()
-{
-    QFETCH(int, number);
-    const QJsonObject wallbox = m_classes.at(number).toObject();
-    QCOMPARE(row(wallbox,
-                 {"name", "displayName", "createMethods", "interfaces", "providedInterfaces",
-                  "discoveryParamTypes"}),
-             QString(R"("wallbox%1" | "Wallbox %1" | ["auto"] | ["evcharger","smartmeterconsumer"] | - | -)")
-                 .arg(number));
-    QCOMPARE(rows(wallbox["paramTypes"],
-                  {"name", "displayName", "type", "defaultValue", "minValue", "maxValue", "readOnly"}),
-             (Texts{R"("infraID" | "Infrastructur ID" | "QString" | "" | - | - | true)",
-                    R"("maxAllowedCurrent" | "Max allowed current" | "uint" | 32 | 0 | 32 | true)"}));
-    const Texts states = rows(wallbox["stateTypes"],
-                              {"name", "displayName", "type", "unit", "defaultValue", "minValue", "maxValue",
-                               "cached", "writable"});
-    const Texts expected{
-        R"("connected" | "Connected" | "bool" | - | false | - | - | false | -)",
-        R"("pluggedIn" | "Plugged in" | "bool" | - | false | - | - | false | -)",
-        R"("charging" | "Charging" | "bool" | - | false | - | - | false | -)",
-        R"("phaseCount" | "Connected phases" | "uint" | - | 1 | 0 | 3 | false | -)",
-        R"("currentPower" | "Active power" | "double" | "Watt" | 0 | - | - | false | -)",
-        R"("totalEnergyConsumed" | "Total consumed energy" | "double" | "KiloWattHour" | 0 | - | - | true | -)",
-        R"("power" | "Charging enabled" | "bool" | - | false | - | - | - | true)",
-        R"("maxChargingCurrent" | "Maximum charging current" | "uint" | "Ampere" | 16 | 6 | 32 | - | true)",
-        R"("sessionEnergy" | "Session energy" | "double" | "KiloWattHour" | 0 | - | - | false | -)",
-        R"("state" | "State" | "QString" | - | "Available" | - | - | false | -)",
-        R"("currentPhaseA" | "Current Phase A" | "double" | "Ampere" | 0 | - | - | false | -)",
-        R"("currentPhaseB" | "Current Phase B" | "double" | "Ampere" | 0 | - | - | false | -)",
-        R"("currentPhaseC" | "Current Phase C" | "double" | "Ampere" | 0 | - | - | false | -)",
-        R"("timestamp" | "Timestamp" | "int" | "UnixTime" | "1970-01-01 00:00:00" | - | - | true | -)"};
-    QCOMPARE(states, expected);
-    Texts labels = rows(wallbox["stateTypes"], {"displayNameEvent", "displayNameAction"});
-    labels.removeAll("- | -");
-    QCOMPARE(labels,
-             (Texts{R"("Connected changed" | -)", R"(- | "Set charging enabled")",
-                    R"(- | "Set maximum charging current")"}));
+    const Texts expected = linesOf("data/thingclasses.txt");
+    Texts lines = linesOf(m_classes.at(0).toObject());
+    const Texts first = linesOf(m_classes.at(1).toObject());
+    QCOMPARE(lines + first, expected);
+    for (int number = 2; number <= 32; ++number) {
+        Texts wallbox = first;
+        wallbox[0].replace("wallbox1", QString("wallbox%1").arg(number));
+        wallbox[0].replace("Wallbox 1", QString("Wallbox %1").arg(number));
+        QCOMPARE(linesOf(m_classes.at(number).toObject()), wallbox);
+    }
 }
 
 /*! Users' things are stored under these ids: data/ids.txt is not to be changed, only added to. */
@@ -257,69 +220,6 @@ void TestCatalogue::metaObject()
     QCOMPARE(signatures, (Texts{"checkAutoCreateFinished()", "missingBootNotification()"}));
     QCOMPARE(meta->propertyCount(), meta->propertyOffset());
     QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
-}
-
-void TestCatalogue::generatorSaysWhatIsWrong_data()
-{
-    QTest::addColumn<QByteArray>("catalogue"); // null: there is no such file
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QString>("complaint");
-    QTest::addColumn<int>("status");
-    const auto row = [](const char *name, const char *catalogue, const char *folder, const char *complaint,
-                        int status) {
-        QTest::newRow(name) << QByteArray(catalogue) << folder << complaint << status;
-    };
-    row("no arguments", nullptr, "", "usage: ", 2);
-    row("no catalogue", nullptr, "out", "No such file", 1);
-    row("not JSON", "{", "out", " at byte 1", 1);
-    row("no folder", "{}", "none", "cannot be written", 1);
-}
-
-void TestCatalogue::generatorSaysWhatIsWrong()
-{
-    QFETCH(QByteArray, catalogue);
-    QFETCH(QString, folder);
-    const QTemporaryDir work;
-    QVERIFY(QDir(work.path()).mkdir("out"));
-    QFile input(work.filePath("catalogue.json"));
-    if (!catalogue.isNull())
-        QVERIFY(input.open(QIODevice::WriteOnly) && input.write(catalogue) > 0 && input.flush());
-    QProcess generator;
-    generator.start(VELA_CATALOGUE_GENERATOR,
-                    folder.isEmpty() ? QStringList() : QStringList{input.fileName(), work.filePath(folder)});
-    QVERIFY(generator.waitForFinished());
-    QTEST(generator.exitCode(), "status");
-    QFETCH(QString, complaint);
-    const QString said = generator.readAllStandardError();
-    QVERIFY2(said.contains(complaint), qPrintable(said));
-    QVERIFY(QDir(work.filePath("out")).isEmpty());
-}
-
-void TestCatalogue::generatorNoticesAFullDisk_data()
-{
-    QTest::addColumn<QString>("catalogue");
-    QTest::addColumn<QString>("file");
-    const QString whole = QFINDTESTDATA("../plugin/catalogue/catalogue.json");
-    const QString small = QFINDTESTDATA("data/smallcatalogue.json"); // written in one piece, at the end
-    for (const char *file :
-         {"integrationpluginvela.json", "plugininfo.h", "plugininfo.cpp", "wallboxbounds.h"}) {
-        QTest::addRow("%s", file) << whole << file;
-        QTest::addRow("small %s", file) << small << file;
-    }
-}
-
-void TestCatalogue::generatorNoticesAFullDisk()
-{
-    QFETCH(QString, catalogue);
-    QFETCH(QString, file);
-    const QTemporaryDir work;
-    QVERIFY(QFile::link("/dev/full", work.filePath(file)));
-    QProcess generator;
-    generator.start(VELA_CATALOGUE_GENERATOR, {catalogue, work.path()});
-    QVERIFY(generator.waitForFinished());
-    QCOMPARE(generator.exitCode(), 1);
-    QCOMPARE(QString(generator.readAllStandardError()),
-             work.filePath(file) + ": cannot be written: No space left on device\n");
 }
 
 QTEST_GUILESS_MAIN(TestCatalogue)

@@ -1,11 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "chargelimits.h"
 #include "livevalues.h"
 
 #include <QDateTime>
 #include <QtTest>
 
+#include <limits>
+
+/*! The pure functions that the plugin's states and limits are made with. */
 class TestLiveValues : public QObject
 {
     Q_OBJECT
@@ -19,6 +23,8 @@ private Q_SLOTS:
     void timestamp();
     void localTime_data();
     void localTime();
+    void silence_data();
+    void silence();
 };
 
 void TestLiveValues::initTestCase()
@@ -128,6 +134,24 @@ void TestLiveValues::localTime()
     qputenv("TZ", before);
     QVERIFY(!time.isNull());
     QTEST(seconds, "time");
+}
+
+void TestLiveValues::silence_data()
+{
+    QTest::addColumn<qint64>("lastAction");
+    QTest::addColumn<bool>("silent");
+    QTest::newRow("no action yet") << qint64(0) << true;
+    QTest::newRow("30 s ago") << qint64(70) << false;
+    QTest::newRow("31 s ago") << qint64(69) << true;
+    QTest::newRow("clock set back") << qint64(3700) << false;
+    QTest::newRow("more than 32 bits ago") << std::numeric_limits<qint64>::min() + 101 << true;
+}
+
+void TestLiveValues::silence()
+{
+    QFETCH(qint64, lastAction);
+    QTEST(isSilent(lastAction, 100), "silent");
+    QVERIFY(isSilent(0, 10)); // no action yet, and the clock at its beginning
 }
 
 QTEST_APPLESS_MAIN(TestLiveValues)
