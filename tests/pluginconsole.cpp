@@ -69,7 +69,8 @@ PluginConsole::~PluginConsole()
 
 void PluginConsole::run(const QString &line)
 {
-    Words words = withAddresses(line).split(' ');
+    QString text = line;
+    Words words = text.replace("URL", m_site.backend.url()).replace("OTHER", m_other.url()).split(' ');
     const auto command = m_commands.value(words.takeFirst());
     if (!command)
         qFatal("There is no command \"%s\".", qPrintable(line));
@@ -88,36 +89,35 @@ void PluginConsole::rest() const
 void PluginConsole::addBackendCommands()
 {
     ScriptedBackend &backend = m_site.backend;
-    m_commands["wallbox"] = [&](const Words &words) { backend.setWallbox(words[0], words[1].toInt()); };
+    m_commands["wallbox"] = [&](const Words &words) {
+        backend.setWallbox(words.value(0), words.value(1).toInt());
+    };
     m_commands["wallboxes"] = [&](const Words &words) {
-        for (int i = 1; i <= words[0].toInt(); ++i)
+        for (int i = 1; i <= words.value(0).toInt(); ++i)
             backend.setWallbox(QString("EVSE-%1").arg(i, 2, 10, QChar('0')), 16);
     };
-    m_commands["unlist"] = [&](const Words &words) { backend.wallboxes.remove(words[0]); };
+    m_commands["unlist"] = [&](const Words &words) { backend.wallboxes.remove(words.value(0)); };
     m_commands["group"] = [&](const Words &words) { backend.wallboxes = json(words.join(' ').toUtf8()); };
     m_commands["values"] = [&](const Words &words) { backend.values = json(words.join(' ').toUtf8()); };
-    m_commands["othergroup"] = [&](const Words &words) {
-        m_other.wallboxes = json(words.join(' ').toUtf8());
-    };
     m_commands["answer"] = [&](const Words &words) {
-        backend.answer(operation(words[0]), words[1].toInt(), words.mid(2).join(' ').toUtf8());
+        backend.answer(operation(words.value(0)), words.value(1).toInt(), words.mid(2).join(' ').toUtf8());
     };
-    m_commands["normal"] = [&](const Words &words) { backend.answerNormally(operation(words[0])); };
-    m_commands["hold"] = [&](const Words &words) { backend.hold(operation(words[0])); };
-    m_commands["client"] = [&](const Words &words) { m_client.run(words); };
-    m_commands["release"] = [&](const Words &words) { backend.releaseAll(operation(words[0])); };
+    m_commands["normal"] = [&](const Words &words) { backend.answerNormally(operation(words.value(0))); };
+    m_commands["hold"] = [&](const Words &words) { backend.hold(operation(words.value(0))); };
+    m_commands["release"] = [&](const Words &words) { backend.releaseAll(operation(words.value(0))); };
 }
 
 void PluginConsole::addFaultCommands()
 {
     ScriptedBackend &backend = m_site.backend;
+    m_commands["client"] = [&](const Words &words) { m_client.run(words); };
     m_commands["shutdown"] = [&](const Words &) { backend.shutDown(); };
     m_commands["startup"] = [&](const Words &) { backend.startUp(); };
     m_commands["close"] = [&](const Words &) { backend.closeConnections(); };
-    m_commands["reset"] = [&](const Words &words) { backend.reset(operation(words[0])); };
+    m_commands["reset"] = [&](const Words &words) { backend.reset(operation(words.value(0))); };
     m_commands["hangup"] = [&](const Words &words) {
         QByteArray bytes = words.mid(1).join(' ').toUtf8();
-        backend.hangUp(operation(words[0]), bytes.replace("\\r", "\r").replace("\\n", "\n"));
+        backend.hangUp(operation(words.value(0)), bytes.replace("\\r", "\r").replace("\\n", "\n"));
     };
     // Uses all six connections that Qt opens to a host: later polls then bring no new objects.
     m_commands["census"] = [&](const Words &) {
@@ -147,9 +147,9 @@ void PluginConsole::addJobCommands()
     };
     m_commands["add"] = [&](const Words &) { m_jobs.append({"set-up", m_site.add(m_offers.first())}); };
     m_commands["addwallbox"] = [&](const Words &words) {
-        const ThingClass thingClass = m_site.daemon->thingClasses().findByName(words[0]);
-        ThingDescriptor descriptor(thingClass.id, words[1]);
-        descriptor.setParams({{Param(thingClass.paramTypes.findByName("infraID").id, words[2])}});
+        const ThingClass thingClass = m_site.daemon->thingClasses().findByName(words.value(0));
+        ThingDescriptor descriptor(thingClass.id, words.value(1));
+        descriptor.setParams({{Param(thingClass.paramTypes.findByName("infraID").id, words.value(2))}});
         m_jobs.append({"set-up", m_site.add(descriptor)});
     };
     m_commands["gateway"] = [&](const Words &) {
@@ -158,35 +158,36 @@ void PluginConsole::addJobCommands()
             print(error);
     };
     m_commands["setup"] = [&](const Words &words) {
-        m_jobs.append({"set-up", m_site.setup(thing(words[0]))});
+        m_jobs.append({"set-up", m_site.setup(thing(words.value(0)))});
     };
     m_commands["set"] = [&](const Words &words) {
-        m_jobs.append({"action", m_site.set(words[0], words[1], value(words[2]))});
+        m_jobs.append({"action", m_site.set(words.value(0), words.value(1), value(words.value(2)))});
     };
 }
 
 void PluginConsole::addOtherCommands()
 {
     m_commands["show"] = [&](const Words &words) { m_shown = words; };
-    m_commands["remove"] = [&](const Words &words) { m_site.remove(thing(words[0])); };
+    m_commands["remove"] = [&](const Words &words) { m_site.remove(thing(words.value(0))); };
     m_commands["restart"] = [&](const Words &) {
         m_site.restart();
         listen();
     };
     m_commands["poll"] = [&](const Words &words) {
-        for (int i = 0; i < (words.isEmpty() ? QString("1") : words[0]).toInt(); ++i) {
+        for (int i = 0; i < words.value(0, "1").toInt(); ++i) {
             m_site.tick();
             rest();
         }
     };
     m_commands["renew"] = [&](const Words &) { m_site.fireChargeLimitTimer(); };
-    m_commands["clock"] = [&](const Words &words) { Site::moveClock(words[0].toInt()); };
+    m_commands["clock"] = [&](const Words &words) { Site::moveClock(words.value(0).toInt()); };
     m_commands["write"] = [&](const Words &words) {
-        thing(words[0])->setStateValue(words[1], value(words[2]));
+        thing(words.value(0))->setStateValue(words.value(1), value(words.value(2)));
     };
     m_commands["param"] = [&](const Words &words) {
-        Thing *changed = thing(words[0]);
-        changed->setParamValue(changed->thingClass().paramTypes.findByName(words[1]).id, value(words[2]));
+        Thing *changed = thing(words.value(0));
+        changed->setParamValue(changed->thingClass().paramTypes.findByName(words.value(1)).id,
+                               value(words.value(2)));
     };
     m_commands["credentials"] = [&](const Words &words) {
         QSettings *storage = m_site.daemon->plugin()->pluginStorage();
@@ -205,10 +206,10 @@ void PluginConsole::addOtherCommands()
 void PluginConsole::addListeners()
 {
     m_commands["overwrite"] = [&](const Words &words) {
-        Thing *changed = thing(words[0]);
+        Thing *changed = thing(words.value(0));
         connect(changed, &Thing::stateValueChanged, this, [changed, words](const StateTypeId &id) {
-            if (changed->thingClass().stateTypes.findById(id).name == words[1])
-                changed->setStateValue(words[1], value(words[2]));
+            if (changed->thingClass().stateTypes.findById(id).name == words.value(1))
+                changed->setStateValue(words.value(1), value(words.value(2)));
         });
     };
     const auto removeAllBut = [this](int count) {
@@ -243,11 +244,11 @@ void PluginConsole::addQueries()
     m_commands["state"] = [&](const Words &words) {
         Words values;
         for (const QString &name : words.mid(1))
-            values.append(thing(words[0])->stateValue(name).toString());
+            values.append(thing(words.value(0))->stateValue(name).toString());
         print(values.join(' '));
     };
     m_commands["params"] = [&](const Words &words) {
-        print(paramTexts(thing(words[0])->thingClassId(), thing(words[0])->params()));
+        print(paramTexts(thing(words.value(0))->thingClass(), thing(words.value(0))->params()));
     };
     m_commands["storage"] = [&](const Words &) {
         const QSettings *storage = m_site.daemon->plugin()->pluginStorage();
@@ -332,14 +333,8 @@ void PluginConsole::printAppeared(const ThingDescriptors &descriptors)
     const bool early = std::any_of(jobs.cbegin(), jobs.cend(), [](const ThingSetupInfo *job) {
         return job->thing()->thingClass().name == "vela" && !job->isFinished();
     });
-    for (const ThingDescriptor &descriptor : descriptors) {
-        const ThingClass thingClass = m_site.daemon->thingClasses().findById(descriptor.thingClassId());
-        show("announced",
-             QString("appeared %1 %2 of %3%4 (%5)%6%7")
-                 .arg(descriptor.title(), thingClass.name, descriptor.parentId().toString(),
-                      descriptor.description(), paramTexts(thingClass.id, descriptor.params()),
-                      descriptor.thingId().isNull() ? "" : " known", early ? " before the gateway" : ""));
-    }
+    for (const ThingDescriptor &descriptor : descriptors)
+        show("announced", (early ? "early " : "appeared ") + describe(descriptor));
 }
 
 void PluginConsole::printFinishedJobs()
@@ -351,13 +346,8 @@ void PluginConsole::printFinishedJobs()
             continue;
         }
         print(name + ": " + job->text);
-        for (const ThingDescriptor &offer : job->offers) {
-            print(QString("offer %1 %2 \"%3\" \"%4\" (%5)%6")
-                      .arg(offer.thingId().toString(),
-                           m_site.daemon->thingClasses().findById(offer.thingClassId()).name, offer.title(),
-                           offer.description(), paramTexts(offer.thingClassId(), offer.params()),
-                           offer.parentId().isNull() ? "" : " with a parent"));
-        }
+        for (const ThingDescriptor &offer : job->offers)
+            print("offer " + describe(offer));
         if (name == "discovery")
             m_offers = job->offers;
     }
@@ -371,14 +361,17 @@ void PluginConsole::watch(Thing *thing)
     changes->setParent(thing);
 }
 
-QString PluginConsole::withAddresses(QString text) const
+QString PluginConsole::describe(const ThingDescriptor &descriptor) const
 {
-    return text.replace("URL", m_site.backend.url()).replace("OTHER", m_other.url());
+    const ThingClass thingClass = m_site.daemon->thingClasses().findById(descriptor.thingClassId());
+    const QString stem =
+        QString("%1 \"%2\" \"%3\"").arg(thingClass.name, descriptor.title(), descriptor.description());
+    return stem + " of " + descriptor.parentId().toString() + " for " + descriptor.thingId().toString() + ' '
+        + paramTexts(thingClass, descriptor.params());
 }
 
-QString PluginConsole::paramTexts(const ThingClassId &thingClassId, const ParamList &params) const
+QString PluginConsole::paramTexts(const ThingClass &thingClass, const ParamList &params)
 {
-    const ThingClass thingClass = m_site.daemon->thingClasses().findById(thingClassId);
     Words texts;
     for (const Param &param : params)
         texts.append(thingClass.paramTypes.findById(param.paramTypeId()).name + '='

@@ -44,8 +44,8 @@ private:
     void printAppeared(const ThingDescriptors &descriptors);
     void printFinishedJobs();
     void watch(Thing *thing);
-    QString withAddresses(QString text) const;
-    QString paramTexts(const ThingClassId &thingClassId, const ParamList &params) const;
+    QString describe(const ThingDescriptor &descriptor) const;
+    static QString paramTexts(const ThingClass &thingClass, const ParamList &params);
     Thing *thing(const QString &name) const;
 
     QString m_line;                      // printed once it is known how often it comes
