@@ -10,14 +10,16 @@
 
 class PluginTimerManager;
 
-/*! The daemon's shared resources, as far as plugins here use them. */
+/*! The daemon's shared resources, as far as this stand-in has them: the timers. Owned by the daemon, which
+    keeps it for as long as a plugin is loaded; a plugin gets at it by IntegrationPlugin::hardwareManager().
+    */
 class LIBNYMEA_EXPORT HardwareManager : public QObject
 {
     Q_OBJECT
 public:
     explicit HardwareManager(QObject *parent = nullptr);
 
-    /*! Owned by this object. */
+    /*! Never null, and owned by this object. */
     PluginTimerManager *pluginTimerManager() const;
 
 private:

@@ -15,21 +15,6 @@ PluginTimer::PluginTimer(int seconds, QObject *parent)
 {
 }
 
-int PluginTimer::interval() const
-{
-    return m_interval;
-}
-
-bool PluginTimer::running() const
-{
-    return m_running;
-}
-
-void PluginTimer::start()
-{
-    m_running = true;
-}
-
 void PluginTimer::stop()
 {
     m_running = false;

@@ -10,8 +10,9 @@
 #include <QObject>
 #include <QUuid>
 
-/*! Declares an identifier type of its own, so that ids of different kinds are not mixed up. A UUID;
-    default constructed it is null. Hashes and compares as QUuid does. */
+/*! Declares an identifier type of its own, so that ids of different kinds are not mixed up: ThingId and
+    ParamTypeId do not convert into each other. A UUID that is null if it is default-constructed or read
+    from a text that is no UUID; create…Id() makes a new random one. Hashes and compares as QUuid does. */
 #define DECLARE_TYPE_ID(type)                                                                                \
     class type##Id : public QUuid                                                                            \
     {                                                                                                        \
@@ -37,18 +38,19 @@ DECLARE_TYPE_ID(ParamType)
 DECLARE_TYPE_ID(StateType)
 DECLARE_TYPE_ID(ActionType)
 
-/*! Value types that metadata and code share. */
+/*! Value types that the metadata and the code share. */
 class LIBNYMEA_EXPORT Types
 {
     Q_GADGET
 public:
-    /*! Units of parameter and state values; the metadata writes the name without "Unit". */
+    /*! Units of parameter and state values. The metadata gives the name without "Unit". A value is stored
+        in the unit of its type and never converted. */
     enum Unit {
-        UnitNone,
-        UnitWatt,
-        UnitKiloWattHour,
-        UnitAmpere,
-        UnitUnixTime //!< seconds since 1970-01-01 00:00:00 UTC
+        UnitNone,         //!< a number, text or truth value without a unit
+        UnitWatt,         //!< power; positive when the thing consumes
+        UnitKiloWattHour, //!< energy
+        UnitAmpere,       //!< current, of one phase
+        UnitUnixTime      //!< seconds since 1970-01-01 00:00:00 UTC
     };
     Q_ENUM(Unit)
 };

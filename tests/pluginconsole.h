@@ -10,8 +10,9 @@
 
 #include <QMap>
 
-/*! Drives a site by typed commands and prints what happens, for transcripts: transcripts/plugin/README.md describes
-    the commands. All that a command leads to has happened and is printed before the next one is read. */
+/*! Drives a site by typed commands and prints what happens, for transcripts: transcripts/plugin/README.md
+    describes the commands. All that a command leads to has happened and is printed before the next one is
+    read. */
 class PluginConsole : public QObject
 {
     Q_OBJECT

@@ -67,7 +67,8 @@ public:
     bool release(Operation operation);
     /*! Answers all held requests of \a operation, and later ones at once. */
     void releaseAll(Operation operation);
-    /*! Sends \a bytes to the client whose request of \a operation is the oldest held, and goes on holding it. */
+    /*! Sends \a bytes to the client whose request of \a operation is the oldest held, and goes on holding
+        it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
     /*! Whether all that sendPart() has sent has arrived at the other side. */
     bool isSent(Operation operation) const;

@@ -143,7 +143,8 @@ void TestCatalogue::head()
     QCOMPARE(m_classes.size(), 33);
 }
 
-/*! data/thingclasses.txt shows the gateway's class and the first wallbox class; the others differ in the number. */
+/*! data/thingclasses.txt shows the gateway's class and the first wallbox class; the others differ in the
+    number. */
 void TestCatalogue::thingClasses()
 {
     const Texts expected = linesOf("data/thingclasses.txt");

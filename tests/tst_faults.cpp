@@ -14,7 +14,8 @@
 
 using Backend = ScriptedBackend;
 
-/*! Replies that are too large or too odd for a transcript, and faults of the network whose outcome differs. */
+/*! Replies that are too large or too odd for a transcript, and faults of the network whose outcome differs.
+    */
 class TestFaults : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,11 @@
 
 #include "integrations/integrationplugin.h"
 
-#include "integrations/otherjobs.h"
+#include "integrations/browseractioninfo.h"
+#include "integrations/browseresult.h"
+#include "integrations/browseritemactioninfo.h"
+#include "integrations/browseritemresult.h"
+#include "integrations/thingpairinginfo.h"
 
 #include <QDir>
 
@@ -72,11 +76,6 @@ QVariantMap IntegrationPlugin::serviceInformation() const
     return {};
 }
 
-PluginMetadata IntegrationPlugin::metadata() const
-{
-    return m_metadata;
-}
-
 void IntegrationPlugin::initPlugin(const PluginMetadata &metadata, ThingManager *thingManager,
                                    HardwareManager *hardwareManager, const QString &storageFolder)
 {
@@ -84,18 +83,9 @@ void IntegrationPlugin::initPlugin(const PluginMetadata &metadata, ThingManager 
     m_thingManager = thingManager;
     m_hardwareManager = hardwareManager;
     delete m_storage;
-    m_storage = new QSettings(storageFile(storageFolder, metadata.pluginId()), QSettings::IniFormat, this);
-}
-
-QString IntegrationPlugin::storageFile(const QString &storageFolder, const PluginId &pluginId)
-{
-    return QDir(storageFolder)
-        .filePath(QStringLiteral("pluginconfig-%1.conf").arg(pluginId.toString(QUuid::WithoutBraces)));
-}
-
-QSettings *IntegrationPlugin::pluginStorage() const
-{
-    return m_storage;
+    const QString fileName =
+        QStringLiteral("pluginconfig-%1.conf").arg(metadata.pluginId().toString(QUuid::WithoutBraces));
+    m_storage = new QSettings(QDir(storageFolder).filePath(fileName), QSettings::IniFormat, this);
 }
 
 Things IntegrationPlugin::myThings() const
@@ -107,9 +97,4 @@ Things IntegrationPlugin::myThings() const
             mine.append(thing);
     }
     return mine;
-}
-
-HardwareManager *IntegrationPlugin::hardwareManager() const
-{
-    return m_hardwareManager;
 }

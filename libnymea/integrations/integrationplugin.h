@@ -20,8 +20,12 @@ class BrowserItemActionInfo;
 class BrowserItemResult;
 class ThingPairingInfo;
 
-/*! Base of every integration plugin. The daemon calls the virtual operations on its main thread, init()
-    first; a job passed to one of them is finished at once or later. */
+/*! Base of every integration plugin. The daemon creates the plugin, calls the virtual operations on its
+    main thread, init() first, and deletes it. An operation must not block: the daemon and all other plugins
+    wait for it.
+
+    An operation that is passed a job finishes it, at once or later. The base class finishes those that a
+    plugin does not override with ThingErrorUnsupportedFeature. */
 class LIBNYMEA_EXPORT IntegrationPlugin : public QObject
 {
     Q_OBJECT
@@ -29,53 +33,67 @@ public:
     explicit IntegrationPlugin(QObject *parent = nullptr);
     ~IntegrationPlugin() override;
 
-    /*! Called once, after loading and before everything else. Does nothing here. */
+    /*! Called once, after loading and before everything else: the storage is there, no thing is set up yet.
+        */
     virtual void init();
-    /*! Called after init(), for plugins that look for things by themselves. Does nothing here. */
+    /*! Called once, after init() and once the set-up of the stored things has begun. For plugins that look
+        for things by themselves and announce them with autoThingsAppeared(). */
     virtual void startMonitoringAutoThings();
-    /*! Looks for things of \a info's class. Unsupported here. */
+    /*! Looks for things of the job's class, with the parameters that the user has entered. Called only for
+        a class with the create method "discovery". */
     virtual void discoverThings(ThingDiscoveryInfo *info);
-    /*! Gets \a info's thing to work. Succeeds here. */
+    /*! Gets the job's thing to work: a new one, one that the daemon has restored at its start, or one whose
+        parameters have changed, so it may be called more than once for a thing. Succeeds in the base class.
+        */
     virtual void setupThing(ThingSetupInfo *info);
-    /*! Called when \a thing's set-up has finished without error. Does nothing here. */
+    /*! Called each time that a set-up of \a thing has finished without error; it now counts among
+        myThings(). */
     virtual void postSetupThing(Thing *thing);
-    /*! Called when \a thing, already missing from myThings(), goes; it is deleted later. */
+    /*! Called when \a thing goes, its children before it. It is missing from myThings() already. The
+        pointer is valid until the event loop runs again; pending jobs of the thing are finished by the
+        daemon. */
     virtual void thingRemoved(Thing *thing);
-    /*! Pairing, in two steps. Unsupported here. */
+    /*! Pairing, for setup methods that need the user: startPairing() asks, confirmPairing() gets the
+        answer. */
     virtual void startPairing(ThingPairingInfo *info);
     virtual void confirmPairing(ThingPairingInfo *info, const QString &username, const QString &secret);
-    /*! Carries out an action. Unsupported here. */
+    /*! Carries out an action on a thing that is set up. */
     virtual void executeAction(ThingActionInfo *info);
-    /*! Browsing a thing's content. Unsupported here. */
+    /*! Browsing, for things with content, such as media libraries. */
     virtual void browseThing(BrowseResult *result);
     virtual void browserItem(BrowserItemResult *result);
     virtual void executeBrowserItem(BrowserActionInfo *info);
     virtual void executeBrowserItemAction(BrowserItemActionInfo *info);
-    /*! Facts about the service behind the plugin. Empty here. */
+    /*! Facts about the service behind the plugin, by name. Empty in the base class. */
     virtual QVariantMap serviceInformation() const;
 
-    PluginMetadata metadata() const;
+    /*! What the plugin's own metadata document says. */
+    PluginMetadata metadata() const { return m_metadata; }
 
-    /*! Called by the daemon before init(). \a thingManager and \a hardwareManager must outlive the plugin's
-        use; the plugin's storage is a file of its own in \a storageFolder. */
+    /*! Called by the daemon before init(), never by a plugin. \a thingManager and \a hardwareManager must
+        outlive the plugin's use; its settings are a file of its own in \a storageFolder. */
     void initPlugin(const PluginMetadata &metadata, ThingManager *thingManager,
                     HardwareManager *hardwareManager, const QString &storageFolder);
-    /*! The file in \a storageFolder that holds a plugin's storage. */
-    static QString storageFile(const QString &storageFolder, const PluginId &pluginId);
 
-    /*! The plugin's own settings, kept over restarts. One object for the plugin's life, owned by it. */
-    QSettings *pluginStorage() const;
+    /*! The plugin's own settings, kept over restarts. Valid from init() on; one object for the plugin's
+        life, owned by it. The daemon writes them to the disk soon after a change. */
+    QSettings *pluginStorage() const { return m_storage; }
 
 Q_SIGNALS:
-    /*! The plugin has found things by itself; the daemon creates and sets up one for each descriptor. */
+    /*! The plugin has found things by itself. The daemon creates one for each descriptor and begins its
+        set-up before the emission returns. It refuses a descriptor with a warning for the reasons that
+        ThingDescriptor names. */
     void autoThingsAppeared(const ThingDescriptors &thingDescriptors);
-    /*! A thing that the plugin announced is gone; the daemon removes it. */
+    /*! A thing that the plugin announced is gone. The daemon removes it, with a call of thingRemoved(),
+        before the emission returns. It refuses an id that is not there with a warning. */
     void autoThingDisappeared(const ThingId &thingId);
 
 protected:
-    /*! The kept things of this plugin's classes. */
+    /*! The things of this plugin's classes that are kept, also those whose last set-up has failed. A new
+        thing is kept once its first set-up has succeeded. */
     Things myThings() const;
-    HardwareManager *hardwareManager() const;
+    /*! Null before init(). */
+    HardwareManager *hardwareManager() const { return m_hardwareManager; }
 
 private:
     PluginMetadata m_metadata;

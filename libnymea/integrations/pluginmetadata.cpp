@@ -196,55 +196,18 @@ PluginMetadata::PluginMetadata(const QJsonObject &document)
 {
     Reader reader;
     const QString where = QStringLiteral("plugin");
-    m_pluginName = reader.text(document, "name", where);
-    m_pluginDisplayName = reader.text(document, "displayName", where);
+    reader.text(document, "name", where);
+    reader.text(document, "displayName", where);
     m_pluginId = reader.id(document, where);
     const QJsonArray vendors = document.value(QLatin1String("vendors")).toArray();
-    for (const QJsonValue &vendorEntry : vendors) {
-        const QJsonObject object = vendorEntry.toObject();
-        Vendor vendor;
-        vendor.name = reader.text(object, "name", QStringLiteral("vendor"));
-        vendor.id = reader.id(object, vendor.name);
-        vendor.displayName = reader.text(object, "displayName", vendor.name);
-        m_vendors.append(vendor);
-        const QJsonArray thingClasses = object.value(QLatin1String("thingClasses")).toArray();
-        for (const QJsonValue &classEntry : thingClasses)
-            m_thingClasses.append(reader.thingClass(classEntry.toObject(), vendor.id));
+    for (const QJsonValue &entry : vendors) {
+        const QJsonObject vendor = entry.toObject();
+        const QString name = reader.text(vendor, "name", QStringLiteral("vendor"));
+        const VendorId id = reader.id(vendor, name);
+        reader.text(vendor, "displayName", name);
+        const QJsonArray thingClasses = vendor.value(QLatin1String("thingClasses")).toArray();
+        for (const QJsonValue &thingClass : thingClasses)
+            m_thingClasses.append(reader.thingClass(thingClass.toObject(), id));
     }
     m_validationErrors = reader.errors;
-}
-
-bool PluginMetadata::isValid() const
-{
-    return m_validationErrors.isEmpty();
-}
-
-QStringList PluginMetadata::validationErrors() const
-{
-    return m_validationErrors;
-}
-
-PluginId PluginMetadata::pluginId() const
-{
-    return m_pluginId;
-}
-
-QString PluginMetadata::pluginName() const
-{
-    return m_pluginName;
-}
-
-QString PluginMetadata::pluginDisplayName() const
-{
-    return m_pluginDisplayName;
-}
-
-Vendors PluginMetadata::vendors() const
-{
-    return m_vendors;
-}
-
-ThingClasses PluginMetadata::thingClasses() const
-{
-    return m_thingClasses;
 }

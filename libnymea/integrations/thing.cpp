@@ -45,46 +45,6 @@ Thing::Thing(const ThingClass &thingClass, const ThingId &id, QObject *parent)
     }
 }
 
-ThingId Thing::id() const
-{
-    return m_id;
-}
-
-ThingClass Thing::thingClass() const
-{
-    return m_thingClass;
-}
-
-ThingClassId Thing::thingClassId() const
-{
-    return m_thingClass.id;
-}
-
-QString Thing::name() const
-{
-    return m_name;
-}
-
-void Thing::setName(const QString &name)
-{
-    m_name = name;
-}
-
-ThingId Thing::parentId() const
-{
-    return m_parentId;
-}
-
-void Thing::setParentId(const ThingId &parentId)
-{
-    m_parentId = parentId;
-}
-
-ParamList Thing::params() const
-{
-    return m_params;
-}
-
 QVariant Thing::paramValue(const ParamTypeId &paramTypeId) const
 {
     return m_params.paramValue(paramTypeId);
@@ -100,11 +60,6 @@ void Thing::setParamValue(const ParamTypeId &paramTypeId, const QVariant &value)
     const QVariant newValue = converted(value, m_thingClass.paramTypes.findById(paramTypeId).type);
     if (!newValue.isValid() || !m_params.setParamValue(paramTypeId, newValue))
         qCWarning(dcThing) << this << "has no parameter" << paramTypeId << "that could hold" << value;
-}
-
-States Thing::states() const
-{
-    return m_states;
 }
 
 State Thing::state(const StateTypeId &stateTypeId) const
@@ -154,21 +109,6 @@ void Thing::setStateMaxValue(const StateTypeId &stateTypeId, const QVariant &max
 void Thing::setStateMaxValue(const QString &stateName, const QVariant &maxValue)
 {
     setMaxValueAt(knownStateIndex(stateName), maxValue);
-}
-
-Thing::ThingSetupStatus Thing::setupStatus() const
-{
-    return m_setupStatus;
-}
-
-Thing::ThingError Thing::setupError() const
-{
-    return m_setupError;
-}
-
-QString Thing::setupDisplayMessage() const
-{
-    return m_setupDisplayMessage;
 }
 
 void Thing::setSetupStatus(ThingSetupStatus status, ThingError error, const QString &displayMessage)

@@ -10,100 +10,114 @@
 
 #include <QObject>
 
-/*! A device or service as the daemon knows it: parameters that identify it, states that show it.
-    Owned by the daemon, which deletes it some time after the plugin's thingRemoved() has run. */
+/*! A device or service as the daemon knows it: parameters that identify it, states that show it. Owned by
+    the daemon, from before its first set-up until the event loop runs after the plugin's thingRemoved(). A
+    plugin may keep the pointer from setupThing() to thingRemoved(). It lives on the main thread, like
+    everything here. */
 class LIBNYMEA_EXPORT Thing : public QObject
 {
     Q_OBJECT
 public:
-    /*! Outcome of a job. */
+    /*! The outcome of a job. */
     enum ThingError {
-        ThingErrorNoError,
-        ThingErrorPluginNotFound,
-        ThingErrorVendorNotFound,
-        ThingErrorThingNotFound,
-        ThingErrorThingClassNotFound,
-        ThingErrorActionTypeNotFound,
-        ThingErrorStateTypeNotFound,
-        ThingErrorEventTypeNotFound,
-        ThingErrorThingDescriptorNotFound,
-        ThingErrorMissingParameter,
-        ThingErrorInvalidParameter,
-        ThingErrorSetupFailed,
-        ThingErrorDuplicateUuid,
-        ThingErrorCreationMethodNotSupported,
-        ThingErrorSetupMethodNotSupported,
-        ThingErrorHardwareNotAvailable,
-        ThingErrorHardwareFailure,
-        ThingErrorAuthenticationFailure,
-        ThingErrorThingInUse,
-        ThingErrorThingInRule,
-        ThingErrorThingIsChild,
-        ThingErrorPairingTransactionIdNotFound,
-        ThingErrorParameterNotWritable,
-        ThingErrorItemNotFound,
-        ThingErrorItemNotExecutable,
-        ThingErrorUnsupportedFeature,
-        ThingErrorTimeout
+        ThingErrorNoError,        //!< The job has succeeded.
+        ThingErrorPluginNotFound, //!< No plugin of that id is loaded.
+        ThingErrorVendorNotFound, //!< No plugin has a vendor of that id.
+        ThingErrorThingNotFound,  //!< There is no such thing, or it was removed before the job was finished.
+        ThingErrorThingClassNotFound,      //!< The plugin has no such thing class.
+        ThingErrorActionTypeNotFound,      //!< The thing's class has no such action.
+        ThingErrorStateTypeNotFound,       //!< The thing's class has no such state.
+        ThingErrorEventTypeNotFound,       //!< The thing's class has no such event.
+        ThingErrorThingDescriptorNotFound, //!< The daemon does not know the offer, or not any more.
+        ThingErrorMissingParameter,        //!< A parameter without a default value is missing.
+        ThingErrorInvalidParameter, //!< A parameter is unknown, of the wrong type or out of its limits.
+        ThingErrorSetupFailed,      //!< The thing cannot be made to work, or is not set up.
+        ThingErrorDuplicateUuid,    //!< There is a thing of that id already.
+        ThingErrorCreationMethodNotSupported, //!< Things of the class are not created in this way.
+        ThingErrorSetupMethodNotSupported,    //!< Things of the class are not paired in this way.
+        ThingErrorHardwareNotAvailable,       //!< A device or service that the thing needs cannot be reached.
+        ThingErrorHardwareFailure,            //!< The device or service was reached and failed.
+        ThingErrorAuthenticationFailure,      //!< The device or service has refused the credentials.
+        ThingErrorThingInUse,                 //!< Another job of the thing is pending.
+        ThingErrorThingInRule,                //!< A rule uses the thing, so it is not removed.
+        ThingErrorThingIsChild,               //!< The thing goes with its parent and is not removed alone.
+        ThingErrorPairingTransactionIdNotFound, //!< There is no such pairing, or not any more.
+        ThingErrorParameterNotWritable, //!< The parameter is set when the thing is created, not later.
+        ThingErrorItemNotFound,         //!< There is no such item to browse.
+        ThingErrorItemNotExecutable,    //!< The item to browse cannot be executed.
+        ThingErrorUnsupportedFeature,   //!< The plugin does not implement the operation.
+        ThingErrorTimeout               //!< The plugin has not finished the job in time.
     };
     Q_ENUM(ThingError)
 
-    /*! Where a thing's last set-up stands. */
+    /*! How far a thing's last set-up has got. */
     enum ThingSetupStatus {
-        ThingSetupStatusNone,
-        ThingSetupStatusInProgress,
-        ThingSetupStatusComplete,
-        ThingSetupStatusFailed
+        ThingSetupStatusNone,       //!< none has begun
+        ThingSetupStatusInProgress, //!< its ThingSetupInfo is pending
+        ThingSetupStatusComplete,   //!< actions are accepted
+        ThingSetupStatusFailed      //!< the thing is kept if it was before; actions are refused
     };
     Q_ENUM(ThingSetupStatus)
 
-    /*! A thing of \a thingClass with default parameters and states; \a id is null for a new identity. */
+    /*! A thing of \a thingClass with the defaults of all parameters and states. A null \a id makes it a new
+        one with an id of its own. Only the daemon creates things; a plugin asks for them with
+        ThingDescriptor. */
     explicit Thing(const ThingClass &thingClass, const ThingId &id = ThingId(), QObject *parent = nullptr);
 
-    ThingId id() const;
-    ThingClass thingClass() const;
-    ThingClassId thingClassId() const;
+    /*! Stays the same over restarts. */
+    ThingId id() const { return m_id; }
+    ThingClass thingClass() const { return m_thingClass; }
+    ThingClassId thingClassId() const { return m_thingClass.id; }
 
-    QString name() const;
-    void setName(const QString &name);
+    /*! For people, who may change it. Not unique. */
+    QString name() const { return m_name; }
+    void setName(const QString &name) { m_name = name; }
 
-    ThingId parentId() const;
-    void setParentId(const ThingId &parentId);
+    /*! The thing with which this one is removed; null for none. */
+    ThingId parentId() const { return m_parentId; }
+    void setParentId(const ThingId &parentId) { m_parentId = parentId; }
 
-    ParamList params() const;
-    /*! The value of a parameter, or an invalid QVariant where the class has no such parameter. */
+    /*! One for each parameter of the class. */
+    ParamList params() const { return m_params; }
+    /*! The value of a parameter, or an invalid QVariant if the class has no such parameter. */
     QVariant paramValue(const ParamTypeId &paramTypeId) const;
     QVariant paramValue(const QString &paramName) const;
-    /*! Sets a parameter of the class, converted to its type; others are refused with a warning. */
+    /*! Sets a parameter to \a value, converted to its type. Refused with a warning if the class has no such
+        parameter or the value cannot be converted. Limits do not count here. */
     void setParamValue(const ParamTypeId &paramTypeId, const QVariant &value);
 
-    States states() const;
-    /*! A copy of the state; without such a state, one with a null type id. */
+    /*! One for each state of the class, in its order. */
+    States states() const { return m_states; }
+    /*! A copy of the state; one with a null type id if the class has no such state. */
     State state(const StateTypeId &stateTypeId) const;
     State state(const QString &stateName) const;
-    /*! The value of a state, or an invalid QVariant where the class has no such state. */
+    /*! The value of a state, or an invalid QVariant if the class has no such state. */
     QVariant stateValue(const StateTypeId &stateTypeId) const;
     QVariant stateValue(const QString &stateName) const;
 
-    /*! Sets a state to \a value converted to the state's type; the limits bind actions, not the plugin.
-        Notifies only when this changes the value. An unknown state or a value that cannot be converted
-        is refused with a warning. */
+    /*! Sets a state to \a value, converted to the state's type and in the state's unit. The limits bind
+        actions, not the plugin. Notifies, before it returns, only if this changes the value. Refused with a
+        warning if the class has no such state or the value cannot be converted. */
     void setStateValue(const StateTypeId &stateTypeId, const QVariant &value);
     void setStateValue(const QString &stateName, const QVariant &value);
 
-    /*! Moves the greatest value that actions may set; the value stays. Notifies only on a change. */
+    /*! Moves the greatest value that actions may set; the value of the state stays as it is, even above.
+        Notifies and is refused as setStateValue(). Not kept over a restart: a plugin calls this at each
+        set-up. */
     void setStateMaxValue(const StateTypeId &stateTypeId, const QVariant &maxValue);
     void setStateMaxValue(const QString &stateName, const QVariant &maxValue);
 
-    ThingSetupStatus setupStatus() const;
-    ThingError setupError() const;
-    QString setupDisplayMessage() const;
-    /*! The daemon's record of how the thing's last set-up went; a plugin never calls this. */
+    ThingSetupStatus setupStatus() const { return m_setupStatus; }
+    /*! What the last set-up finished with; ThingErrorNoError before it has. */
+    ThingError setupError() const { return m_setupError; }
+    QString setupDisplayMessage() const { return m_setupDisplayMessage; }
+    /*! The daemon notes how the last set-up of the thing went; a plugin never calls this. */
     void setSetupStatus(ThingSetupStatus status, ThingError error = ThingErrorNoError,
                         const QString &displayMessage = QString());
 
 Q_SIGNALS:
-    /*! A state's value or one of its limits has changed. */
+    /*! A state's value or one of its limits has changed. A handler may change the state again, and then the
+        signal is emitted within its own emission. */
     void stateValueChanged(const StateTypeId &stateTypeId, const QVariant &value, const QVariant &minValue,
                            const QVariant &maxValue);
     void setupStatusChanged();
@@ -128,10 +142,11 @@ private:
     QString m_setupDisplayMessage;
 };
 
-/*! Shows a thing's name, class and id. */
+/*! Writes "Thing(NAME, class CLASS, id {ID})", or "Thing(null)". */
 LIBNYMEA_EXPORT QDebug operator<<(QDebug debug, const Thing *thing);
 
-/*! Things, none of them owned by the list. */
+/*! Pointers to things in the order of their creation. The list owns none of them, and a thing that is
+    deleted stays in copies of it. The filters return empty lists if nothing fits. */
 class LIBNYMEA_EXPORT Things : public QList<Thing *>
 {
 public:
@@ -140,8 +155,9 @@ public:
 
     /*! The thing of that id, or null. */
     Thing *findById(const ThingId &id) const;
-    /*! The things whose parameter of that type equals \a value. */
+    /*! The things that have a parameter of that type with a value equal to \a value. */
     Things filterByParam(const ParamTypeId &paramTypeId, const QVariant &value) const;
+    /*! With a null \a parentId, the things that have no parent. */
     Things filterByParentId(const ThingId &parentId) const;
 };
 

@@ -7,15 +7,23 @@
 #include "integrations/thingjob.h"
 #include "types/action.h"
 
-/*! The job of carrying out an action on a thing. A child of its thing. */
+/*! The job of carrying out an action on a thing. A child of its thing, so it ends when the thing goes. The
+    daemon starts it only for a thing that is set up, with parameters that fit. Setting the state is up to
+    the plugin. */
 class LIBNYMEA_EXPORT ThingActionInfo : public ThingJob
 {
     Q_OBJECT
 public:
-    ThingActionInfo(Thing *thing, const Action &action, std::chrono::milliseconds timeout);
+    ThingActionInfo(Thing *thing, const Action &action, std::chrono::milliseconds timeout)
+        : ThingJob(timeout, thing)
+        , m_thing(thing)
+        , m_action(action)
+    {
+    }
 
-    Thing *thing() const;
-    Action action() const;
+    /*! Valid for as long as the job is. */
+    Thing *thing() const { return m_thing; }
+    Action action() const { return m_action; }
 
 private:
     Thing *const m_thing; // our parent

@@ -18,21 +18,6 @@ ThingJob::ThingJob(std::chrono::milliseconds timeout, QObject *parent)
     });
 }
 
-bool ThingJob::isFinished() const
-{
-    return m_finished;
-}
-
-Thing::ThingError ThingJob::status() const
-{
-    return m_status;
-}
-
-QString ThingJob::displayMessage() const
-{
-    return m_displayMessage;
-}
-
 void ThingJob::finish(Thing::ThingError status, const QString &displayMessage)
 {
     if (m_finished) {

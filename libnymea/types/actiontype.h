@@ -6,22 +6,19 @@
 
 #include "types/paramtype.h"
 
-/*! Describes an action of a thing class. A writable state yields one whose id, name and single
-    parameter are the state's own. */
+/*! Describes an action of a thing class. Plain data, which the daemon derives from the metadata: a writable
+    state yields an action whose id, name and single parameter are the state's own. */
 struct ActionType
 {
     ActionTypeId id;
     QString name;
-    QString displayName;
-    ParamTypes paramTypes;
+    QString displayName; //!< the state's displayNameAction
+    ParamTypes
+        paramTypes; //!< one; its limits are those of the metadata, which the thing's state may have moved
 };
 
-class LIBNYMEA_EXPORT ActionTypes : public QVector<ActionType>
+class LIBNYMEA_EXPORT ActionTypes : public TypeList<ActionType, ActionTypeId>
 {
-public:
-    /*! The type of that id or name; one with a null id without it. */
-    ActionType findById(const ActionTypeId &id) const;
-    ActionType findByName(const QString &name) const;
 };
 
 #endif // ACTIONTYPE_H

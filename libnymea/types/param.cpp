@@ -5,26 +5,15 @@
 
 #include <algorithm>
 
-Param::Param(const ParamTypeId &paramTypeId, const QVariant &value)
-    : m_paramTypeId(paramTypeId)
-    , m_value(value)
+namespace {
+
+template <typename List> auto find(List &list, const ParamTypeId &paramTypeId)
 {
+    return std::find_if(list.begin(), list.end(),
+                        [&paramTypeId](const Param &param) { return param.paramTypeId() == paramTypeId; });
 }
 
-ParamTypeId Param::paramTypeId() const
-{
-    return m_paramTypeId;
-}
-
-QVariant Param::value() const
-{
-    return m_value;
-}
-
-void Param::setValue(const QVariant &value)
-{
-    m_value = value;
-}
+} // namespace
 
 ParamList::ParamList(const QList<Param> &other)
     : QList<Param>(other)
@@ -33,26 +22,20 @@ ParamList::ParamList(const QList<Param> &other)
 
 bool ParamList::hasParam(const ParamTypeId &paramTypeId) const
 {
-    return std::any_of(cbegin(), cend(),
-                       [&paramTypeId](const Param &param) { return param.paramTypeId() == paramTypeId; });
+    return find(*this, paramTypeId) != end();
 }
 
 QVariant ParamList::paramValue(const ParamTypeId &paramTypeId) const
 {
-    for (const Param &param : *this) {
-        if (param.paramTypeId() == paramTypeId)
-            return param.value();
-    }
-    return QVariant();
+    const auto it = find(*this, paramTypeId);
+    return it == end() ? QVariant() : it->value();
 }
 
 bool ParamList::setParamValue(const ParamTypeId &paramTypeId, const QVariant &value)
 {
-    for (Param &param : *this) {
-        if (param.paramTypeId() == paramTypeId) {
-            param.setValue(value);
-            return true;
-        }
-    }
-    return false;
+    const auto it = find(*this, paramTypeId);
+    if (it == end())
+        return false;
+    it->setValue(value);
+    return true;
 }

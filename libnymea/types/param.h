@@ -9,22 +9,29 @@
 #include <QList>
 #include <QVariant>
 
-/*! One value of a parameter, named by the parameter's type. */
+/*! The value of one parameter of a thing, a discovery or an action. Plain data. A parameter is named by its
+    type's id; the type also says in which unit the value is. */
 class LIBNYMEA_EXPORT Param
 {
 public:
-    explicit Param(const ParamTypeId &paramTypeId = ParamTypeId(), const QVariant &value = QVariant());
+    explicit Param(const ParamTypeId &paramTypeId = ParamTypeId(), const QVariant &value = QVariant())
+        : m_paramTypeId(paramTypeId)
+        , m_value(value)
+    {
+    }
 
-    ParamTypeId paramTypeId() const;
+    ParamTypeId paramTypeId() const { return m_paramTypeId; }
 
-    QVariant value() const;
-    void setValue(const QVariant &value);
+    QVariant value() const { return m_value; }
+    /*! Takes any \a value: whoever receives the parameter checks it against the type. */
+    void setValue(const QVariant &value) { m_value = value; }
 
 private:
     ParamTypeId m_paramTypeId;
     QVariant m_value;
 };
 
+/*! Parameters in no particular order. Where a type occurs twice, the first one counts. */
 class LIBNYMEA_EXPORT ParamList : public QList<Param>
 {
 public:
@@ -33,10 +40,12 @@ public:
 
     bool hasParam(const ParamTypeId &paramTypeId) const;
 
-    /*! The value of the first parameter of type \a paramTypeId, or an invalid QVariant without one. */
+    /*! An invalid QVariant if the list has no such parameter, which is how a field that the user left out
+        of a discovery reads. */
     QVariant paramValue(const ParamTypeId &paramTypeId) const;
 
-    /*! Replaces the parameter's value; false, changing nothing, when the list has no such parameter. */
+    /*! Replaces the value of a parameter. Refused, with false and without a change, if the list has no such
+        parameter: nothing is appended. */
     bool setParamValue(const ParamTypeId &paramTypeId, const QVariant &value);
 };
 

@@ -7,23 +7,33 @@
 #include "typeutils.h"
 
 #include <QVariant>
+#include <QVector>
 
-/*! A thing's value of one state type, with the limits in force for it. Plain data. */
+/*! A thing's value of one state type, with the limits in force for it. Plain data: Thing gives out copies,
+    so a change to one does not reach the thing. Values and limits are of the state's type and in its unit.
+    */
 class LIBNYMEA_EXPORT State
 {
 public:
-    explicit State(const StateTypeId &stateTypeId = StateTypeId(), const QVariant &value = QVariant());
+    explicit State(const StateTypeId &stateTypeId = StateTypeId(), const QVariant &value = QVariant())
+        : m_stateTypeId(stateTypeId)
+        , m_value(value)
+    {
+    }
 
-    StateTypeId stateTypeId() const;
+    /*! Null for a state that the thing does not have. */
+    StateTypeId stateTypeId() const { return m_stateTypeId; }
 
-    QVariant value() const;
-    void setValue(const QVariant &value);
+    QVariant value() const { return m_value; }
+    void setValue(const QVariant &value) { m_value = value; }
 
-    /*! Limits for actions on the state; invalid without one. A plugin may move them at run time. */
-    QVariant minValue() const;
-    void setMinValue(const QVariant &minValue);
-    QVariant maxValue() const;
-    void setMaxValue(const QVariant &maxValue);
+    /*! The least value that an action may set; invalid if there is no minimum. A plugin's own values are
+        not held to the limits. */
+    QVariant minValue() const { return m_minValue; }
+    void setMinValue(const QVariant &minValue) { m_minValue = minValue; }
+    /*! The greatest value that an action may set; see Thing::setStateMaxValue(). */
+    QVariant maxValue() const { return m_maxValue; }
+    void setMaxValue(const QVariant &maxValue) { m_maxValue = maxValue; }
 
 private:
     StateTypeId m_stateTypeId;

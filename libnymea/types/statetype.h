@@ -4,35 +4,30 @@
 #ifndef STATETYPE_H
 #define STATETYPE_H
 
+#include "types/typelist.h"
 #include "typeutils.h"
 
-#include <QString>
 #include <QVariant>
-#include <QVector>
 
-/*! Describes a state of a thing class. Plain data, read from metadata. */
+/*! Describes a state of a thing class. Plain data, read from the metadata. */
 struct StateType
 {
     StateTypeId id;
-    QString name; //!< unique in its class, lower camel case
+    QString name; //!< unique in its class, lower camel case; what Thing::setStateValue() takes
     QString displayName;
-    QString displayNameEvent;  //!< empty where the metadata gives none
-    QString displayNameAction; //!< empty unless writable
-    QMetaType::Type type = QMetaType::UnknownType;
-    QVariant defaultValue; //!< of \a type
-    QVariant minValue;     //!< invalid: no minimum
-    QVariant maxValue;     //!< invalid: no maximum
+    QString displayNameEvent;                      //!< empty if the metadata gives none
+    QString displayNameAction;                     //!< empty unless writable
+    QMetaType::Type type = QMetaType::UnknownType; //!< Bool, Int, UInt, Double or QString
+    QVariant defaultValue;                         //!< of \a type; what a new thing shows
+    QVariant minValue;                             //!< of \a type, in \a unit; invalid if there is no minimum
+    QVariant maxValue;                             //!< of \a type, in \a unit; invalid if there is no maximum
     Types::Unit unit = Types::UnitNone;
-    bool cached = true;    //!< kept by the daemon over a restart
-    bool writable = false; //!< then an action type of the same id sets it
+    bool cached = true;    //!< the daemon restores the last value after a restart; else the default
+    bool writable = false; //!< an action type of the same id sets it
 };
 
-class LIBNYMEA_EXPORT StateTypes : public QVector<StateType>
+class LIBNYMEA_EXPORT StateTypes : public TypeList<StateType, StateTypeId>
 {
-public:
-    /*! The type of that id or name; one with a null id without it. */
-    StateType findById(const StateTypeId &id) const;
-    StateType findByName(const QString &name) const;
 };
 
 #endif // STATETYPE_H

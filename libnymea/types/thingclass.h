@@ -10,29 +10,29 @@
 
 #include <QStringList>
 
-/*! A kind of thing that a plugin offers. Plain data, read from metadata. */
+/*! A kind of thing that a plugin offers. Plain data, read from the metadata. */
 struct ThingClass
 {
     ThingClassId id;
     VendorId vendorId;
     QString name; //!< unique in the plugin
     QString displayName;
-    QStringList createMethods; //!< "discovery", "auto" or "user"
-    QStringList interfaces;
+    QStringList createMethods;      //!< "discovery", "auto" (the plugin announces its things) or "user"
+    QStringList interfaces;         //!< which states and actions others may rely on, such as "evcharger"
     QStringList providedInterfaces; //!< interfaces of the things that appear below one of this class
-    ParamTypes paramTypes;
-    ParamTypes discoveryParamTypes;
+    ParamTypes paramTypes;          //!< identify and configure a thing
+    ParamTypes discoveryParamTypes; //!< what the user enters for a discovery
     StateTypes stateTypes;
-    ActionTypes actionTypes;
+    ActionTypes actionTypes; //!< one for each writable state
 };
 
-class LIBNYMEA_EXPORT ThingClasses : public QVector<ThingClass>
+class LIBNYMEA_EXPORT ThingClasses : public TypeList<ThingClass, ThingClassId>
 {
 public:
-    /*! The class of that id or name; one with a null id without it. */
-    ThingClass findById(const ThingClassId &id) const;
-    ThingClass findByName(const QString &name) const;
-    bool contains(const ThingClassId &id) const;
+    bool contains(const ThingClassId &id) const
+    {
+        return std::any_of(cbegin(), cend(), [&id](const ThingClass &type) { return type.id == id; });
+    }
 };
 
 #endif // THINGCLASS_H

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef BROWSERESULT_H
+#define BROWSERESULT_H
+
+#include "integrations/thingjob.h"
+
+/*! The job of listing what can be browsed on a thing.
+    Declared for the operation of IntegrationPlugin that is passed one; this stand-in never starts it. */
+class LIBNYMEA_EXPORT BrowseResult : public ThingJob
+{
+    Q_OBJECT
+public:
+    using ThingJob::ThingJob;
+};
+
+#endif // BROWSERESULT_H

@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TYPELIST_H
+#define TYPELIST_H
+
+#include <QString>
+#include <QVector>
+
+#include <algorithm>
+
+/*! A list of descriptions that have an "id" and a "name", in the order of the metadata. Both searches
+    return a copy of the first match, or a default-constructed description, whose id is null, if there is
+    none. */
+template <typename Type, typename Id> class TypeList : public QVector<Type>
+{
+public:
+    Type findById(const Id &id) const
+    {
+        return findFirst([&id](const Type &type) { return type.id == id; });
+    }
+
+    /*! Upper and lower case differ. */
+    Type findByName(const QString &name) const
+    {
+        return findFirst([&name](const Type &type) { return type.name == name; });
+    }
+
+private:
+    template <typename Predicate> Type findFirst(Predicate predicate) const
+    {
+        const auto it = std::find_if(this->cbegin(), this->cend(), predicate);
+        return it == this->cend() ? Type() : *it;
+    }
+};
+
+#endif // TYPELIST_H
