@@ -11,8 +11,8 @@
 class PluginTimerManager;
 
 /*! The daemon's shared resources, as far as this stand-in has them: the timers. Owned by the daemon, which
-    keeps it for as long as a plugin is loaded; a plugin gets at it by IntegrationPlugin::hardwareManager().
-    */
+    keeps it for as long as a plugin is loaded; a plugin gets at it by
+    IntegrationPlugin::hardwareManager(). */
 class LIBNYMEA_EXPORT HardwareManager : public QObject
 {
     Q_OBJECT

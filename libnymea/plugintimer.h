@@ -26,8 +26,8 @@ public:
     void stop();
 
 Q_SIGNALS:
-    /*! A period has passed. Emitted on the main thread; all timers are driven by one clock, so that those
-        of one period run out together. A handler may unregister the timer. */
+    /*! A period has passed. Emitted on the main thread. All timers are driven by one clock, so the first period
+        may be up to a second short. A handler may unregister the timer. */
     void timeout();
 
 private:

@@ -379,8 +379,8 @@ QString PluginConsole::paramTexts(const ThingClass &thingClass, const ParamList 
     return texts.join(' ');
 }
 
-/*! The thing of that name; "gateway" is the first gateway and "newest" the thing created last, kept or not.
-    */
+/*! The thing of that name; "gateway" is the first gateway and "newest" the thing created last, kept or
+    not. */
 Thing *PluginConsole::thing(const QString &name) const
 {
     const auto things = m_site.daemon->findChildren<Thing *>();

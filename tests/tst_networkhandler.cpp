@@ -8,16 +8,17 @@
 #include <QMetaMethod>
 #include <QtTest>
 
-/*! What transcripts/client.txt does not show. */
+/*! What transcripts/plugin-client.txt does not show. */
 class TestNetworkHandler : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void secretReplacesTheCallers();
+    void request();
     void interface();
 };
 
-void TestNetworkHandler::secretReplacesTheCallers()
+/*! The secret replaces the one that the caller has put there. */
+void TestNetworkHandler::request()
 {
     ScriptedBackend backend;
     NetworkHandler handler;
@@ -26,7 +27,10 @@ void TestNetworkHandler::secretReplacesTheCallers()
     handler.sendRequestPost("/vela/get_values/yard", body, [](QNetworkReply *) {});
     QCOMPARE(body, json(R"({"secret": "s3cret", "evse_ids": []})")); // changed in place
     QTRY_COMPARE(backend.requests().size(), 1);
-    QCOMPARE(backend.requests().constFirst().json(), body);
+    const ScriptedBackend::Request request = backend.requests().constFirst();
+    QCOMPARE(request.body, QJsonDocument(body).toJson()); // indented
+    QCOMPARE(request.headers.value("content-type"), QByteArray("application/json"));
+    QCOMPARE(request.headers.value("authorization"), QByteArray("3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f"));
 }
 
 void TestNetworkHandler::interface()

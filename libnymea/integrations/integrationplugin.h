@@ -33,8 +33,8 @@ public:
     explicit IntegrationPlugin(QObject *parent = nullptr);
     ~IntegrationPlugin() override;
 
-    /*! Called once, after loading and before everything else: the storage is there, no thing is set up yet.
-        */
+    /*! Called once, after loading and before everything else: the storage is there, no thing is set up
+        yet. */
     virtual void init();
     /*! Called once, after init() and once the set-up of the stored things has begun. For plugins that look
         for things by themselves and announce them with autoThingsAppeared(). */
@@ -43,8 +43,8 @@ public:
         a class with the create method "discovery". */
     virtual void discoverThings(ThingDiscoveryInfo *info);
     /*! Gets the job's thing to work: a new one, one that the daemon has restored at its start, or one whose
-        parameters have changed, so it may be called more than once for a thing. Succeeds in the base class.
-        */
+        parameters have changed, so it may be called more than once for a thing. Succeeds in the base
+        class. */
     virtual void setupThing(ThingSetupInfo *info);
     /*! Called each time that a set-up of \a thing has finished without error; it now counts among
         myThings(). */

@@ -145,8 +145,8 @@ private:
 /*! Writes "Thing(NAME, class CLASS, id {ID})", or "Thing(null)". */
 LIBNYMEA_EXPORT QDebug operator<<(QDebug debug, const Thing *thing);
 
-/*! Pointers to things in the order of their creation. The list owns none of them, and a thing that is
-    deleted stays in copies of it. The filters return empty lists if nothing fits. */
+/*! Pointers to things. The list owns none of them, and a thing that is deleted stays in copies of it. The
+    filters return empty lists if nothing fits. */
 class LIBNYMEA_EXPORT Things : public QList<Thing *>
 {
 public:

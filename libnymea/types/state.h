@@ -10,8 +10,8 @@
 #include <QVector>
 
 /*! A thing's value of one state type, with the limits in force for it. Plain data: Thing gives out copies,
-    so a change to one does not reach the thing. Values and limits are of the state's type and in its unit.
-    */
+    so a change to one does not reach the thing. Values and limits are of the state's type and in its
+    unit. */
 class LIBNYMEA_EXPORT State
 {
 public:

@@ -42,7 +42,10 @@ private:
     QJsonObject thingClass(QJsonObject description);
     QJsonArray params(const QJsonArray &descriptions, const QString &className, const QString &kind);
     QJsonArray states(const QJsonArray &descriptions, const QString &className);
-    void addConstant(const QString &type, const QString &name, const QString &id);
+    void addConstant(const QString &type, const QString &name, const QString &id)
+    {
+        m_constants.append({type, name, id});
+    }
 
     const QUuid m_namespace;
     const int m_wallboxCount;
@@ -141,11 +144,6 @@ QJsonArray Generator::states(const QJsonArray &descriptions, const QString &clas
         result.append(state);
     }
     return result;
-}
-
-void Generator::addConstant(const QString &type, const QString &name, const QString &id)
-{
-    m_constants.append({type, name, id});
 }
 
 QByteArray Generator::header() const
