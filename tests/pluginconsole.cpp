@@ -180,6 +180,7 @@ void PluginConsole::addOtherCommands()
         }
     };
     m_commands["renew"] = [&](const Words &) { m_site.fireChargeLimitTimer(); };
+    m_commands["zone"] = [](const Words &words) { qputenv("TZ", words.value(0).toUtf8()); };
     m_commands["clock"] = [&](const Words &words) { Site::moveClock(words.value(0).toInt()); };
     m_commands["write"] = [&](const Words &words) {
         thing(words.value(0))->setStateValue(words.value(1), value(words.value(2)));
