@@ -9,6 +9,7 @@
 #include <plugintimer.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QJsonArray>
 #include <QMetaEnum>
 #include <QMetaMethod>
@@ -183,7 +184,7 @@ void PluginConsole::addOtherCommands()
     m_commands["zone"] = [](const Words &words) { qputenv("TZ", words.value(0).toUtf8()); };
     m_commands["clock"] = [&](const Words &words) { Site::moveClock(words.value(0).toInt()); };
     m_commands["write"] = [&](const Words &words) {
-        thing(words.value(0))->setStateValue(words.value(1), value(words.value(2)));
+        thing(words.value(0), words.mid(1, 1))->setStateValue(words.value(1), value(words.value(2)));
     };
     m_commands["param"] = [&](const Words &words) {
         Thing *changed = thing(words.value(0));
@@ -207,7 +208,7 @@ void PluginConsole::addOtherCommands()
 void PluginConsole::addListeners()
 {
     m_commands["overwrite"] = [&](const Words &words) {
-        Thing *changed = thing(words.value(0));
+        Thing *changed = thing(words.value(0), words.mid(1, 1));
         connect(changed, &Thing::stateValueChanged, this, [changed, words](const StateTypeId &id) {
             if (changed->thingClass().stateTypes.findById(id).name == words.value(1))
                 changed->setStateValue(words.value(1), value(words.value(2)));
@@ -245,7 +246,7 @@ void PluginConsole::addQueries()
     m_commands["state"] = [&](const Words &words) {
         Words values;
         for (const QString &name : words.mid(1))
-            values.append(thing(words.value(0))->stateValue(name).toString());
+            values.append(thing(words.value(0), {name})->stateValue(name).toString());
         print(values.join(' '));
     };
     m_commands["params"] = [&](const Words &words) {
@@ -380,23 +381,28 @@ QString PluginConsole::paramTexts(const ThingClass &thingClass, const ParamList 
     return texts.join(' ');
 }
 
-/*! The thing of that name; "gateway" is the first gateway and "newest" the thing created last, kept or
-    not. */
-Thing *PluginConsole::thing(const QString &name) const
+/*! The thing of that name, which must have these states. "gateway" is the first gateway, and "newest" the
+    thing created last, kept or not. */
+Thing *PluginConsole::thing(const QString &name, const Words &states) const
 {
     const auto things = m_site.daemon->findChildren<Thing *>();
-    if (name == "gateway" || name == "newest")
-        return name == "gateway" ? m_site.gateway() : things.constLast();
-    const auto found = std::find_if(things.cbegin(), things.cend(),
-                                    [&name](const Thing *thing) { return thing->name() == name; });
+    const auto found = std::find_if(things.cbegin(), things.cend(), [&](const Thing *thing) {
+        return thing->name() == name || (name == "gateway" && thing == m_site.gateway())
+            || (name == "newest" && thing == things.constLast());
+    });
     if (found == things.cend())
         qFatal("There is no thing \"%s\".", qPrintable(name));
+    for (const QString &state : states) {
+        if ((*found)->state(state).stateTypeId().isNull())
+            qFatal("\"%s\" has no state \"%s\".", qPrintable(name), qPrintable(state));
+    }
     return *found;
 }
 
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
+    qputenv("TMPDIR", QFile::encodeName(QDir::currentPath())); // which a transcript removes, whatever happens
     PluginConsole console;
     QTextStream input(stdin);
     input.setCodec("UTF-8");

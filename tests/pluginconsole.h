@@ -47,7 +47,7 @@ private:
     void watch(Thing *thing);
     QString describe(const ThingDescriptor &descriptor) const;
     static QString paramTexts(const ThingClass &thingClass, const ParamList &params);
-    Thing *thing(const QString &name) const;
+    Thing *thing(const QString &name, const Words &states = {}) const;
 
     QString m_line;                      // printed once it is known how often it comes
     int m_repetitions = 0;               // of m_line
