@@ -245,7 +245,8 @@ void PluginConsole::addQueries()
     };
     m_commands["state"] = [&](const Words &words) {
         Words values;
-        for (const QString &name : words.mid(1))
+        const Words names = words.mid(1);
+        for (const QString &name : names)
             values.append(thing(words.value(0), {name})->stateValue(name).toString());
         print(values.join(' '));
     };

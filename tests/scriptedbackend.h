@@ -84,7 +84,7 @@ public:
 
 Q_SIGNALS:
     /*! A request has arrived, and is not answered yet. */
-    void received(const Request &request);
+    void received(const ScriptedBackend::Request &request);
 
 private:
     using Script = std::function<void(QTcpSocket *)>;
