@@ -2,40 +2,21 @@
 // SPDX-License-Identifier: MIT
 
 #include "census.h"
+#include "commandline.h"
 #include "site.h"
+#include "soak.h"
 #include "waiting.h"
 
-#include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLoggingCategory>
 
 #include <cstdio>
-#include <cstdlib>
+#include <functional>
 #include <malloc.h>
 
 using Backend = ScriptedBackend;
 
 namespace {
-
-/*! How a silence may end. Answered means that every request has found an answer. */
-struct End
-{
-    const char *name;
-    void (*bring)(Site &site);
-    bool answered;
-};
-
-const End ends[] = {
-    {"the backend answers",      [](Site &site) { site.backend.releaseAll(Backend::Values); }, true },
-    {"the backend is restarted",
-     [](Site &site) {
-         site.backend.answerNormally(Backend::Values);
-         site.backend.shutDown();
-         site.backend.startUp();
-     },                                                                                        true },
-    {"the gateway is removed",   [](Site &site) { site.remove(site.gateway()); },              false},
-};
 
 void print(const char *when, const Census &census)
 {
@@ -43,15 +24,24 @@ void print(const char *when, const Census &census)
                 census.descriptors, double(census.heap) / 1024, double(census.resident) / 1024);
 }
 
-/*! Polls in silence, then ends it; whether the process then holds as much as before. */
-bool keepSilent(Site &site, int polls, const End &end)
+/*! Sends \a polls polls that the backend keeps, on as many connections as Qt opens. */
+void pollInSilence(Site &site, int polls)
 {
-    const Census before = Census::takeSettled();
-    print("before", before);
+    constexpr int connections = 6;
     site.backend.hold(Backend::Values);
     for (int i = 0; i < polls; ++i)
         site.tick();
-    const bool arrived = waitFor([&site] { return site.backend.requests(Backend::Values).size() == 6; });
+    const auto arrived = [&site] { return site.backend.requests(Backend::Values).size() == connections; };
+    require(waitFor(arrived), "The backend does not receive six polls.");
+}
+
+/*! Polls in silence, which \a end ends, and then compares what the process holds with what it held before. */
+void keepSilent(Site &site, int polls, const char *name, const std::function<void()> &end)
+{
+    std::printf("%d polls in silence, then %s\n", polls, name);
+    const Census before = Census::takeSettled();
+    print("before", before);
+    pollInSilence(site, polls);
     const Census silent = Census::takeSettled();
     print("in silence", silent);
     std::printf("  a poll: %.2f objects, %.0f bytes\n", double(silent.objects - before.objects) / polls,
@@ -59,61 +49,52 @@ bool keepSilent(Site &site, int polls, const End &end)
 
     QElapsedTimer timer;
     timer.start();
-    end.bring(site);
-    const bool answered = !end.answered
-        || waitFor([&site, polls] { return site.backend.requests(Backend::Values).size() >= polls; });
-    const qint64 milliseconds = timer.elapsed();
+    end();
+    const auto answered = [&] {
+        return !site.gateway() || site.backend.requests(Backend::Values).size() >= polls;
+    };
+    require(waitFor(answered), "The backend does not receive all polls.");
+    std::printf("  took %lld ms\n", static_cast<long long>(timer.elapsed()));
     site.log.clear();
     Census::takeSettled();
-    site.backend.forgetRequests(); // also those that Qt has sent again
+    site.backend.forgetRequests(); // only now: Qt may have sent some of them again
     const Census after = Census::take();
-    print(end.name, after);
+    print(name, after);
     malloc_trim(0);
     print("less the allocator's reserve", Census::take());
-    std::printf("  took %lld ms\n", static_cast<long long>(milliseconds));
     const qint64 heapAllowance = (silent.heap - before.heap) / 40; // tables that have grown keep their size
-    return arrived && answered && after.objects <= before.objects && after.descriptors <= before.descriptors
-        && after.heap - before.heap < heapAllowance;
-}
-
-/*! Six requests at once, once: from then on there are as many connections as there can be. */
-bool useAllConnections(Site &site)
-{
-    site.backend.hold(Backend::Values);
-    for (int i = 0; i < 6; ++i)
-        site.tick();
-    const bool arrived = waitFor([&site] { return site.backend.requests(Backend::Values).size() == 6; });
-    site.backend.releaseAll(Backend::Values);
-    site.backend.forgetRequests();
-    return arrived;
+    require(after.objects <= before.objects && after.descriptors <= before.descriptors
+                && after.heap - before.heap < heapAllowance,
+            "The process holds more than before.");
 }
 
 } // namespace
 
-int main(int argc, char **argv)
+void soakInSilence(const QStringList &arguments)
 {
-    QCoreApplication app(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription("Measures what polls cost while the backend accepts and never answers.");
-    const QCommandLineOption polls("polls", "Polls in silence; 1800 are an hour.", "N", "1800");
-    const QCommandLineOption wallboxes("wallboxes", "How many wallboxes.", "N", "4");
-    parser.addOptions({polls, wallboxes});
-    parser.addHelpOption();
-    parser.process(app);
-
+    CommandLine line("Measures what polls cost while the backend accepts and never answers.",
+                     {
+                         {"polls",     "Polls in silence; 1800 are an hour.", "N", "1800"},
+                         {"wallboxes", "Wallboxes, 32 at most.",              "N", "4"   },
+    });
+    line.read(arguments);
+    const int polls = line.wholeNumber("polls", 6, 1000000);
     QLoggingCategory::setFilterRules("Vela.debug=false");
     Site site;
-    for (int i = 1; i <= parser.value(wallboxes).toInt(); ++i) {
-        site.backend.setWallbox(QString("EVSE-%1").arg(i, 2, 10, QChar('0')), 16);
-        site.backend.setStatus(QString("EVSE-%1").arg(i, 2, 10, QChar('0')), "Charging");
+    for (int i = 1; i <= line.wholeNumber("wallboxes", 1, 32); ++i) {
+        site.backend.setWallbox(infraIdOf(i), 16);
+        site.backend.setStatus(infraIdOf(i), "Charging");
     }
-    bool good = site.addGateway().isEmpty();
+    const QString error = site.addGateway();
+    require(error.isEmpty(), error);
+    pollInSilence(site, 6); // from now on there are as many connections as there can be
+    site.backend.releaseAll(Backend::Values);
     site.backend.forgetRequests();
-    good = good && useAllConnections(site);
-    for (const End &end : ends) {
-        std::printf("%s polls in silence, then %s\n", qPrintable(parser.value(polls)), end.name);
-        good = good && keepSilent(site, parser.value(polls).toInt(), end);
-    }
-    std::printf("%s\n", good ? "all has been given back" : "something is still held");
-    return good ? EXIT_SUCCESS : EXIT_FAILURE;
+    keepSilent(site, polls, "the backend answers", [&site] { site.backend.releaseAll(Backend::Values); });
+    keepSilent(site, polls, "the backend is restarted", [&site] {
+        site.backend.answerNormally(Backend::Values);
+        site.backend.shutDown();
+        site.backend.startUp();
+    });
+    keepSilent(site, polls, "the gateway is removed", [&site] { site.remove(site.gateway()); });
 }

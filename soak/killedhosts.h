@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KILLEDHOSTS_H
+#define KILLEDHOSTS_H
+
+#include "hostprocess.h"
+
+#include <QMap>
+#include <QSet>
+#include <QTemporaryDir>
+
+#include <random>
+
+/*! Kills hosts on one storage folder, and checks what the next one finds there. */
+class KilledHosts
+{
+public:
+    /*! The hosts use the simulator at \a backend. */
+    KilledHosts(const QString &backend, unsigned seed);
+    ~KilledHosts();
+    Q_DISABLE_COPY(KilledHosts)
+
+    /*! From now on the folder is a file system of 64 kB, nearly full in every other life. Takes root. */
+    void mountSmallDisk();
+    /*! One life of a host, from its start to its violent end at a random moment. */
+    void live();
+    /*! Starts a host that may live, and checks what it finds and that it works. */
+    void lastStart();
+
+    static constexpr int wallboxCount = 8;
+    QMap<QString, int> counts; //!< of what has happened, by name
+
+private:
+    void fillDisk();
+    void start();
+    void checkStart();
+    void checkThings(const QJsonArray &things);
+    void checkStates(const QJsonObject &before, const QJsonObject &now);
+    void checkFiles();
+    void send(const QString &line, const QString &thing = QString());
+    QJsonObject next(int milliseconds = HostProcess::patience);
+
+    bool chance(unsigned percent) { return m_random() % 100 < percent; }
+
+    const QString m_discovery; // the command
+    std::mt19937 m_random;
+    const bool m_hasNamespaces; // each host gets one
+    QTemporaryDir m_folder;
+    bool m_diskIsSmall = false;
+    bool m_diskWasFull = false; // for a host since the last checkStart()
+    std::unique_ptr<HostProcess> m_host;
+    QString m_activity;                  // the command that was answered last, or "polling"
+    QStringList m_pending;               // the things of the commands that are not answered, in their order
+    QMap<QString, QJsonObject> m_things; // by id, as reported last
+    QSet<QString> m_removed;             // ids of things
+    QSet<QString> m_found;               // ids of the things that were there at the last checkStart()
+    QStringList m_leftovers;             // files that the next host must remove
+};
+
+#endif // KILLEDHOSTS_H
