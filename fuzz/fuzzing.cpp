@@ -4,7 +4,6 @@
 #include "fuzzing.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QHash>
 #include <QJsonDocument>
 #include <QLoggingCategory>
@@ -19,7 +18,7 @@
 // NOLINTNEXTLINE(readability-non-const-parameter): Qt keeps a reference to it.
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
-    qSetGlobalQHashSeed(0); // the same input takes the same way each time
+    qSetGlobalQHashSeed(0); // an input has the same effect each time
     static const QCoreApplication application(*argc, *argv);
     QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
     return 0;
@@ -47,27 +46,11 @@ void require(bool holds, const char *what)
 
 QByteArray inputBytes(const uint8_t *data, size_t size)
 {
-    return QByteArray::fromRawData(reinterpret_cast<const char *>(data), static_cast<int>(size));
+    return QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
 }
 
 QList<QByteArray> inputReplies(const uint8_t *data, size_t size)
 {
     constexpr int most = 3; // else the fuzzer collects ever longer sequences of nothing
     return inputBytes(data, size).split('\x1e').mid(0, most);
-}
-
-void runPostedEvents()
-{
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-const PluginMetadata &pluginMetadata()
-{
-    static const PluginMetadata metadata = [] {
-        QFile file(QStringLiteral(VELA_METADATA_FILE));
-        require(file.open(QIODevice::ReadOnly), "the plugin's metadata can be read");
-        return PluginMetadata(QJsonDocument::fromJson(file.readAll()).object());
-    }();
-    return metadata;
 }

@@ -4,8 +4,6 @@
 #ifndef FUZZING_H
 #define FUZZING_H
 
-#include <integrations/pluginmetadata.h>
-
 #include <QByteArray>
 #include <QList>
 
@@ -18,11 +16,5 @@ void require(bool holds, const char *what);
 QByteArray inputBytes(const uint8_t *data, size_t size);
 /*! The same as up to three replies, an ASCII record separator between them. */
 QList<QByteArray> inputReplies(const uint8_t *data, size_t size);
-
-/*! Does what the event loop would do now, without waiting for timers. */
-void runPostedEvents();
-
-/*! What the plugin says about itself. */
-const PluginMetadata &pluginMetadata();
 
 #endif // FUZZING_H

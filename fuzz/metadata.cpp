@@ -5,9 +5,11 @@
 
 #include "fuzzing.h"
 
+#include <integrations/pluginmetadata.h>
 #include <integrations/thing.h>
 
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QSet>
 
 namespace {
