@@ -5,6 +5,7 @@
 
 #include "json.h"
 
+#include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/ioctl.h>
@@ -165,6 +166,13 @@ void ScriptedBackend::setStatus(const QString &infraId, const QString &status)
 void ScriptedBackend::answer(Operation operation, int status, const QByteArray &body)
 {
     m_scripts[operation] = [bytes = response(status, body)](QTcpSocket *socket) { socket->write(bytes); };
+}
+
+void ScriptedBackend::answerInTurn(Operation operation, const QList<QByteArray> &bodies)
+{
+    m_scripts[operation] = [bodies, next = std::make_shared<int>(0)](QTcpSocket *socket) {
+        socket->write(response(200, bodies.at((*next)++ % bodies.size())));
+    };
 }
 
 void ScriptedBackend::hangUp(Operation operation, const QByteArray &bytes)
