@@ -5,29 +5,19 @@
 #define REPLIES_H
 
 #include <QByteArray>
+#include <QList>
 #include <QStringList>
-#include <QVector>
 
-#include <optional>
-
-/*! What a backend reports from poll to poll. */
-enum class Yard {
-    Still,   //!< the same bytes each time: no state changes
-    Mixed,   //!< of four wallboxes two charge, one car is full, one wallbox is free; new time at every poll
-    Charging //!< all charge on three phases, with new time, currents and energy at every poll: the worst case
-};
-
-/*! The yard of that name, in lower case. */
-std::optional<Yard> yardNamed(const QString &name);
-QString nameOf(Yard yard);
+/*! What wallboxes may report from poll to poll:
+    - "still": the same bytes each time, so that no state changes
+    - "mixed": of four wallboxes two charge, one car is full, one wallbox is free; new time at every poll
+    - "charging": all charge on three phases, with new time, currents and energy at every poll: the worst case */
+const QStringList reports{"still", "mixed", "charging"};
 
 /*! The ids of \a wallboxes wallboxes, all of the same length. */
 QStringList infraIds(int wallboxes);
 
-/*! The reply to a group info request. */
-QByteArray groupInfoReply(int wallboxes);
-
 /*! The replies to values requests, to be given in turn and from the start again. */
-QVector<QByteArray> valuesReplies(int wallboxes, Yard yard);
+QList<QByteArray> valuesReplies(int wallboxes, const QString &report);
 
 #endif // REPLIES_H

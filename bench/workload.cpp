@@ -3,89 +3,82 @@
 
 #include "workload.h"
 
-#include "backendprocess.h"
-#include "site.h"
+#include "measuredplugin.h"
+#include "replies.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QNetworkRequest>
+#include <QProcess>
+#include <QTextStream>
+
+#include <memory>
 
 namespace {
 
-/*! Gives out the replies of one kind in turn. */
-class Ring
+/*! Gives out the replies of one kind in turn, each parsed. */
+class ParsedReplies
 {
 public:
-    Ring(int wallboxes, Yard yard)
-        : m_replies(valuesReplies(wallboxes, yard))
+    ParsedReplies(int wallboxes, const QString &report)
+        : m_replies(valuesReplies(wallboxes, report))
     {
     }
 
-    const QByteArray &next() { return m_replies.at(m_next++ % m_replies.size()); }
+    QJsonDocument next() { return QJsonDocument::fromJson(m_replies.at(m_next++ % m_replies.size())); }
 
 private:
-    const QVector<QByteArray> m_replies;
+    const QList<QByteArray> m_replies;
     int m_next = 0;
 };
 
-class Parse : public Workload
+/*! This program once more, as the backend. */
+class BackendProcess
 {
 public:
-    Parse(int wallboxes, Yard yard)
-        : m_ring(wallboxes, yard)
+    BackendProcess(int wallboxes, const QString &report)
     {
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QCoreApplication::applicationFilePath(),
+                        {"backend", QString::number(wallboxes), report});
+        while (!m_process.canReadLine()) {
+            if (!m_process.waitForReadyRead(-1)) // however busy the machine is
+                qFatal("The backend does not start: %s", qPrintable(m_process.errorString()));
+        }
+        url = QString::fromUtf8(m_process.readLine().trimmed());
     }
+    ~BackendProcess()
+    {
+        m_process.terminate();
+        m_process.waitForFinished();
+    }
+    Q_DISABLE_COPY(BackendProcess)
 
-    void run() override { m_document = QJsonDocument::fromJson(m_ring.next()); }
+    QString url;
 
 private:
-    Ring m_ring;
-    QJsonDocument m_document;
+    QProcess m_process;
 };
 
-class Apply : public Workload
+/*! Posts the plugin's values request without the plugin. */
+class BareClient
 {
 public:
-    Apply(int wallboxes, Yard yard)
-        : m_backend(wallboxes, yard)
-        , m_site(QStringLiteral(VELA_PLUGIN_FILE), m_backend.url(), wallboxes)
-        , m_ring(wallboxes, yard)
+    BareClient(const QString &url, int wallboxes)
+        : m_request(QUrl(url + "/vela/get_values/yard"))
     {
-    }
-
-    void run() override
-    {
-        const QJsonObject answer = QJsonDocument::fromJson(m_ring.next()).object();
-        m_site.apply(answer.value(QLatin1String("values")).toObject());
-    }
-
-private:
-    BackendProcess m_backend;
-    Site m_site;
-    Ring m_ring;
-};
-
-class Post : public Workload
-{
-public:
-    Post(int wallboxes, Yard yard)
-        : m_backend(wallboxes, yard)
-        , m_request(QUrl(m_backend.url() + QLatin1String("/vela/get_values/yard")))
-        , m_body(
-              QJsonDocument(QJsonObject{
-                                {QStringLiteral("evse_ids"), QJsonArray::fromStringList(infraIds(wallboxes))},
-                                {QStringLiteral("secret"),   QStringLiteral("s3cret")                       }
-    })
-                  .toJson())
-    {
-        m_request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        const QJsonObject body{
+            {"evse_ids", QJsonArray::fromStringList(infraIds(wallboxes))},
+            {"secret",   "s3cret"                                       }
+        };
+        m_body = QJsonDocument(body).toJson();
+        m_request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
         m_request.setRawHeader("Authorization", "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f");
     }
 
-    void run() override
+    void post()
     {
         QNetworkReply *reply = m_manager.post(m_request, m_body);
         QObject::connect(reply, &QNetworkReply::finished, reply, [this, reply] {
@@ -96,52 +89,41 @@ public:
         m_loop.exec();
     }
 
-    int connections() override { return m_backend.connections(); }
-
 private:
-    BackendProcess m_backend;
     QNetworkAccessManager m_manager;
     QNetworkRequest m_request;
-    const QByteArray m_body;
+    QByteArray m_body;
     QEventLoop m_loop;
-};
-
-class Poll : public Workload
-{
-public:
-    Poll(const QString &pluginFile, int wallboxes, Yard yard)
-        : m_backend(wallboxes, yard)
-        , m_site(pluginFile, m_backend.url(), wallboxes)
-    {
-    }
-
-    void run() override { m_site.poll(); }
-    int connections() override { return m_backend.connections(); }
-
-private:
-    BackendProcess m_backend;
-    Site m_site;
 };
 
 } // namespace
 
-QStringList workloadNames()
+std::function<void()> makeWorkload(const QString &name, int wallboxes, const QString &report)
 {
-    return {QStringLiteral("parse"), QStringLiteral("apply"), QStringLiteral("post"), QStringLiteral("poll"),
-            QStringLiteral("poll-nolog")};
+    const auto replies = std::make_shared<ParsedReplies>(wallboxes, report);
+    if (name == "parse")
+        return [replies] { replies->next(); };
+    const auto backend = std::make_shared<BackendProcess>(wallboxes, report);
+    if (name == "post") {
+        const auto client = std::make_shared<BareClient>(backend->url, wallboxes);
+        return [backend, client] { client->post(); };
+    }
+    const QString file = name == "poll-nolog" ? VELA_NOLOG_PLUGIN_FILE : VELA_PLUGIN_FILE;
+    const auto plugin = std::make_shared<MeasuredPlugin>(file, backend->url, wallboxes);
+    if (name == "apply")
+        return [replies, backend, plugin] {
+            plugin->apply(replies->next().object().value("values").toObject());
+        };
+    return [backend, plugin] { plugin->poll(); };
 }
 
-std::unique_ptr<Workload> makeWorkload(const QString &name, int wallboxes, Yard yard)
+int runBackend(int wallboxes, const QString &report)
 {
-    if (name == QLatin1String("parse"))
-        return std::make_unique<Parse>(wallboxes, yard);
-    if (name == QLatin1String("apply"))
-        return std::make_unique<Apply>(wallboxes, yard);
-    if (name == QLatin1String("post"))
-        return std::make_unique<Post>(wallboxes, yard);
-    if (name == QLatin1String("poll"))
-        return std::make_unique<Poll>(QStringLiteral(VELA_PLUGIN_FILE), wallboxes, yard);
-    if (name == QLatin1String("poll-nolog"))
-        return std::make_unique<Poll>(QStringLiteral(VELA_NOLOG_PLUGIN_FILE), wallboxes, yard);
-    return nullptr;
+    ScriptedBackend backend;
+    const QStringList ids = infraIds(wallboxes);
+    for (const QString &id : ids)
+        backend.setWallbox(id, 32);
+    backend.answerInTurn(ScriptedBackend::Values, valuesReplies(wallboxes, report));
+    QTextStream(stdout) << backend.url() << '\n';
+    return QCoreApplication::exec();
 }

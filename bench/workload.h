@@ -4,34 +4,23 @@
 #ifndef WORKLOAD_H
 #define WORKLOAD_H
 
-#include "replies.h"
+#include <QStringList>
 
-#include <memory>
+#include <functional>
 
-/*! Something to be repeated and measured. */
-class Workload
-{
-public:
-    virtual ~Workload() = default;
-    virtual void run() = 0;
-    /*! Connections to the backend so far; 0 for what needs none. */
-    virtual int connections() { return 0; }
-
-protected:
-    Workload() = default;
-    Q_DISABLE_COPY(Workload)
-};
-
-/*! The workloads' names:
+/*! What can be repeated and measured:
     - "parse": QJsonDocument::fromJson() of a values reply
     - "apply": the same, and the values written to the wallbox things by the plugin
-    - "post": what a bare QNetworkAccessManager needs to post the plugin's values request and to read and
-      drop the reply
+    - "post": a bare QNetworkAccessManager posts the plugin's values request, and reads and drops the reply
     - "poll": a whole poll of the plugin
     - "poll-nolog": the same with the plugin compiled without its debug lines */
-QStringList workloadNames();
+const QStringList workloads{"parse", "apply", "post", "poll", "poll-nolog"};
 
-/*! Null for an unknown \a name. */
-std::unique_ptr<Workload> makeWorkload(const QString &name, int wallboxes, Yard yard);
+/*! Prepares the workload called \a name, with its backend in a process of its own. Each call of what is returned is
+    one repetition. */
+std::function<void()> makeWorkload(const QString &name, int wallboxes, const QString &report);
+
+/*! Is that backend: prints its URL and answers until it is ended. Returns the exit status. */
+int runBackend(int wallboxes, const QString &report);
 
 #endif // WORKLOAD_H
