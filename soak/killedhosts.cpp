@@ -125,6 +125,7 @@ void KilledHosts::start()
     if (m_diskIsSmall)
         fillDisk();
     m_activity = "start";
+    m_undecided += std::exchange(m_pending, {});
     static const int ownNamespace = open("/proc/self/ns/pid", O_RDONLY | O_CLOEXEC);
     if (m_hasNamespaces)
         unshare(CLONE_NEWPID); // for the next process, not for this one
@@ -146,7 +147,7 @@ void KilledHosts::checkStart()
     for (const QString &file : qAsConst(m_leftovers))
         require(!QFile::exists(m_folder.filePath(file)), "The next host has not removed " + file);
     checkThings(answer.value("things").toArray());
-    m_pending.clear();
+    m_undecided.clear();
     m_diskWasFull = false;
 }
 
@@ -170,7 +171,7 @@ void KilledHosts::checkThings(const QJsonArray &things)
     const QSet<QString> reportedIds(reported.keyBegin(), reported.keyEnd());
     const QSet<QString> expected = m_diskWasFull ? m_found - m_removed : reportedIds;
     for (const QString &id : expected)
-        require(m_things.contains(id) || m_pending.contains(gatewayName), "A thing is lost: " + id);
+        require(m_things.contains(id) || m_undecided.contains(gatewayName), "A thing is lost: " + id);
     m_found = QSet<QString>(m_things.keyBegin(), m_things.keyEnd());
     m_removed -= m_found;
 }
@@ -185,7 +186,7 @@ void KilledHosts::checkStates(const QJsonObject &before, const QJsonObject &now)
     for (const char *state : {"totalEnergyConsumed", "timestamp"})
         require(now.value("states")[state].toDouble() >= before.value("states")[state].toDouble(),
                 QString("%1 of %2 has fallen.").arg(state, name));
-    require(m_pending.contains(name) || now.value("states")["power"] == before.value("states")["power"],
+    require(m_undecided.contains(name) || now.value("states")["power"] == before.value("states")["power"],
             "power of " + name + " is not what was reported.");
 }
 

@@ -52,6 +52,7 @@ private:
     std::unique_ptr<HostProcess> m_host;
     QString m_activity;                  // the command that was answered last, or "polling"
     QStringList m_pending;               // the things of the commands that are not answered, in their order
+    QStringList m_undecided;             // the same of hosts that died since the last checkStart()
     QMap<QString, QJsonObject> m_things; // by id, as reported last
     QSet<QString> m_removed;             // ids of things
     QSet<QString> m_found;               // ids of the things that were there at the last checkStart()
