@@ -4,6 +4,7 @@
 #include "killedhosts.h"
 
 #include "soak.h"
+#include "waiting.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -144,8 +145,10 @@ void KilledHosts::checkStart()
         answer = next();
     while (!answer.isEmpty() && !answer.contains("answer"));
     require(answer.value("ok").toBool(), "The host does not start.");
+    // The host may just be writing a file of the same name.
     for (const QString &file : qAsConst(m_leftovers))
-        require(!QFile::exists(m_folder.filePath(file)), "The next host has not removed " + file);
+        require(waitFor([&] { return !QFile::exists(m_folder.filePath(file)); }),
+                "The next host does not remove " + file);
     checkThings(answer.value("things").toArray());
     m_undecided.clear();
     m_diskWasFull = false;
