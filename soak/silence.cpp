@@ -74,11 +74,11 @@ void soakInSilence(const QStringList &arguments)
 {
     CommandLine line("Measures what polls cost while the backend accepts and never answers.",
                      {
-                         {"polls",     "Polls in silence; 1800 are an hour.", "N", "1800"},
-                         {"wallboxes", "Wallboxes, 32 at most.",              "N", "4"   },
+                         {"polls",     "Polls in silence, 1800 at least: an hour.", "N", "1800"},
+                         {"wallboxes", "Wallboxes, 32 at most.",                    "N", "4"   },
     });
     line.read(arguments);
-    const int polls = line.wholeNumber("polls", 6, 1000000);
+    const int polls = line.wholeNumber("polls", 1800, 1000000);
     QLoggingCategory::setFilterRules("Vela.debug=false");
     Site site;
     for (int i = 1; i <= line.wholeNumber("wallboxes", 1, 32); ++i) {
