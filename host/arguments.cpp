@@ -5,32 +5,118 @@
 
 #include "values.h"
 
-QString readAssignments(const QStringList &assignments, const ParamTypes &types, ParamList *params)
+#include <algorithm>
+#include <glib.h>
+
+namespace {
+
+/*! The words of \a line; none where it is blank or GLib refuses it. */
+QStringList words(const QByteArray &line, bool *isRefused)
 {
+    GError *error = nullptr;
+    gchar **words = nullptr;
+    g_shell_parse_argv(line.constData(), nullptr, &words, &error);
+    *isRefused = error && error->code != G_SHELL_ERROR_EMPTY_STRING;
+    QStringList result;
+    for (gchar **word = words; word && *word; ++word)
+        result.append(QString::fromUtf8(*word));
+    g_strfreev(words);
+    g_clear_error(&error);
+    return result;
+}
+
+QString idText(const Thing *thing)
+{
+    return thing->id().toString(QUuid::WithoutBraces);
+}
+
+/*! A few of the things by name, and by id where the name alone would not tell. */
+QString listed(const Things &things)
+{
+    constexpr int most = 8;
+    QStringList texts;
+    const QList<Thing *> first = things.mid(0, most);
+    for (const Thing *thing : first) {
+        const auto count = std::count_if(things.cbegin(), things.cend(), [thing](const Thing *other) {
+            return other->name() == thing->name();
+        });
+        texts.append(count == 1 ? thing->name()
+                                : QStringLiteral("%1 (%2)").arg(thing->name(), idText(thing)));
+    }
+    if (things.size() > most)
+        texts.append(QStringLiteral("…"));
+    return texts.join(QStringLiteral(", "));
+}
+
+template <typename Predicate> Things matching(const Things &things, Predicate predicate)
+{
+    Things result;
+    std::copy_if(things.cbegin(), things.cend(), std::back_inserter(result), predicate);
+    return result;
+}
+
+} // namespace
+
+tl::expected<QStringList, QString> splitWords(const QString &line)
+{
+    // To GLib a carriage return is a part of a word.
+    const QByteArray text = QString(line).replace(QLatin1Char('\r'), QLatin1Char(' ')).toUtf8();
+    bool isRefused = false;
+    const QStringList result = words(text, &isRefused);
+    if (!isRefused)
+        return result;
+    // GLib's own message is in the language of the environment. What completes the line tells what it lacks.
+    words(text + 'x', &isRefused);
+    if (!isRefused)
+        return tl::unexpected(QStringLiteral("Trailing backslash."));
+    words(text + '\'', &isRefused);
+    return tl::unexpected(
+        QStringLiteral("A quote (%1) is not closed.").arg(isRefused ? QLatin1Char('"') : QLatin1Char('\'')));
+}
+
+tl::expected<ParamList, QString> readAssignments(const QStringList &assignments, const ParamTypes &types)
+{
+    ParamList params;
     for (const QString &assignment : assignments) {
         const QString name = assignment.section(QLatin1Char('='), 0, 0);
         const ParamType type = types.findByName(name);
         if (!assignment.contains(QLatin1Char('=')))
-            return QStringLiteral("\"%1\" must read PARAM=VALUE.").arg(assignment);
+            return tl::unexpected(QStringLiteral("\"%1\" must read PARAM=VALUE.").arg(assignment));
         if (type.id.isNull())
-            return QStringLiteral("There is no parameter \"%1\"; there are %2.").arg(name, namesOf(types));
-        if (params->hasParam(type.id))
-            return QStringLiteral("Parameter %1 is given twice.").arg(name);
-        const CheckedValue value = parseValue(assignment.section(QLatin1Char('='), 1), ruleFor(type));
-        if (!value.error.isEmpty())
-            return QStringLiteral("Parameter %1 %2.").arg(name, value.error);
-        params->append(Param(type.id, value.value));
+            return tl::unexpected(
+                QStringLiteral("There is no parameter \"%1\"; there are %2.").arg(name, namesOf(types)));
+        if (params.hasParam(type.id))
+            return tl::unexpected(QStringLiteral("Parameter %1 is given twice.").arg(name));
+        params.append(Param(type.id, typedValue(assignment.section(QLatin1Char('='), 1), type.type)));
     }
-    return QString();
+    return checkParams(params, types);
 }
 
-QString readSeconds(const QString &text, std::chrono::milliseconds *time)
+tl::expected<std::chrono::milliseconds, QString> readSeconds(const QString &text)
 {
     constexpr double longest = 86400;
     bool isNumber = false;
     const double seconds = text.toDouble(&isNumber);
     if (!isNumber || !(seconds >= 0 && seconds <= longest))
-        return QStringLiteral("SECONDS must be a number from 0 to %1, not \"%2\".").arg(longest).arg(text);
-    *time = std::chrono::milliseconds(qRound64(seconds * 1000));
-    return QString();
+        return tl::unexpected(
+            QStringLiteral("SECONDS must be a number from 0 to %1, not \"%2\".").arg(longest).arg(text));
+    return std::chrono::milliseconds(qRound64(seconds * 1000));
+}
+
+tl::expected<Thing *, QString> findThing(const Things &things, const QString &text)
+{
+    Things found = matching(things, [&text](const Thing *thing) {
+        return thing->name() == text || idText(thing) == text || thing->id().toString() == text;
+    });
+    if (found.isEmpty() && !text.isEmpty())
+        found = matching(things, [&text](const Thing *thing) {
+            return thing->name().startsWith(text) || idText(thing).startsWith(text);
+        });
+    if (found.size() == 1)
+        return found.first();
+    if (found.size() > 1)
+        return tl::unexpected(QStringLiteral("\"%1\" could be any of %2.").arg(text, listed(found)));
+    return tl::unexpected(
+        QStringLiteral("There is no thing \"%1\"; there are %2.")
+            .arg(text, things.isEmpty() ? QStringLiteral("no things yet") : listed(things)));
 }

@@ -4,33 +4,33 @@
 #ifndef ARGUMENTS_H
 #define ARGUMENTS_H
 
-#include <types/param.h>
-#include <types/paramtype.h>
+#include <integrations/thing.h>
 
 #include <QStringList>
 
 #include <chrono>
-#include <type_traits>
+#include <tl/expected.hpp>
 
-// What a command's arguments mean. Each function returns the sentence that says what is wrong, empty if
-// nothing is.
+// What a line and a command's arguments mean, or the sentence that says what is wrong with them.
 
+/*! Splits \a line as a shell does, without expanding anything: blanks separate, 'single' and "double" quotes
+    and the backslash keep a word together, # at the start of a word begins a comment. */
+tl::expected<QStringList, QString> splitWords(const QString &line);
 /*! Reads NAME=VALUE texts, each naming another one of \a types. */
-[[nodiscard]] QString readAssignments(const QStringList &assignments, const ParamTypes &types,
-                                      ParamList *params);
+tl::expected<ParamList, QString> readAssignments(const QStringList &assignments, const ParamTypes &types);
 /*! Reads a time in seconds, up to a day. */
-[[nodiscard]] QString readSeconds(const QString &text, std::chrono::milliseconds *time);
+tl::expected<std::chrono::milliseconds, QString> readSeconds(const QString &text);
+
+/*! The thing that \a text stands for: a whole name or id goes first, then the beginning of either. Upper and
+    lower case differ, as they do between wallboxes of a group. */
+tl::expected<Thing *, QString> findThing(const Things &things, const QString &text);
 
 /*! The names of whatever has a name, as in "power, state"; "none" without any. */
 template <typename List> QString namesOf(const List &list)
 {
     QStringList names;
-    for (const auto &entry : list) {
-        if constexpr (std::is_convertible_v<decltype(entry.name), QString>)
-            names.append(entry.name);
-        else
-            names.append(QLatin1String(entry.name));
-    }
+    for (const auto &entry : list)
+        names.append(entry.name);
     return names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", "));
 }
 

@@ -5,60 +5,54 @@
 #define COMMANDS_H
 
 #include "daemon.h"
-#include "output.h"
+#include "message.h"
 
-#include <QTimer>
+#include <functional>
+#include <optional>
+#include <tl/expected.hpp>
+#include <variant>
 
-/*! Understands the host's commands and has the daemon carry them out, one after the other. */
-class Commands : public QObject
+/*! What commands work on. */
+struct CommandContext
 {
-    Q_OBJECT
-public:
-    /*! Both must outlive this object. */
-    Commands(Daemon *daemon, Output *output, QObject *parent = nullptr);
-
-    /*! Carries out the command in \a line, unless it is blank or a comment. Only while none is pending. */
-    void execute(const QString &line);
-    /*! The last command is not answered yet; answered() follows. */
-    bool isPending() const;
-    /*! Ends a "watch" without a time; other commands go on. */
-    void interrupt();
-
-Q_SIGNALS:
-    void answered();
-    void quitRequested();
-
-private:
-    struct Command;
-    static const QVector<Command> &table();
-    QString run(const Command &command, const QStringList &arguments);
-
-    // One command each: starts it and returns what is wrong with the arguments, or an empty text.
-    QString classes(const QStringList &arguments);
-    QString discover(const QStringList &arguments);
-    QString add(const QStringList &arguments);
-    QString things(const QStringList &arguments);
-    QString show(const QStringList &arguments);
-    QString set(const QStringList &arguments);
-    QString setup(const QStringList &arguments);
-    QString remove(const QStringList &arguments);
-    QString watch(const QStringList &arguments);
-    QString wait(const QStringList &arguments);
-    QString help(const QStringList &arguments);
-    QString quit(const QStringList &arguments);
-
-    void answerWith(ThingJob *job, Thing *thing);
-    void takeOffers(const ThingDiscoveryInfo *info);
-    void drawWatch();
-    void finish();
-
-    Daemon *const m_daemon;
-    Output *const m_output;
-    QString m_command; // the pending one; empty for none
-    bool m_isOpenEnded = false;
-    ThingDescriptors m_offers; // of the last discovery
-    QTimer m_waitTimer;        // runs out at the end of "wait" and "watch"
-    QTimer m_drawTimer;
+    Daemon *daemon;
+    ThingDescriptors offers; //!< of the last discovery
 };
+
+/*! A job that a command has started. Its end is the answer, to which \a message adds what the command has to
+    tell. */
+struct StartedJob
+{
+    ThingJob *job;
+    std::function<Message()> message;
+};
+
+/*! The answer comes when the time is over. */
+struct Pause
+{
+    std::optional<std::chrono::milliseconds> time; //!< none: at the next line or the end of the input
+    bool showsWallboxes = false;                   //!< meanwhile, every second
+};
+
+/*! Carries out a command. What it returns is the answer, now or later; the error says what is wrong with the
+    arguments. \a context must outlive a started job. */
+template <typename Result>
+using CommandFunction = tl::expected<Result, QString> (*)(CommandContext *context,
+                                                          const QStringList &arguments);
+
+/*! A command of the host: a row of the table at the end of the source. */
+struct Command
+{
+    const char *name;
+    const char *arguments; //!< what follows, for the reader and for counting; optional in brackets
+    const char *summary;
+    std::variant<CommandFunction<Message>, CommandFunction<StartedJob>, CommandFunction<Pause>> run;
+
+    QString usage() const;
+    bool takes(int argumentCount) const;
+    bool startsJob() const { return std::holds_alternative<CommandFunction<StartedJob>>(run); }
+};
+
+const QVector<Command> &commands();
 
 #endif // COMMANDS_H

@@ -39,7 +39,7 @@ ino_t fileNumber(const QSettings &settings)
 
 } // namespace
 
-Daemon::Daemon(const Options &options, QObject *parent)
+Daemon::Daemon(const DaemonOptions &options, QObject *parent)
     : ThingManager(parent)
     , m_options(options)
     , m_folder(options.storageFolder)
@@ -67,11 +67,11 @@ QString Daemon::load()
     QString folderError = m_folder.claim();
     if (!folderError.isEmpty())
         return folderError;
-    LoadedPlugin loaded = loadPlugin(m_options.pluginFile);
-    if (!loaded.plugin)
-        return loaded.error;
-    m_plugin.reset(loaded.plugin);
-    m_metadata = loaded.metadata;
+    const auto loaded = loadPlugin(m_options.pluginFile);
+    if (!loaded)
+        return loaded.error();
+    m_plugin.reset(loaded->plugin);
+    m_metadata = loaded->metadata;
     QString storeError = m_store.read(m_metadata.thingClasses(), this, &m_things);
     if (!storeError.isEmpty()) {
         m_plugin.reset();
@@ -105,38 +105,18 @@ void Daemon::restoreThings()
     }
 }
 
-IntegrationPlugin *Daemon::plugin() const
-{
-    return m_plugin.get();
-}
-
-ThingClasses Daemon::thingClasses() const
-{
-    return m_metadata.thingClasses();
-}
-
-HardwareManager *Daemon::hardwareManager()
-{
-    return &m_hardwareManager;
-}
-
-Things Daemon::configuredThings() const
-{
-    return m_things;
-}
-
 ThingDiscoveryInfo *Daemon::discover(const ThingClassId &thingClassId, const ParamList &params)
 {
     const ThingClass thingClass = thingClasses().findById(thingClassId);
-    const CheckedParams checked = checkParams(params, thingClass.discoveryParamTypes);
-    auto *info = new ThingDiscoveryInfo(thingClassId, checked.params, m_options.jobTimeout, this);
+    const auto checked = checkParams(params, thingClass.discoveryParamTypes);
+    auto *info = new ThingDiscoveryInfo(thingClassId, checked.value_or(params), m_options.jobTimeout, this);
     if (thingClass.id.isNull())
         return refused(info, Thing::ThingErrorThingClassNotFound, tr("The plugin has no such thing class."));
     if (!thingClass.createMethods.contains(QLatin1String("discovery")))
         return refused(info, Thing::ThingErrorCreationMethodNotSupported,
                        tr("Things of class %1 are not found by discovery.").arg(thingClass.name));
-    if (!checked.error.isEmpty())
-        return refused(info, Thing::ThingErrorInvalidParameter, checked.error);
+    if (!checked)
+        return refused(info, Thing::ThingErrorInvalidParameter, checked.error());
     m_plugin->discoverThings(info);
     return info;
 }
@@ -151,18 +131,18 @@ ThingSetupInfo *Daemon::add(const ThingDescriptor &descriptor)
     const ThingClass thingClass = thingClasses().findById(descriptor.thingClassId());
     if (thingClass.id.isNull())
         return refuse(Thing::ThingErrorThingClassNotFound, tr("The plugin has no such thing class."));
-    const CheckedParams checked = checkParams(descriptor.params(), thingClass.paramTypes);
-    if (!checked.error.isEmpty())
-        return refuse(Thing::ThingErrorInvalidParameter, checked.error);
+    const auto params = checkParams(descriptor.params(), thingClass.paramTypes);
+    if (!params)
+        return refuse(Thing::ThingErrorInvalidParameter, params.error());
     if (!descriptor.parentId().isNull() && !find(descriptor.parentId()))
         return refuse(Thing::ThingErrorThingNotFound, tr("The parent thing does not exist."));
     if (descriptor.thingId().isNull())
-        return addNew(descriptor, thingClass, checked.params);
+        return addNew(descriptor, thingClass, *params);
 
     Thing *thing = m_things.findById(descriptor.thingId());
     if (!thing || thing->thingClassId() != thingClass.id)
         return refuse(Thing::ThingErrorThingNotFound, tr("The thing to be reconfigured does not exist."));
-    return reconfigure(thing, checked.params);
+    return reconfigure(thing, *params);
 }
 
 ThingSetupInfo *Daemon::addNew(const ThingDescriptor &descriptor, const ThingClass &thingClass,
@@ -247,23 +227,26 @@ void Daemon::discard(Thing *thing)
     thing->deleteLater();
 }
 
-ThingActionInfo *Daemon::execute(Thing *thing, const Action &action)
+ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const QVariant &value)
 {
-    const CheckedParams checked = checkAction(thing, action);
-    auto *info = new ThingActionInfo(thing, Action(action.actionTypeId(), thing->id(), checked.params),
-                                     m_options.jobTimeout);
-    if (!checked.error.isEmpty())
-        return refused(info, Thing::ThingErrorInvalidParameter, checked.error);
+    const ActionType type = thing->thingClass().actionTypes.findByName(stateName);
+    ParamType rule = type.paramTypes.value(0);
+    // The metadata's limits are where the state's own began; the plugin may have moved them.
+    rule.minValue = thing->state(stateName).minValue();
+    rule.maxValue = thing->state(stateName).maxValue();
+    const auto checked = checkValue(value, rule);
+    const ParamList params(QList<Param>{Param(rule.id, checked.value_or(value))});
+    auto *info = new ThingActionInfo(thing, Action(type.id, thing->id(), params), m_options.jobTimeout);
+    if (type.id.isNull())
+        return refused(info, Thing::ThingErrorInvalidParameter,
+                       tr("%1 has no such action.").arg(thing->name()));
+    if (!checked)
+        return refused(info, Thing::ThingErrorInvalidParameter,
+                       tr("Parameter %1 %2.").arg(stateName, checked.error()));
     if (thing->setupStatus() != Thing::ThingSetupStatusComplete)
         return refused(info, Thing::ThingErrorSetupFailed, tr("%1 is not set up.").arg(thing->name()));
     m_plugin->executeAction(info);
     return info;
-}
-
-ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const QVariant &value)
-{
-    const ActionType type = thing->thingClass().actionTypes.findByName(stateName);
-    return execute(thing, Action(type.id, thing->id(), {{Param(ParamTypeId(type.id), value)}}));
 }
 
 void Daemon::remove(Thing *thing)
@@ -305,7 +288,7 @@ void Daemon::onAutoThingDisappeared(const ThingId &thingId)
     if (Thing *thing = find(thingId))
         remove(thing);
     else
-        qCWarning(dcHost) << "A thing that is not there is said to have disappeared:" << thingId;
+        qCWarning(dcHost) << "Unknown thing reported as gone:" << thingId;
 }
 
 bool Daemon::commit()

@@ -4,6 +4,7 @@
 #ifndef DAEMON_H
 #define DAEMON_H
 
+#include "daemonoptions.h"
 #include "statechanges.h"
 #include "storagefolder.h"
 #include "thingstore.h"
@@ -12,7 +13,6 @@
 
 #include <QTimer>
 
-#include <chrono>
 #include <memory>
 
 /*! Plays the daemon for one plugin: owns the things and the storage, calls the plugin and takes its news.
@@ -27,13 +27,7 @@ class Daemon : public ThingManager
 {
     Q_OBJECT
 public:
-    struct Options
-    {
-        QString pluginFile;
-        QString storageFolder;
-        std::chrono::milliseconds jobTimeout = std::chrono::seconds(30); //!< 0: jobs may wait for ever
-    };
-    explicit Daemon(const Options &options, QObject *parent = nullptr);
+    explicit Daemon(const DaemonOptions &options, QObject *parent = nullptr);
     ~Daemon() override;
 
     /*! Claims the storage, loads and initialises the plugin and starts the set-up of the stored things,
@@ -42,11 +36,11 @@ public:
     [[nodiscard]] QString load();
 
     /*! The loaded plugin, ours; null before load(). */
-    IntegrationPlugin *plugin() const;
-    ThingClasses thingClasses() const;
-    HardwareManager *hardwareManager();
+    IntegrationPlugin *plugin() const { return m_plugin.get(); }
+    ThingClasses thingClasses() const { return m_metadata.thingClasses(); }
+    HardwareManager *hardwareManager() { return &m_hardwareManager; }
 
-    Things configuredThings() const override;
+    Things configuredThings() const override { return m_things; }
 
     /*! Asks the plugin for things of the class that fit \a params, by discovery parameter type. */
     ThingDiscoveryInfo *discover(const ThingClassId &thingClassId, const ParamList &params);
@@ -55,10 +49,8 @@ public:
     ThingSetupInfo *add(const ThingDescriptor &descriptor);
     /*! Runs the set-up of \a thing again, unless one is pending. */
     ThingSetupInfo *setup(Thing *thing);
-    /*! Executes \a action on \a thing, which must be set up. Its values are checked against their types and
-        the limits that are in force for the states of the same ids. */
-    ThingActionInfo *execute(Thing *thing, const Action &action);
-    /*! The action that sets the writable state \a stateName. */
+    /*! Executes the action that sets the writable state \a stateName of \a thing, which must be set up. The
+        value is checked against the state's type and the limits in force for it. */
     ThingActionInfo *execute(Thing *thing, const QString &stateName, const QVariant &value);
     /*! Removes \a thing, its children first; their pending jobs finish with ThingErrorThingNotFound. The
         objects are deleted later. */
@@ -101,7 +93,7 @@ private:
     Thing *find(const ThingId &thingId) const;
     Things childrenOf(const Thing *thing) const;
 
-    const Options m_options;
+    const DaemonOptions m_options;
     StorageFolder m_folder;
     ThingStore m_store;
     HardwareManager m_hardwareManager;

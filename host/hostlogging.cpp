@@ -5,8 +5,6 @@
 
 #include "printable.h"
 
-#include <QDateTime>
-
 #include <cstdio>
 #include <unistd.h>
 
@@ -14,50 +12,30 @@ Q_LOGGING_CATEGORY(dcHost, "Host")
 
 namespace {
 
-QLatin1String levelName(QtMsgType type)
-{
-    switch (type) {
-    case QtDebugMsg:
-        return QLatin1String("debug");
-    case QtInfoMsg:
-        return QLatin1String("info");
-    case QtWarningMsg:
-        return QLatin1String("warning");
-    case QtCriticalMsg:
-        return QLatin1String("critical");
-    case QtFatalMsg:
-        break;
-    }
-    return QLatin1String("fatal");
-}
-
 void writeRecord(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    QStringList lines = message.split(QLatin1Char('\n'));
+    QStringList lines = qFormatLogMessage(type, context, message).split(QLatin1Char('\n'));
     for (QString &line : lines)
         line = printable(line);
-    const QString text = lines.join(QLatin1String("\n    "));
-    const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
-    const QString record =
-        QStringLiteral("%1 %2 %3: ").arg(time, levelName(type), QLatin1String(context.category));
-    const QByteArray line = (record + text).toUtf8() + '\n';
+    const QByteArray record = lines.join(QLatin1String("\n    ")).toUtf8() + '\n';
     // In one piece, so that records of several processes on one terminal do not mix.
-    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+    std::fwrite(record.constData(), 1, size_t(record.size()), stderr);
 }
 
 } // namespace
 
-void setLogRules(const QString &rules)
+QString takeEnvironmentLogRules()
 {
-    // In the environment, where Qt's highest rules are.
-    constexpr char variable[] = "QT_LOGGING_RULES";
-    if (!rules.isEmpty())
-        qputenv(variable, rules.toUtf8());
-    else if (!qEnvironmentVariableIsSet(variable) && ::isatty(STDERR_FILENO))
-        qputenv(variable, "*.debug=false");
+    const QString rules = qEnvironmentVariable("QT_LOGGING_RULES");
+    qunsetenv("QT_LOGGING_RULES");
+    return rules;
 }
 
-void installLogHandler()
+void startLogging(QString rules)
 {
+    if (rules.isEmpty() && ::isatty(STDERR_FILENO))
+        rules = QStringLiteral("*.debug=false");
+    QLoggingCategory::setFilterRules(rules.replace(QLatin1Char(';'), QLatin1Char('\n')));
+    qSetMessagePattern(QStringLiteral("%{time yyyy-MM-ddTHH:mm:ss.zzz} %{type} %{category}: %{message}"));
     qInstallMessageHandler(writeRecord);
 }

@@ -6,16 +6,17 @@
 
 #include <QLoggingCategory>
 
-/*! Category "Host": what the daemon's player itself has to say. */
+/*! Category "Host": the host's own messages. */
 Q_DECLARE_LOGGING_CATEGORY(dcHost)
 
-/*! Sets which records are written: \a rules, or what the environment says where \a rules is empty. With
-   neither, debug records are left out when standard error is a terminal. Call it before QCoreApplication
-   exists. */
-void setLogRules(const QString &rules);
+/*! Takes the logging rules out of the environment and returns them. There they would go before those of
+    startLogging(). Call it before QCoreApplication exists. */
+QString takeEnvironmentLogRules();
 
 /*! Writes log records to standard error: "2026-01-31T12:34:56.789 warning Vela: text". A record begins with
-   its time, further lines of its text with spaces; printable() guards each of them. */
-void installLogHandler();
+    its time, further lines of its text with spaces; printable() guards each of them. \a rules choose the
+    records, separated by semicolons; without any, debug records are left out when standard error is a
+    terminal. */
+void startLogging(QString rules);
 
 #endif // HOSTLOGGING_H

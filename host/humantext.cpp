@@ -3,15 +3,24 @@
 
 #include "humantext.h"
 
+#include "thingjson.h"
 #include "values.h"
 
 #include <algorithm>
 
 namespace {
 
-QString stateText(const Thing *thing, const StateType &type)
+/*! "(6 to 32 A, can be set)"; empty where there is nothing to say. */
+QString limitsText(const State &state, const StateType &type)
 {
-    return QStringLiteral("%1 %2").arg(type.name, valueText(thing->stateValue(type.id), type.unit));
+    QStringList texts;
+    if (state.minValue().isValid() && state.maxValue().isValid())
+        texts.append(
+            QStringLiteral("%1 to %2")
+                .arg(valueText(state.minValue(), Types::UnitNone), valueText(state.maxValue(), type.unit)));
+    if (type.writable)
+        texts.append(QStringLiteral("can be set"));
+    return texts.isEmpty() ? QString() : QStringLiteral("(%1)").arg(texts.join(QStringLiteral(", ")));
 }
 
 } // namespace
@@ -20,11 +29,9 @@ QStringList aligned(const QVector<QStringList> &rows)
 {
     QVector<int> widths;
     for (const QStringList &row : rows) {
-        for (int i = 0; i < row.size(); ++i) {
-            if (i == widths.size())
-                widths.append(0);
+        widths.resize(std::max(widths.size(), row.size()));
+        for (int i = 0; i < row.size(); ++i)
             widths[i] = std::max(widths.at(i), row.at(i).size());
-        }
     }
     QStringList lines;
     for (const QStringList &row : rows) {
@@ -47,34 +54,57 @@ QString setupText(const Thing *thing)
         return QStringLiteral("set-up pending");
     case Thing::ThingSetupStatusFailed:
         return QStringLiteral("set-up failed");
-    case Thing::ThingSetupStatusNone:
-        break;
+    default:
+        return QStringLiteral("not set up");
     }
-    return QStringLiteral("not set up");
 }
 
 QString mainStates(const Thing *thing)
 {
-    QStringList texts;
-    for (const char *name : {"connected", "state", "power", "maxChargingCurrent", "currentPower"}) {
-        const StateType type = thing->thingClass().stateTypes.findByName(QLatin1String(name));
-        if (!type.id.isNull())
-            texts.append(stateText(thing, type));
-    }
     const StateTypes types = thing->thingClass().stateTypes;
-    for (int i = 0; texts.isEmpty() && i < types.size(); ++i)
-        texts.append(stateText(thing, types.at(i)));
+    QStringList texts;
+    const auto add = [&](const StateType &type) {
+        if (!type.id.isNull())
+            texts.append(
+                QStringLiteral("%1 %2").arg(type.name, valueText(thing->stateValue(type.id), type.unit)));
+    };
+    for (const char *name : {"connected", "state", "power", "maxChargingCurrent", "currentPower"})
+        add(types.findByName(QLatin1String(name)));
+    if (texts.isEmpty())
+        add(types.value(0));
     return texts.join(QStringLiteral(", "));
 }
 
-QString limitsText(const State &state, const StateType &type)
+QStringList description(const Thing *thing, const Thing *parent)
 {
-    QStringList texts;
-    if (state.minValue().isValid() && state.maxValue().isValid())
-        texts.append(
-            QStringLiteral("%1 to %2")
-                .arg(valueText(state.minValue(), Types::UnitNone), valueText(state.maxValue(), type.unit)));
-    if (type.writable)
-        texts.append(QStringLiteral("can be set"));
-    return texts.isEmpty() ? QString() : QStringLiteral("(%1)").arg(texts.join(QStringLiteral(", ")));
+    const ThingClass thingClass = thing->thingClass();
+    QString setup = setupText(thing);
+    if (!thing->setupDisplayMessage().isEmpty())
+        setup += QStringLiteral(": ") + thing->setupDisplayMessage();
+    const QVector<QStringList> facts{
+        {QStringLiteral("name"),   thing->name()                                   },
+        {QStringLiteral("id"),     thing->id().toString(QUuid::WithoutBraces)      },
+        {QStringLiteral("class"),  thingClass.name                                 },
+        {QStringLiteral("parent"), parent ? parent->name() : QStringLiteral("none")},
+        {QStringLiteral("set-up"), setup                                           }
+    };
+    QVector<QStringList> values;
+    for (const ParamType &type : thingClass.paramTypes)
+        values.append(
+            {QStringLiteral("parameter ") + type.name, valueText(thing->paramValue(type.id), type.unit)});
+    for (const StateType &type : thingClass.stateTypes) {
+        const State state = thing->state(type.id);
+        values.append({QStringLiteral("state ") + type.name, valueText(state.value(), type.unit),
+                       limitsText(state, type)});
+    }
+    return aligned(facts) + aligned(values);
+}
+
+QString errorText(const ThingJob *job)
+{
+    if (job->status() == Thing::ThingErrorNoError)
+        return QString();
+    const QString text = job->displayMessage().isEmpty() ? errorName(job->status()) : job->displayMessage();
+    const bool hasTimedOut = job->status() == Thing::ThingErrorTimeout;
+    return hasTimedOut ? text + QLatin1String(" Warnings in the log may tell why.") : text;
 }

@@ -4,7 +4,7 @@
 #ifndef HUMANTEXT_H
 #define HUMANTEXT_H
 
-#include <integrations/thing.h>
+#include <integrations/thingjob.h>
 
 #include <QStringList>
 #include <QVector>
@@ -15,7 +15,9 @@ QStringList aligned(const QVector<QStringList> &rows);
 QString setupText(const Thing *thing);
 /*! The states by which people know how a thing is; the first one for an unknown kind of thing. */
 QString mainStates(const Thing *thing);
-/*! "(6 to 32 A, can be set)"; empty where there is nothing to say. */
-QString limitsText(const State &state, const StateType &type);
+/*! All about \a thing; \a parent may be null. */
+QStringList description(const Thing *thing, const Thing *parent);
+/*! What went wrong, in one sentence; empty for a job without error. */
+QString errorText(const ThingJob *job);
 
 #endif // HUMANTEXT_H

@@ -16,9 +16,11 @@ LineReader::LineReader(int fd, QObject *parent)
     connect(&m_notifier, &QSocketNotifier::activated, this, &LineReader::read);
 }
 
-void LineReader::setPaused(bool paused)
+QString LineReader::takeLine()
 {
-    m_notifier.setEnabled(!paused && !m_atEnd);
+    QString line = m_lines.dequeue();
+    m_notifier.setEnabled(m_lines.isEmpty() && !m_isAtEnd);
+    return line;
 }
 
 void LineReader::read()
@@ -27,21 +29,18 @@ void LineReader::read()
     const ssize_t count = ::read(m_fd, buffer.data(), buffer.size());
     if (count < 0 && (errno == EINTR || errno == EAGAIN))
         return;
-    if (count > 0)
-        m_rest.append(buffer.data(), static_cast<int>(count));
-    m_atEnd = count <= 0;
-    if (m_atEnd && !m_rest.isEmpty())
+    m_isAtEnd = count <= 0;
+    if (!m_isAtEnd)
+        m_rest.append(buffer.data(), int(count));
+    else if (!m_rest.isEmpty())
         m_rest.append('\n');
     // Only what is new may end a line: looking through all of a long one each time would take its square.
-    if (!m_atEnd && std::memchr(buffer.data(), '\n', static_cast<size_t>(count)) == nullptr)
+    if (!m_isAtEnd && std::memchr(buffer.data(), '\n', size_t(count)) == nullptr)
         return;
-
     QList<QByteArray> lines = m_rest.split('\n');
     m_rest = lines.takeLast();
     for (const QByteArray &line : qAsConst(lines))
-        emit lineRead(QString::fromUtf8(line));
-    if (m_atEnd) {
-        m_notifier.setEnabled(false);
-        emit ended();
-    }
+        m_lines.enqueue(QString::fromUtf8(line));
+    m_notifier.setEnabled(false);
+    emit ready();
 }

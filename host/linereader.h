@@ -5,9 +5,11 @@
 #define LINEREADER_H
 
 #include <QObject>
+#include <QQueue>
 #include <QSocketNotifier>
 
-/*! Reads UTF-8 lines from a file descriptor as they arrive, without holding up the event loop. */
+/*! Reads UTF-8 lines from a file descriptor as they arrive, without holding up the event loop. Reads no more
+    while lines are waiting to be taken. */
 class LineReader : public QObject
 {
     Q_OBJECT
@@ -15,21 +17,23 @@ public:
     /*! \a fd stays the caller's: a terminal, pipe, FIFO, socket or file. */
     explicit LineReader(int fd, QObject *parent = nullptr);
 
-    /*! A paused reader leaves the input where it is. Lines that it has read already still come. */
-    void setPaused(bool paused);
+    bool hasLine() const { return !m_lines.isEmpty(); }
+    QString takeLine();
+    /*! Nothing follows: the input has ended, or cannot be read. */
+    bool isAtEnd() const { return m_isAtEnd && m_lines.isEmpty(); }
 
 Q_SIGNALS:
-    void lineRead(const QString &line);
-    /*! End of input or an error; nothing follows. */
-    void ended();
+    /*! There is a line, or the input has ended. */
+    void ready();
 
 private:
     void read();
 
     const int m_fd;
-    bool m_atEnd = false;
     QSocketNotifier m_notifier;
     QByteArray m_rest; // of an unfinished line
+    QQueue<QString> m_lines;
+    bool m_isAtEnd = false;
 };
 
 #endif // LINEREADER_H

@@ -3,8 +3,11 @@
 
 #include "livetable.h"
 
+#include "printable.h"
+
 #include <algorithm>
-#include <numeric>
+#include <array>
+#include <utility>
 
 namespace {
 
@@ -43,38 +46,31 @@ constexpr struct
 constexpr int mostForName = 28;
 constexpr int mostForBar = 20;
 
-struct Layout
-{
-    int widths[ColumnCount]; // 0: left out
-};
+using Widths = std::array<int, ColumnCount>; // 0: the column is left out
 
-int usedWidth(const Layout &layout)
+int usedWidth(const Widths &widths)
 {
     int used = -1; // one blank between columns
-    for (const int width : layout.widths)
+    for (const int width : widths)
         used += width == 0 ? 0 : width + 1;
     return used;
 }
 
-Layout layoutFor(int width)
+Widths widthsFor(int screenWidth)
 {
-    Layout layout;
+    Widths widths;
     for (int i = 0; i < ColumnCount; ++i)
-        layout.widths[i] = columns[i].width;
-    for (int importance = 1; usedWidth(layout) > width && importance < columns[NameColumn].importance;
-         ++importance) {
-        for (int i = 0; i < ColumnCount; ++i) {
-            if (columns[i].importance == importance)
-                layout.widths[i] = 0;
-        }
+        widths[i] = columns[i].width;
+    for (int importance = 1; usedWidth(widths) > screenWidth && importance < ColumnCount; ++importance) {
+        for (int i = 0; i < ColumnCount; ++i)
+            widths[i] = columns[i].importance == importance ? 0 : widths[i];
     }
-    int spare = std::max(0, width - usedWidth(layout));
-    const int forName = std::min(spare, mostForName - layout.widths[NameColumn]);
-    layout.widths[NameColumn] += forName;
-    spare -= forName;
-    if (layout.widths[BarColumn] > 0)
-        layout.widths[BarColumn] += std::min(spare, mostForBar - layout.widths[BarColumn]);
-    return layout;
+    int spare = std::max(0, screenWidth - usedWidth(widths));
+    const int forName = std::min(spare, mostForName - widths[NameColumn]);
+    widths[NameColumn] += forName;
+    if (widths[BarColumn] > 0)
+        widths[BarColumn] += std::min(spare - forName, mostForBar - widths[BarColumn]);
+    return widths;
 }
 
 QString fitted(const QString &text, int width, const TableStyle &style)
@@ -85,16 +81,15 @@ QString fitted(const QString &text, int width, const TableStyle &style)
 }
 
 /*! Lays \a cells out; \a colour is an ANSI code for the state's cell, empty for none. */
-QString line(const QStringList &cells, const Layout &layout, const TableStyle &style,
+QString line(const QStringList &cells, const Widths &widths, const TableStyle &style,
              const QString &colour = QString())
 {
     QStringList parts;
     for (int i = 0; i < ColumnCount; ++i) {
-        const int width = layout.widths[i];
-        if (width == 0)
+        if (widths[i] == 0)
             continue;
-        const QString cell = fitted(cells.value(i), width, style);
-        QString part = columns[i].isNumber ? cell.rightJustified(width) : cell.leftJustified(width);
+        const QString cell = fitted(cells.value(i), widths[i], style);
+        QString part = columns[i].isNumber ? cell.rightJustified(widths[i]) : cell.leftJustified(widths[i]);
         if (i == StateColumn && !colour.isEmpty())
             part = QStringLiteral("\x1b[%1m%2\x1b[0m").arg(colour, part);
         parts.append(part);
@@ -105,66 +100,78 @@ QString line(const QStringList &cells, const Layout &layout, const TableStyle &s
     return result;
 }
 
+bool isOn(const Thing *wallbox, const char *state)
+{
+    return wallbox->stateValue(QLatin1String(state)).toBool();
+}
+
+double number(const Thing *wallbox, const char *state)
+{
+    return wallbox->stateValue(QLatin1String(state)).toDouble();
+}
+
+/*! In A, of the phase that carries most. */
+double current(const Thing *wallbox)
+{
+    return std::max({number(wallbox, "currentPhaseA"), number(wallbox, "currentPhaseB"),
+                     number(wallbox, "currentPhaseC")});
+}
+
 QString decimals(double value, int count)
 {
     return QString::number(value, 'f', count);
 }
 
-QString carText(const LiveRow &row)
+QString stateText(const Thing *wallbox)
 {
-    if (row.charging)
-        return QStringLiteral("charging");
-    return row.pluggedIn ? QStringLiteral("plugged") : QStringLiteral("-");
+    return isOn(wallbox, "connected") ? printable(wallbox->stateValue(QStringLiteral("state")).toString())
+                                      : QStringLiteral("not connected");
 }
 
-QString bar(const LiveRow &row, int width, bool unicode)
+QString carText(const Thing *wallbox)
 {
-    const double share = row.limit > 0 ? std::clamp(row.current / row.limit, 0.0, 1.0) : 0.0;
+    if (isOn(wallbox, "charging"))
+        return QStringLiteral("charging");
+    return isOn(wallbox, "pluggedIn") ? QStringLiteral("plugged") : QStringLiteral("-");
+}
+
+QString bar(const Thing *wallbox, int width, bool unicode)
+{
+    const double limit = number(wallbox, "maxChargingCurrent");
+    const double share = limit > 0 ? std::clamp(current(wallbox) / limit, 0.0, 1.0) : 0.0;
     const int full = qRound(share * width);
     const QChar fullSign = unicode ? QChar(0x2588) : QLatin1Char('#');
     const QChar emptySign = unicode ? QChar(0x2591) : QLatin1Char('.');
     return QString(full, fullSign) + QString(width - full, emptySign);
 }
 
-QString currentText(const LiveRow &row)
+QString currentText(const Thing *wallbox)
 {
-    const QString limit = row.enabled ? decimals(row.limit, 0) : QStringLiteral("off");
-    return QStringLiteral("%1/%2").arg(decimals(row.current, 1), limit);
+    const QString limit =
+        isOn(wallbox, "power") ? decimals(number(wallbox, "maxChargingCurrent"), 0) : QStringLiteral("off");
+    return QStringLiteral("%1/%2").arg(decimals(current(wallbox), 1), limit);
 }
 
 QString ageText(qint64 timestamp, qint64 now)
 {
     if (timestamp == 0)
-        return QStringLiteral("-");
+        return QStringLiteral("-"); // there are no values yet
     const qint64 age = std::max<qint64>(0, now - timestamp);
-    constexpr struct
-    {
-        qint64 seconds;
-        char sign;
-    } units[] = {
+    constexpr std::pair<qint64, char> units[] = {
         {86400, 'd'},
         {3600,  'h'},
         {60,    'm'}
     };
-    for (const auto &unit : units) {
-        if (age >= 2 * unit.seconds)
-            return QString::number(std::min<qint64>(99, age / unit.seconds)) + QLatin1Char(unit.sign);
+    for (const auto &[seconds, sign] : units) {
+        if (age >= 2 * seconds)
+            return QString::number(std::min<qint64>(99, age / seconds)) + QLatin1Char(sign);
     }
     return QString::number(std::min<qint64>(99, age)) + QLatin1Char('s');
 }
 
-QString stateText(const LiveRow &row)
+QString stateColour(const QString &state)
 {
-    return row.connected ? row.state : QStringLiteral("not connected");
-}
-
-QString stateColour(const LiveRow &row)
-{
-    constexpr struct
-    {
-        const char *state;
-        const char *colour;
-    } colours[] = {
+    constexpr std::pair<const char *, const char *> colours[] = {
         {"Charging",      "32"  },
         {"Preparing",     "33"  },
         {"SuspendedEV",   "33"  },
@@ -174,84 +181,69 @@ QString stateColour(const LiveRow &row)
         {"Reserved",      "36"  },
         {"Available",     "36"  }
     };
-    const QString state = stateText(row);
-    for (const auto &entry : colours) {
-        if (state == QLatin1String(entry.state))
-            return QLatin1String(entry.colour);
+    for (const auto &[name, colour] : colours) {
+        if (state == QLatin1String(name))
+            return QLatin1String(colour);
     }
     return QStringLiteral("2");
 }
 
-QString rowLine(const LiveRow &row, const Layout &layout, const TableStyle &style, qint64 now)
+QString wallboxLine(const Thing *wallbox, const Widths &widths, const TableStyle &style, qint64 now)
 {
-    const QStringList cells{row.name,
-                            stateText(row),
-                            carText(row),
-                            bar(row, layout.widths[BarColumn], style.unicode),
-                            currentText(row),
-                            decimals(row.power / 1000, 2),
-                            decimals(row.sessionEnergy, 2),
-                            decimals(row.totalEnergy, 1),
-                            ageText(row.timestamp, now)};
-    return line(cells, layout, style, style.colour ? stateColour(row) : QString());
+    const QStringList cells{printable(wallbox->name()),
+                            stateText(wallbox),
+                            carText(wallbox),
+                            bar(wallbox, widths[BarColumn], style.unicode),
+                            currentText(wallbox),
+                            decimals(number(wallbox, "currentPower") / 1000, 2),
+                            decimals(number(wallbox, "sessionEnergy"), 2),
+                            decimals(number(wallbox, "totalEnergyConsumed"), 1),
+                            ageText(wallbox->stateValue(QStringLiteral("timestamp")).toLongLong(), now)};
+    return line(cells, widths, style, style.colour ? stateColour(stateText(wallbox)) : QString());
 }
 
-double sum(const QVector<LiveRow> &rows, double LiveRow::*value)
+double sum(const Things &wallboxes, const char *state)
 {
-    return std::accumulate(rows.cbegin(), rows.cend(), 0.0,
-                           [value](double total, const LiveRow &row) { return total + row.*value; });
+    double result = 0;
+    for (const Thing *wallbox : wallboxes)
+        result += number(wallbox, state);
+    return result;
 }
 
-QString totalLine(const QVector<LiveRow> &rows, const Layout &layout, const TableStyle &style)
+QString totalLine(const Things &wallboxes, const Widths &widths, const TableStyle &style)
 {
-    const auto charging =
-        std::count_if(rows.cbegin(), rows.cend(), [](const LiveRow &row) { return row.charging; });
-    QStringList cells{QStringLiteral("Total"), QStringLiteral("%1 of %2").arg(charging).arg(rows.size()),
-                      QStringLiteral("charging")};
-    cells << QString() << QString() << decimals(sum(rows, &LiveRow::power) / 1000, 2)
-          << decimals(sum(rows, &LiveRow::sessionEnergy), 2) << decimals(sum(rows, &LiveRow::totalEnergy), 1);
-    return line(cells, layout, style);
+    const auto charging = std::count_if(wallboxes.cbegin(), wallboxes.cend(),
+                                        [](const Thing *wallbox) { return isOn(wallbox, "charging"); });
+    const QStringList cells{QStringLiteral("Total"),
+                            QStringLiteral("%1 of %2").arg(charging).arg(wallboxes.size()),
+                            QStringLiteral("charging"),
+                            QString(),
+                            QString(),
+                            decimals(sum(wallboxes, "currentPower") / 1000, 2),
+                            decimals(sum(wallboxes, "sessionEnergy"), 2),
+                            decimals(sum(wallboxes, "totalEnergyConsumed"), 1)};
+    return line(cells, widths, style);
 }
 
 } // namespace
 
-LiveRow liveRow(const Thing *wallbox)
+QStringList liveTable(const Things &wallboxes, const TableStyle &style, qint64 now)
 {
-    const auto value = [wallbox](const char *state) { return wallbox->stateValue(QLatin1String(state)); };
-    LiveRow row;
-    row.name = wallbox->name();
-    row.state = value("state").toString();
-    row.connected = value("connected").toBool();
-    row.pluggedIn = value("pluggedIn").toBool();
-    row.charging = value("charging").toBool();
-    row.enabled = value("power").toBool();
-    row.current = std::max({value("currentPhaseA").toDouble(), value("currentPhaseB").toDouble(),
-                            value("currentPhaseC").toDouble()});
-    row.limit = value("maxChargingCurrent").toDouble();
-    row.power = value("currentPower").toDouble();
-    row.sessionEnergy = value("sessionEnergy").toDouble();
-    row.totalEnergy = value("totalEnergyConsumed").toDouble();
-    row.timestamp = value("timestamp").toLongLong();
-    return row;
-}
-
-QStringList liveTable(const QVector<LiveRow> &rows, const TableStyle &style, qint64 now)
-{
-    const Layout layout = layoutFor(style.width);
+    const Widths widths = widthsFor(style.width);
     QStringList titles;
     QStringList units;
     for (const auto &column : columns) {
         titles.append(QLatin1String(column.title));
         units.append(QLatin1String(column.unit));
     }
-    QStringList lines{line(titles, layout, style), line(units, layout, style)};
-    const auto shown = rows.mid(0, style.maxRows);
-    for (const LiveRow &row : shown)
-        lines.append(rowLine(row, layout, style, now));
-    if (rows.size() > style.maxRows)
+    QStringList lines{line(titles, widths, style), line(units, widths, style)};
+    const QList<Thing *> shown = wallboxes.mid(0, style.maxRows);
+    for (const Thing *wallbox : shown)
+        lines.append(wallboxLine(wallbox, widths, style, now));
+    if (wallboxes.size() > style.maxRows)
         lines.append(QStringLiteral("and %1 more; a taller window shows them")
-                         .arg(rows.size() - style.maxRows)
+                         .arg(wallboxes.size() - style.maxRows)
                          .left(style.width));
-    lines.append(totalLine(rows, layout, style));
+    lines.append(totalLine(wallboxes, widths, style));
     return lines;
 }

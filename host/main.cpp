@@ -4,9 +4,7 @@
 #include "daemon.h"
 #include "endsignals.h"
 #include "hostlogging.h"
-#include "humanoutput.h"
-#include "jsonoutput.h"
-#include "options.h"
+#include "hostoptions.h"
 #include "printable.h"
 #include "session.h"
 #include "standardstreams.h"
@@ -14,19 +12,12 @@
 #include <QCoreApplication>
 
 #include <cstdio>
-#include <memory>
 #include <sys/stat.h>
 
 namespace {
 
 int run(const HostOptions &options)
 {
-    std::unique_ptr<Output> output;
-    if (options.json)
-        output = std::make_unique<JsonOutput>();
-    else
-        output = std::make_unique<HumanOutput>();
-
     EndSignals endSignals;
     QObject::connect(&endSignals, &EndSignals::received, qApp, &QCoreApplication::quit);
     // Never deleted, as the platform's daemon lives as long as its process: a plugin may free its last
@@ -37,7 +28,8 @@ int run(const HostOptions &options)
         std::fprintf(stderr, "vela-host: %s\n", qUtf8Printable(printable(error)));
         return EXIT_FAILURE;
     }
-    Session session(daemon, output.get());
+    Output output(options.json);
+    Session session(daemon, &output);
     QObject::connect(&session, &Session::ended, qApp, &QCoreApplication::quit);
     const int status = QCoreApplication::exec();
     if (!daemon->commit()) {
@@ -55,13 +47,11 @@ int main(int argc, char **argv)
 {
     openStandardStreams();
     ::umask(S_IRWXG | S_IRWXO); // the plugin's storage may hold secrets
+    const QString environmentRules = takeEnvironmentLogRules();
+    QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vela-host"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));
-    OptionReader reader;
-    reader.parse(argc, argv);
-    setLogRules(reader.logRules());
-    installLogHandler();
-    QCoreApplication app(argc, argv);
-    const HostOptions options = reader.options(); // ends the process for --help, --version and errors
+    const HostOptions options = readHostOptions();
+    startLogging(options.logRules.isEmpty() ? environmentRules : options.logRules);
     return run(options);
 }

@@ -12,11 +12,9 @@
 
 namespace {
 
-LoadedPlugin failure(const QString &file, const QString &reason)
+tl::unexpected<QString> failure(const QString &file, const QString &reason)
 {
-    LoadedPlugin result;
-    result.error = QStringLiteral("Cannot load plugin %1: %2").arg(file, reason);
-    return result;
+    return tl::unexpected(QStringLiteral("Cannot load plugin %1: %2").arg(file, reason));
 }
 
 /*! The API version that \a file was built for; empty where it does not say. */
@@ -29,7 +27,7 @@ QString apiVersion(const QString &file)
 
 } // namespace
 
-LoadedPlugin loadPlugin(const QString &file)
+tl::expected<LoadedPlugin, QString> loadPlugin(const QString &file)
 {
     // Absolute: QPluginLoader looks for a relative path below the library paths.
     const QString path = QFileInfo(file).absoluteFilePath();
@@ -53,12 +51,13 @@ LoadedPlugin loadPlugin(const QString &file)
                            .arg(version.isEmpty() ? QStringLiteral("unknown") : version,
                                 QLatin1String(LIBNYMEA_API_VERSION)));
 
-    LoadedPlugin result;
-    result.metadata = PluginMetadata(loader.metaData().value(QLatin1String("MetaData")).toObject());
-    if (!result.metadata.isValid())
+    const PluginMetadata metadata(loader.metaData().value(QLatin1String("MetaData")).toObject());
+    if (!metadata.isValid())
         return failure(path,
                        QStringLiteral("its metadata is unusable: %1.")
-                           .arg(result.metadata.validationErrors().join(QLatin1String("; "))));
-    result.plugin = qobject_cast<IntegrationPlugin *>(loader.instance());
-    return result.plugin ? result : failure(path, QStringLiteral("it holds no integration plugin."));
+                           .arg(metadata.validationErrors().join(QLatin1String("; "))));
+    auto *plugin = qobject_cast<IntegrationPlugin *>(loader.instance());
+    if (!plugin)
+        return failure(path, QStringLiteral("it holds no integration plugin."));
+    return LoadedPlugin{plugin, metadata};
 }

@@ -6,18 +6,19 @@
 
 #include <integrations/pluginmetadata.h>
 
+#include <tl/expected.hpp>
+
 class IntegrationPlugin;
 
-/*! A plugin from its file, or the sentence that says why there is none. */
 struct LoadedPlugin
 {
-    IntegrationPlugin *plugin = nullptr; //!< the caller's; deleted, a later load makes a new one
+    IntegrationPlugin *plugin; //!< the caller's; deleted, a later load makes a new one
     PluginMetadata metadata;
-    QString error; //!< names the file
 };
 
 /*! Loads \a file, after checking its interface id, its API version and its metadata. The library stays in
-    the process: unloading it would take code away from objects that may still need it. */
-LoadedPlugin loadPlugin(const QString &file);
+    the process: unloading it would take code away from objects that may still need it. The error is a sentence
+    that names the file. */
+tl::expected<LoadedPlugin, QString> loadPlugin(const QString &file);
 
 #endif // PLUGINLOADER_H

@@ -6,10 +6,12 @@
 
 #include "commands.h"
 #include "linereader.h"
+#include "output.h"
 
-#include <QQueue>
+#include <QTimer>
 
-/*! Brings the commands of standard input to the daemon, in order, and the daemon's news to the output. */
+/*! Reads commands from standard input, has them carried out one after the other, and prints their answers and
+    the daemon's events. */
 class Session : public QObject
 {
     Q_OBJECT
@@ -22,16 +24,34 @@ Q_SIGNALS:
     void ended();
 
 private:
-    void reportEvents(Daemon *daemon);
-    void onLineRead(const QString &line);
+    void reportEvents();
     void executeNext();
+    void execute(const QString &line);
 
+    // The answer to the last command, now or later.
+    void answer(Message message, const QString &error = QString());
+    void answer(const StartedJob &started);
+    void answer(const Pause &pause);
+    void answerJob(Message message, Thing::ThingError status, const QString &displayMessage,
+                   const QString &error);
+    void refuse(const QString &reason);
+
+    void endPause();
+    void drawWallboxes();
+
+    Daemon *const m_daemon;
     Output *const m_output;
-    Commands m_commands;
+    CommandContext m_context;
     LineReader m_reader;
-    QQueue<QString> m_lines;
-    bool m_inputEnded = false;
     bool m_quit = false;
+
+    // The last command
+    QString m_name;
+    const Command *m_command = nullptr; // null: there is none of that name
+    bool m_isPending = false;           // it is not answered yet
+    bool m_isOpenEnded = false;         // the next line ends it
+    QTimer m_pauseTimer;                // runs out at its end
+    QTimer m_drawTimer;
 };
 
 #endif // SESSION_H

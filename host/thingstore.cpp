@@ -52,14 +52,14 @@ QJsonObject toJson(const Thing *thing)
 
 /*! What \a values hold under \a id, if that is what \a rule wants: invalid when it is missing, and with a
     warning when it does not fit. */
-QVariant storedValue(const QJsonObject &values, const QUuid &id, const ValueRule &rule)
+QVariant storedValue(const QJsonObject &values, const QUuid &id, const ParamType &rule)
 {
     if (!values.contains(key(id)))
         return QVariant();
-    const CheckedValue checked = checkValue(values.value(key(id)).toVariant(), rule);
-    if (!checked.error.isEmpty())
-        qCWarning(dcHost).noquote() << "The stored value" << key(id) << "is not used: it" << checked.error;
-    return checked.value;
+    const auto checked = checkValue(values.value(key(id)).toVariant(), rule);
+    if (!checked)
+        qCWarning(dcHost).noquote() << "The stored value" << key(id) << "is not used: it" << checked.error();
+    return checked.value_or(QVariant());
 }
 
 /*! A thing as \a json describes it; a value that is missing or no longer fits leaves the default. */
@@ -71,14 +71,16 @@ Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *
 
     const QJsonObject params = json.value(QLatin1String("params")).toObject();
     for (const ParamType &type : thingClass.paramTypes) {
-        const QVariant value = storedValue(params, type.id, ruleFor(type));
+        const QVariant value = storedValue(params, type.id, type);
         if (value.isValid())
             thing->setParamValue(type.id, value);
     }
     const QJsonObject states = json.value(QLatin1String("states")).toObject();
     for (const StateType &type : thingClass.stateTypes) {
         // Of its type is enough: the limits bind actions, and the plugin moves them.
-        const QVariant value = storedValue(states, type.id, {type.type, {}, {}, type.unit});
+        ParamType rule;
+        rule.type = type.type;
+        const QVariant value = storedValue(states, type.id, rule);
         if (type.cached && value.isValid())
             thing->setStateValue(type.id, value);
     }
@@ -103,33 +105,27 @@ Things parentsFirst(Things things)
     return sorted;
 }
 
-/*! What keeps \a entries from being stored things; empty when nothing does. */
-QString entriesError(const QJsonArray &entries)
-{
-    QSet<QUuid> ids;
-    for (const QJsonValue &entry : entries) {
-        const QUuid id(entry.toObject().value(QLatin1String("id")).toString());
-        if (id.isNull())
-            return QStringLiteral("a thing has no id");
-        if (ids.contains(id))
-            return QStringLiteral("two things have the id %1").arg(id.toString());
-        ids.insert(id);
-    }
-    return QString();
-}
-
-/*! What keeps \a content from being a list of things; if nothing does, \a entries holds them. */
-QString parse(const QByteArray &content, QJsonArray *entries)
+/*! The list of things in \a content, or what keeps it from being one. */
+tl::expected<QJsonArray, QString> parse(const QByteArray &content)
 {
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(content, &parseError);
     if (parseError.error != QJsonParseError::NoError)
-        return parseError.errorString();
+        return tl::unexpected(parseError.errorString());
     const QJsonValue things = document.object().value(QLatin1String("things"));
     if (!things.isArray())
-        return QStringLiteral("there is no list of things");
-    *entries = things.toArray();
-    return entriesError(*entries);
+        return tl::unexpected(QStringLiteral("there is no list of things"));
+    QSet<QUuid> ids;
+    const QJsonArray entries = things.toArray();
+    for (const QJsonValue &entry : entries) {
+        const QUuid id(entry.toObject().value(QLatin1String("id")).toString());
+        if (id.isNull())
+            return tl::unexpected(QStringLiteral("a thing has no id"));
+        if (ids.contains(id))
+            return tl::unexpected(QStringLiteral("two things have the id %1").arg(id.toString()));
+        ids.insert(id);
+    }
+    return entries;
 }
 
 /*! Replaces the file \a name in one step. Returns an empty text, or why the old file is still there. */
@@ -139,16 +135,18 @@ QString replaceFile(const QString &name, const QByteArray &content)
     QFile file(newName);
     // Unbuffered: the write itself meets a full disk. QSaveFile in Qt 5 writes less than 16 kB only when it
     // closes the file, and does not notice there that it failed.
-    const bool isReplaced =
+    const bool isDone =
         openNoFollow(&file, QIODevice::WriteOnly | QIODevice::Unbuffered, O_WRONLY | O_CREAT | O_TRUNC)
         && file.write(content) == content.size()
-        && (::fsync(file.handle()) == 0 || errno == EINVAL) // which says that this file system cannot
+        && (::fsync(file.handle()) == 0 || errno == EINVAL) // EINVAL: the file system cannot sync
         && std::rename(QFile::encodeName(newName).constData(), QFile::encodeName(name).constData()) == 0;
-    if (isReplaced)
+    // Of the first step that failed, read before anything else is called. QFile has no error for content of
+    // which it has written a part.
+    const int error = errno;
+    if (isDone)
         return QString();
-    QString reason = qt_error_string(errno);
     QFile::remove(newName);
-    return reason;
+    return qt_error_string(error);
 }
 
 } // namespace
@@ -163,19 +161,18 @@ QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *th
     QFile file(m_fileName);
     if (!file.exists())
         return QString();
-    QJsonArray entries;
-    QString error;
+    tl::expected<QJsonArray, QString> entries;
     if (openNoFollow(&file, QIODevice::ReadOnly, O_RDONLY)) {
         m_content = file.readAll();
-        error = parse(m_content, &entries);
+        entries = parse(m_content);
     } else {
-        error = qt_error_string(errno);
+        entries = tl::unexpected(qt_error_string(errno));
     }
-    if (!error.isEmpty())
-        return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, error);
+    if (!entries)
+        return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, entries.error());
 
     Things stored;
-    for (const QJsonValue &entry : qAsConst(entries))
+    for (const QJsonValue &entry : qAsConst(*entries))
         restore(entry.toObject(), classes, owner, &stored);
     things->append(parentsFirst(stored));
     return QString();
@@ -201,10 +198,10 @@ QString ThingStore::write(const Things &things)
         entries.append(toJson(thing));
     for (const QJsonValue &stranger : qAsConst(m_strangers))
         entries.append(stranger);
-    const QByteArray content = QJsonDocument(QJsonObject{
-                                                 {QStringLiteral("things"), entries}
-    })
-                                   .toJson();
+    const QJsonObject document{
+        {QStringLiteral("things"), entries}
+    };
+    const QByteArray content = QJsonDocument(document).toJson();
     if (content == m_content)
         return QString();
 

@@ -5,6 +5,9 @@
 
 #include <QDebug>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 ThingClass classNamed(const PluginMetadata &metadata, const char *name)
@@ -12,10 +15,36 @@ ThingClass classNamed(const PluginMetadata &metadata, const char *name)
     return metadata.thingClasses().findByName(QLatin1String(name));
 }
 
+/*! Ends the host at once: whoever misspells something is not to wait for what never happens. */
+[[noreturn]] void refuse(const char *kind, const QString &name)
+{
+    qFatal("The fake plugin has no %s \"%s\".", kind, qPrintable(name));
+}
+
 Param paramOf(const ParamTypes &types, const char *name, const QVariant &value)
 {
-    return Param(types.findByName(QLatin1String(name)).id, value);
+    const ParamTypeId id = types.findByName(QLatin1String(name)).id;
+    if (id.isNull())
+        refuse("parameter", QLatin1String(name));
+    return Param(id, value);
 }
+
+// How a bridge's set-up goes.
+constexpr struct
+{
+    const char *name;
+    bool finishes;
+    bool fails;
+    bool announcesLamps;
+    bool announcesNonsense;
+} steps[] = {
+    {"succeeds",            true,  false, false, false},
+    {"fails",               true,  true,  false, false},
+    {"hangs",               false, false, false, false},
+    {"announces",           true,  false, true,  false},
+    {"announces and fails", true,  true,  true,  false},
+    {"announces nonsense",  true,  false, false, true },
+};
 
 void count(Thing *thing, const QString &state)
 {
@@ -25,7 +54,7 @@ void count(Thing *thing, const QString &state)
 } // namespace
 
 /*! Offers one bridge, the existing one where the address is known; "nobody" answers nothing, "broken" an
- * error. */
+    error. */
 void FakePlugin::discoverThings(ThingDiscoveryInfo *info)
 {
     const ThingClass bridge = classNamed(metadata(), "bridge");
@@ -70,14 +99,19 @@ void FakePlugin::setupBridge(ThingSetupInfo *info)
 {
     count(info->thing(), QStringLiteral("setups"));
     const QString setup = info->thing()->paramValue(QStringLiteral("setup")).toString();
-    if (setup == QLatin1String("fails") || setup == QLatin1String("announces and fails"))
+    const auto *const step = std::find_if(std::begin(steps), std::end(steps), [&setup](const auto &known) {
+        return setup == QLatin1String(known.name);
+    });
+    if (step == std::end(steps))
+        refuse("step", setup);
+    if (step->finishes && step->fails)
         info->finish(Thing::ThingErrorHardwareNotAvailable, QStringLiteral("The bridge does not answer."));
-    else if (setup != QLatin1String("hangs"))
+    else if (step->finishes)
         info->finish(Thing::ThingErrorNoError);
-    if (setup == QLatin1String("announces nonsense"))
-        announceNonsense(info->thing());
-    else if (setup.startsWith(QLatin1String("announces")))
+    if (step->announcesLamps)
         announceLamps(info->thing());
+    if (step->announcesNonsense)
+        announceNonsense(info->thing());
 }
 
 /*! Those that are missing among the bridge's lamps. */
@@ -135,10 +169,10 @@ void FakePlugin::obey(ThingActionInfo *info, const QString &order)
         pluginStorage()->setValue(QStringLiteral("vanished"), true);
         return emit autoThingDisappeared(info->thing()->id());
     }
-    if (order == QLatin1String("blink")) {
-        for (const bool on : {true, false, true, false})
-            info->thing()->setStateValue(QStringLiteral("power"), on);
-    }
+    if (order != QLatin1String("blink"))
+        refuse("order", order);
+    for (const bool on : {true, false, true, false})
+        info->thing()->setStateValue(QStringLiteral("power"), on);
     info->finish(Thing::ThingErrorNoError);
 }
 

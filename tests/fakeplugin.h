@@ -6,9 +6,9 @@
 
 #include <integrations/integrationplugin.h>
 
-/*! A plugin that does to its daemon what few real ones do. A bridge's parameter "setup" says how its set-up
-    goes: "succeeds", "fails", "hangs", or "announces" (finishes, then announces
-    lamps, all in one call), "announces and fails" or "announces nonsense". */
+/*! A plugin that does to its daemon what few real ones do. The parameter "setup" of a bridge names a step of the
+    table in the source, the state "order" of a lamp what the lamp does: "hang", "fail", "vanish" or "blink".
+    A name that it does not know ends the process. */
 class FakePlugin : public IntegrationPlugin
 {
     Q_OBJECT

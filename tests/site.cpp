@@ -59,7 +59,7 @@ Site::~Site()
 
 void Site::start()
 {
-    daemon = std::make_unique<Daemon>(Daemon::Options{m_pluginFile, m_storage.path(), 0ms});
+    daemon = std::make_unique<Daemon>(DaemonOptions{m_pluginFile, m_storage.path(), 0ms});
     timerManager()->findChild<QTimer *>()->stop();
     const QString error = daemon->load();
     if (!error.isEmpty())

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "hostoptions.h"
+
+#include "commandline.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
+
+namespace {
+
+constexpr double longestJob = 86400; // s
+
+constexpr char description[] =
+    R"(Loads an integration plugin and plays the nymea daemon for it: obeys commands on
+standard input, one a line, and prints what happens. "help" lists the commands.
+
+To begin with:
+  discover vela backendUrl=http://127.0.0.1:8080 groupId=yard groupSecret=s3cret
+  add 1
+  watch
+
+Things and plugin storage are kept in the storage folder: what has been reported
+is stored. Log lines go to standard error; without --log, those of the debug level
+only where that is not a terminal.
+
+Both streams must be read: when a pipe is full, the host and its plugin stand
+still until somebody reads on. A first SIGINT, SIGTERM or SIGHUP ends the host in
+good order as soon as it can write, a second one kills it at once (in a shell,
+status 130, 143 or 129). Neither loses what is stored.
+
+Exit status: 0 after "quit", end of input, SIGINT or SIGTERM; 1 when the plugin or
+the storage folder cannot be used, or when things, settings or output could not be
+written until the end; 2 for a wrong option.)";
+
+/*! The plugin that was built together with this program. */
+QString defaultPlugin()
+{
+    const QDir here(QCoreApplication::applicationDirPath());
+    return QDir::cleanPath(here.filePath(QStringLiteral(VELA_DEFAULT_PLUGIN)));
+}
+
+} // namespace
+
+HostOptions readHostOptions()
+{
+    CommandLine line(
+        description,
+        {
+            {"plugin",                                                                                         "The plugin; by default the one built with the host.",      "FILE"},
+            {"storage",
+             "Where things and plugin storage are kept, for one host at a time, a folder in which nobody "
+             "else can "
+             "write; by default vela-host below $XDG_DATA_HOME or ~/.local/share.",                                                                                        "DIR" },
+            {"json",                                                                                           "One JSON object a line on standard output, for programs."},
+            {"job-timeout",
+             "After how long a job that the plugin does not finish ends with ThingErrorTimeout (default 30).",                                                  "SECONDS",       "30"},
+            {"log",
+             "Which log records to write, as Qt's logging rules: Vela.debug=true;Host.debug=false. Goes "
+             "before "
+             "QT_LOGGING_RULES.",                                                                                                                                          "RULES"}
+    });
+    line.read(QCoreApplication::arguments());
+    HostOptions options;
+    options.json = line.isSet("json");
+    options.logRules = line.text("log");
+    options.daemon.pluginFile = line.isSet("plugin") ? line.text("plugin") : defaultPlugin();
+    options.daemon.storageFolder = line.isSet("storage")
+        ? line.text("storage")
+        : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    options.daemon.jobTimeout = line.seconds("job-timeout", longestJob);
+    if (options.daemon.storageFolder.isEmpty())
+        endWithUsageError(QStringLiteral("--storage needs a folder"));
+    return options;
+}

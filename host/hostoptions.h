@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef HOSTOPTIONS_H
+#define HOSTOPTIONS_H
+
+#include "daemonoptions.h"
+
+/*! What the command line of vela-host says. */
+struct HostOptions
+{
+    DaemonOptions daemon;
+    bool json = false;
+    QString logRules; //!< empty: none are given
+};
+/*! Reads the program's command line. Needs QCoreApplication; ends the process where the command line asks
+    for that or has an error. */
+HostOptions readHostOptions();
+
+#endif // HOSTOPTIONS_H
