@@ -11,7 +11,7 @@
 namespace {
 
 /*! The words of \a line; none where it is blank or GLib refuses it. */
-QStringList words(const QByteArray &line, bool *isRefused)
+QStringList shellWords(const QByteArray &line, bool *isRefused)
 {
     GError *error = nullptr;
     gchar **words = nullptr;
@@ -62,14 +62,14 @@ tl::expected<QStringList, QString> splitWords(const QString &line)
     // To GLib a carriage return is a part of a word.
     const QByteArray text = QString(line).replace(QLatin1Char('\r'), QLatin1Char(' ')).toUtf8();
     bool isRefused = false;
-    const QStringList result = words(text, &isRefused);
+    const QStringList result = shellWords(text, &isRefused);
     if (!isRefused)
         return result;
     // GLib's own message is in the language of the environment. What completes the line tells what it lacks.
-    words(text + 'x', &isRefused);
+    shellWords(text + 'x', &isRefused);
     if (!isRefused)
         return tl::unexpected(QStringLiteral("Trailing backslash."));
-    words(text + '\'', &isRefused);
+    shellWords(text + '\'', &isRefused);
     return tl::unexpected(
         QStringLiteral("A quote (%1) is not closed.").arg(isRefused ? QLatin1Char('"') : QLatin1Char('\'')));
 }

@@ -7,23 +7,10 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 namespace {
-
-// In the order of the columns.
-enum Column {
-    NameColumn,
-    StateColumn,
-    CarColumn,
-    BarColumn,
-    CurrentColumn,
-    PowerColumn,
-    SessionColumn,
-    TotalColumn,
-    AgeColumn,
-    ColumnCount
-};
 
 constexpr struct
 {
@@ -32,7 +19,7 @@ constexpr struct
     int width;      // for the name and the bar the least
     bool isNumber;  // to the right
     int importance; // the least important column goes first where there is no room
-} columns[ColumnCount] = {
+} columns[] = {
     {"Wallbox",    "",           7,  false, 9},
     {"OCPP state", "",           13, false, 8},
     {"Car",        "",           8,  false, 4},
@@ -43,10 +30,14 @@ constexpr struct
     {"Total",      "kWh",        8,  true,  1},
     {"Age",        "",           3,  true,  2},
 };
+constexpr int columnCount = std::size(columns);
+constexpr int nameColumn = 0;
+constexpr int stateColumn = 1;
+constexpr int barColumn = 3;
 constexpr int mostForName = 28;
 constexpr int mostForBar = 20;
 
-using Widths = std::array<int, ColumnCount>; // 0: the column is left out
+using Widths = std::array<int, columnCount>; // 0: the column is left out
 
 int usedWidth(const Widths &widths)
 {
@@ -59,17 +50,17 @@ int usedWidth(const Widths &widths)
 Widths widthsFor(int screenWidth)
 {
     Widths widths;
-    for (int i = 0; i < ColumnCount; ++i)
+    for (int i = 0; i < columnCount; ++i)
         widths[i] = columns[i].width;
-    for (int importance = 1; usedWidth(widths) > screenWidth && importance < ColumnCount; ++importance) {
-        for (int i = 0; i < ColumnCount; ++i)
+    for (int importance = 1; usedWidth(widths) > screenWidth && importance < columnCount; ++importance) {
+        for (int i = 0; i < columnCount; ++i)
             widths[i] = columns[i].importance == importance ? 0 : widths[i];
     }
     int spare = std::max(0, screenWidth - usedWidth(widths));
-    const int forName = std::min(spare, mostForName - widths[NameColumn]);
-    widths[NameColumn] += forName;
-    if (widths[BarColumn] > 0)
-        widths[BarColumn] += std::min(spare - forName, mostForBar - widths[BarColumn]);
+    const int forName = std::min(spare, mostForName - widths[nameColumn]);
+    widths[nameColumn] += forName;
+    if (widths[barColumn] > 0)
+        widths[barColumn] += std::min(spare - forName, mostForBar - widths[barColumn]);
     return widths;
 }
 
@@ -85,12 +76,12 @@ QString line(const QStringList &cells, const Widths &widths, const TableStyle &s
              const QString &colour = QString())
 {
     QStringList parts;
-    for (int i = 0; i < ColumnCount; ++i) {
+    for (int i = 0; i < columnCount; ++i) {
         if (widths[i] == 0)
             continue;
         const QString cell = fitted(cells.value(i), widths[i], style);
         QString part = columns[i].isNumber ? cell.rightJustified(widths[i]) : cell.leftJustified(widths[i]);
-        if (i == StateColumn && !colour.isEmpty())
+        if (i == stateColumn && !colour.isEmpty())
             part = QStringLiteral("\x1b[%1m%2\x1b[0m").arg(colour, part);
         parts.append(part);
     }
@@ -193,7 +184,7 @@ QString wallboxLine(const Thing *wallbox, const Widths &widths, const TableStyle
     const QStringList cells{printable(wallbox->name()),
                             stateText(wallbox),
                             carText(wallbox),
-                            bar(wallbox, widths[BarColumn], style.unicode),
+                            bar(wallbox, widths[barColumn], style.unicode),
                             currentText(wallbox),
                             decimals(number(wallbox, "currentPower") / 1000, 2),
                             decimals(number(wallbox, "sessionEnergy"), 2),

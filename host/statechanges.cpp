@@ -12,7 +12,13 @@ void StateChanges::watch(Thing *thing)
         m_values[thing].insert(state.stateTypeId(), state.value());
     connect(thing, &Thing::stateValueChanged, this,
             [this, thing](const StateTypeId &stateTypeId, const QVariant &value) {
-                onStateValueChanged(thing, stateTypeId, value);
+                QVariant &last = m_values[thing][stateTypeId];
+                if (last == value)
+                    return;
+                last = value;
+                m_changes.append({thing, stateTypeId, value});
+                if (m_changes.size() == 1)
+                    emit available();
             });
 }
 
@@ -23,22 +29,4 @@ void StateChanges::forget(Thing *thing)
     m_changes.erase(std::remove_if(m_changes.begin(), m_changes.end(),
                                    [thing](const StateChange &change) { return change.thing == thing; }),
                     m_changes.end());
-}
-
-QVector<StateChange> StateChanges::take()
-{
-    QVector<StateChange> changes;
-    m_changes.swap(changes);
-    return changes;
-}
-
-void StateChanges::onStateValueChanged(Thing *thing, const StateTypeId &stateTypeId, const QVariant &value)
-{
-    QVariant &last = m_values[thing][stateTypeId];
-    if (last == value)
-        return;
-    last = value;
-    m_changes.append({thing, stateTypeId, value});
-    if (m_changes.size() == 1)
-        emit available();
 }

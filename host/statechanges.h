@@ -9,6 +9,8 @@
 #include <QHash>
 #include <QVector>
 
+#include <utility>
+
 struct StateChange
 {
     Thing *thing; //!< the daemon's
@@ -25,15 +27,13 @@ public:
     /*! Ends the watch; changes of \a thing that have not been taken are dropped. */
     void forget(Thing *thing);
 
-    QVector<StateChange> take();
+    QVector<StateChange> take() { return std::exchange(m_changes, {}); }
 
 Q_SIGNALS:
     /*! There are changes to take, after there were none. */
     void available();
 
 private:
-    void onStateValueChanged(Thing *thing, const StateTypeId &stateTypeId, const QVariant &value);
-
     QVector<StateChange> m_changes;
     // The last values seen: a thing also notifies when only a limit has moved.
     QHash<const Thing *, QHash<StateTypeId, QVariant>> m_values;

@@ -82,11 +82,6 @@ QString StorageFolder::linkError() const
     return QString();
 }
 
-QString StorageFolder::path() const
-{
-    return m_path;
-}
-
 qint64 StorageFolder::room() const
 {
     struct statvfs disk;

@@ -26,7 +26,7 @@ public:
      */
     [[nodiscard]] QString claim();
 
-    QString path() const;
+    QString path() const { return m_path; }
     /*! Bytes that can still be written there; the greatest number where the system does not tell. */
     qint64 room() const;
 

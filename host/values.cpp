@@ -71,18 +71,13 @@ QString rangeError(const QVariant &value, const ParamType &rule)
                   : QStringLiteral("must be at most %1").arg(max);
 }
 
-QString unitSymbol(Types::Unit unit)
+QString unitSuffix(Types::Unit unit)
 {
-    switch (unit) {
-    case Types::UnitWatt:
+    if (unit == Types::UnitWatt)
         return QStringLiteral(" W");
-    case Types::UnitKiloWattHour:
+    if (unit == Types::UnitKiloWattHour)
         return QStringLiteral(" kWh");
-    case Types::UnitAmpere:
-        return QStringLiteral(" A");
-    default:
-        return QString();
-    }
+    return unit == Types::UnitAmpere ? QStringLiteral(" A") : QString();
 }
 
 } // namespace
@@ -130,5 +125,5 @@ QString valueText(const QVariant &value, Types::Unit unit)
     // 15 digits hide the last bit's noise of a sum, as in 0.30000000000000004.
     const QString text =
         value.userType() == QMetaType::Double ? QString::number(value.toDouble(), 'g', 15) : value.toString();
-    return text + unitSymbol(unit);
+    return text + unitSuffix(unit);
 }
