@@ -115,10 +115,11 @@ QString Player::finishCase()
 {
     QString difference;
     for (const auto &[name, program] : m_programs) {
-        if (program->process.state() == QProcess::NotRunning)
+        QProcess &process = program->process;
+        if (process.state() == QProcess::NotRunning)
             continue;
-        program->process.terminate();
-        if (!waitFor([&] { return program->process.state() == QProcess::NotRunning; }))
+        process.terminate();
+        if (!waitFor([&process] { return process.state() == QProcess::NotRunning; }))
             difference = name + " does not end";
     }
     m_program = nullptr;
