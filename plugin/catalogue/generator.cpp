@@ -22,6 +22,19 @@ struct Constant
     QString id;
 };
 
+/*! What a thing class has several of. */
+constexpr struct ItemKind
+{
+    const char *key;         // in the description of the thing class
+    const char *pathElement; // for newId()
+    const char *prefix;      // of the constants' names, behind the name of the thing class
+    const char *type;        // of the constants
+} itemKinds[] = {
+    {"paramTypes",          "paramThing",     "Thing",     "ParamTypeId"},
+    {"discoveryParamTypes", "paramDiscovery", "Discovery", "ParamTypeId"},
+    {"stateTypes",          "state",          "",          "StateTypeId"},
+};
+
 QString upperFirst(const QString &name)
 {
     return name.at(0).toUpper() + name.mid(1);
@@ -32,42 +45,36 @@ class Generator
 public:
     explicit Generator(const QJsonObject &catalogue);
 
-    QByteArray metadata() const { return QJsonDocument(m_metadata).toJson(); }
-    QByteArray header() const;
-    QByteArray source() const;
-    QByteArray bounds() const;
+    QString metadata() const { return QString::fromUtf8(QJsonDocument(m_metadata).toJson()); }
+    QString header() const;
+    QString source() const;
+    QString bounds() const;
 
 private:
-    QString newId(const QString &path) const;
+    QString newId(const QString &type, const QString &constant, const QString &path);
     QJsonObject thingClass(QJsonObject description);
-    QJsonArray params(const QJsonArray &descriptions, const QString &className, const QString &kind);
-    QJsonArray states(const QJsonArray &descriptions, const QString &className);
-    void addConstant(const QString &type, const QString &name, const QString &id)
-    {
-        m_constants.append({type, name, id});
-    }
+    QJsonArray items(const QJsonArray &descriptions, const QString &className, const ItemKind &kind);
 
     const QUuid m_namespace;
     const int m_wallboxCount;
     QJsonObject m_metadata;
     QVector<Constant> m_constants;
-    QMap<QString, int> m_bounds; // of the states that can be set, by the name of their constant
+    QMap<QString, int> m_bounds; // of the states that can be set and of the number of wallboxes, by constant
 };
 
 Generator::Generator(const QJsonObject &catalogue)
     : m_namespace(catalogue[QLatin1String("uuidNamespace")].toString())
     , m_wallboxCount(catalogue[QLatin1String("wallboxCount")].toInt())
 {
+    m_bounds.insert(QStringLiteral("wallboxCount"), m_wallboxCount);
     m_metadata = catalogue[QLatin1String("plugin")].toObject();
-    const QString pluginId = newId(QStringLiteral("plugin"));
-    m_metadata[QLatin1String("id")] = pluginId;
-    addConstant(QStringLiteral("PluginId"), QStringLiteral("pluginId"), pluginId);
+    m_metadata[QLatin1String("id")] =
+        newId(QStringLiteral("PluginId"), QStringLiteral("pluginId"), QStringLiteral("plugin"));
 
     QJsonObject vendor = catalogue[QLatin1String("vendor")].toObject();
     const QString vendorName = vendor[QLatin1String("name")].toString();
-    const QString vendorId = newId(QStringLiteral("vendor/") + vendorName);
-    vendor[QLatin1String("id")] = vendorId;
-    addConstant(QStringLiteral("VendorId"), vendorName + QLatin1String("VendorId"), vendorId);
+    vendor[QLatin1String("id")] = newId(QStringLiteral("VendorId"), vendorName + QLatin1String("VendorId"),
+                                        QStringLiteral("vendor/") + vendorName);
 
     QJsonArray thingClasses{thingClass(catalogue[QLatin1String("gateway")].toObject())};
     for (int number = 1; number <= m_wallboxCount; ++number) {
@@ -80,75 +87,58 @@ Generator::Generator(const QJsonObject &catalogue)
     m_metadata[QLatin1String("vendors")] = QJsonArray{vendor};
 }
 
-/*! The id of the item at \a path. Daemons store things under these ids, so neither the namespace nor the
-    path of an item may ever change. */
-QString Generator::newId(const QString &path) const
+/*! The id of the item at \a path, which gets a \a constant of that \a type. Daemons store things under these
+    ids, so neither the namespace nor the path of an item may ever change. */
+QString Generator::newId(const QString &type, const QString &constant, const QString &path)
 {
-    return QUuid::createUuidV5(m_namespace, path).toString(QUuid::WithoutBraces);
+    const QString id = QUuid::createUuidV5(m_namespace, path).toString(QUuid::WithoutBraces);
+    m_constants.append({type, constant, id});
+    return id;
 }
 
 QJsonObject Generator::thingClass(QJsonObject description)
 {
     const QString name = description[QLatin1String("name")].toString();
-    const QString id = newId(QStringLiteral("thingClass/") + name);
-    description[QLatin1String("id")] = id;
-    addConstant(QStringLiteral("ThingClassId"), name + QLatin1String("ThingClassId"), id);
-    const auto replace = [&description](QLatin1String key, const QJsonArray &items) {
-        if (!items.isEmpty())
-            description[key] = items;
-    };
-    const QLatin1String paramTypes("paramTypes");
-    const QLatin1String discoveryParamTypes("discoveryParamTypes");
-    const QLatin1String stateTypes("stateTypes");
-    replace(paramTypes, params(description.value(paramTypes).toArray(), name, QStringLiteral("Thing")));
-    replace(discoveryParamTypes,
-            params(description.value(discoveryParamTypes).toArray(), name, QStringLiteral("Discovery")));
-    replace(stateTypes, states(description.value(stateTypes).toArray(), name));
+    description[QLatin1String("id")] =
+        newId(QStringLiteral("ThingClassId"), name + QLatin1String("ThingClassId"),
+              QStringLiteral("thingClass/") + name);
+    for (const ItemKind &kind : itemKinds) {
+        const QLatin1String key(kind.key);
+        if (description.contains(key))
+            description[key] = items(description.value(key).toArray(), name, kind);
+    }
     return description;
 }
 
-QJsonArray Generator::params(const QJsonArray &descriptions, const QString &className, const QString &kind)
+/*! The \a descriptions of a thing class's items with their ids. */
+QJsonArray Generator::items(const QJsonArray &descriptions, const QString &className, const ItemKind &kind)
 {
     QJsonArray result;
     for (const QJsonValue &description : descriptions) {
-        QJsonObject param = description.toObject();
-        const QString name = param[QLatin1String("name")].toString();
-        const QString id = newId(QStringLiteral("thingClass/%1/param%2/%3").arg(className, kind, name));
-        param[QLatin1String("id")] = id;
-        addConstant(QStringLiteral("ParamTypeId"),
-                    className + kind + upperFirst(name) + QLatin1String("ParamTypeId"), id);
-        result.append(param);
-    }
-    return result;
-}
-
-QJsonArray Generator::states(const QJsonArray &descriptions, const QString &className)
-{
-    QJsonArray result;
-    for (const QJsonValue &description : descriptions) {
-        QJsonObject state = description.toObject();
-        const QString name = state[QLatin1String("name")].toString();
-        const QString id = newId(QStringLiteral("thingClass/%1/state/%2").arg(className, name));
-        const QString stem = className + upperFirst(name);
-        state[QLatin1String("id")] = id;
-        addConstant(QStringLiteral("StateTypeId"), stem + QLatin1String("StateTypeId"), id);
-        if (state.value(QLatin1String("writable")).toBool()) {
-            addConstant(QStringLiteral("ActionTypeId"), stem + QLatin1String("ActionTypeId"), id);
-            addConstant(QStringLiteral("ParamTypeId"),
-                        stem + QLatin1String("Action") + upperFirst(name) + QLatin1String("ParamTypeId"), id);
+        QJsonObject item = description.toObject();
+        const QString name = item[QLatin1String("name")].toString();
+        const QString stem = className + QLatin1String(kind.prefix) + upperFirst(name);
+        const QString id = newId(
+            QLatin1String(kind.type), stem + QLatin1String(kind.type),
+            QStringLiteral("thingClass/%1/%2/%3").arg(className, QLatin1String(kind.pathElement), name));
+        item[QLatin1String("id")] = id;
+        if (item.value(QLatin1String("writable")).toBool()) {
+            const QString param = stem + QLatin1String("Action") + upperFirst(name);
+            m_constants.append({QStringLiteral("ActionTypeId"), stem + QLatin1String("ActionTypeId"), id});
+            m_constants.append({QStringLiteral("ParamTypeId"), param + QLatin1String("ParamTypeId"), id});
             for (const QString &bound : {QStringLiteral("minValue"), QStringLiteral("maxValue")}) {
-                if (state.contains(bound))
-                    m_bounds.insert(name + upperFirst(bound), state.value(bound).toInt());
+                if (item.contains(bound))
+                    m_bounds.insert(name + upperFirst(bound), item.value(bound).toInt());
             }
         }
-        result.append(state);
+        result.append(item);
     }
     return result;
 }
 
-QByteArray Generator::header() const
+QString Generator::header() const
 {
-    QByteArray text;
+    QString text;
     QTextStream out(&text);
     out << "// Generated from catalogue.json: the ids of everything in the plugin's metadata.\n\n"
            "#ifndef PLUGININFO_H\n#define PLUGININFO_H\n\n#include <typeutils.h>\n\n#include <array>\n\n";
@@ -159,13 +149,12 @@ QByteArray Generator::header() const
            "    ParamTypeId maxAllowedCurrentParamTypeId;\n};\n\n/*! In the order of their numbers. */\n"
         << "extern const std::array<WallboxClass, " << m_wallboxCount
         << "> wallboxClasses;\n\n#endif // PLUGININFO_H\n";
-    out.flush();
     return text;
 }
 
-QByteArray Generator::source() const
+QString Generator::source() const
 {
-    QByteArray text;
+    QString text;
     QTextStream out(&text);
     out << "// Generated from catalogue.json.\n\n#include \"plugininfo.h\"\n\n";
     for (const Constant &constant : m_constants)
@@ -177,26 +166,25 @@ QByteArray Generator::source() const
                               "wallbox%1ThingMaxAllowedCurrentParamTypeId },\n")
                    .arg(number);
     out << "} };\n";
-    out.flush();
     return text;
 }
 
-QByteArray Generator::bounds() const
+QString Generator::bounds() const
 {
-    QByteArray text =
-        "// Generated from catalogue.json: the number of wallbox classes, and the bounds of the states that\n"
-        "// can be set, in their units.\n\n#pragma once\n\n";
-    text += "constexpr int wallboxCount = " + QByteArray::number(m_wallboxCount) + ";\n";
+    QString text = QStringLiteral(
+        "// Generated from catalogue.json: the number of wallbox classes, and the bounds of the "
+        "states that\n// can be set, in their units.\n\n#pragma once\n\n");
     for (auto it = m_bounds.begin(); it != m_bounds.end(); ++it)
-        text += "constexpr int " + it.key().toLatin1() + " = " + QByteArray::number(it.value()) + ";\n";
+        text += QStringLiteral("constexpr int %1 = %2;\n").arg(it.key()).arg(it.value());
     return text;
 }
 
-bool write(const QString &fileName, const QByteArray &content)
+bool write(const QString &fileName, const QString &content)
 {
     QFile file(fileName);
+    const QByteArray bytes = content.toUtf8();
     // If the disk is full, writing a short text fails only when it is flushed.
-    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush())
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush())
         return true;
     QTextStream(stderr) << fileName << ": cannot be written: " << file.errorString() << '\n';
     return false;
