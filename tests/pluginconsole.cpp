@@ -44,10 +44,10 @@ QString compact(const QJsonObject &object)
 } // namespace
 
 PluginConsole::PluginConsole()
-    : m_client([this](const QString &line) { print(line); })
 {
     addBackendCommands();
     addFaultCommands();
+    addClientCommands();
     addJobCommands();
     addOtherCommands();
     addListeners();
@@ -111,7 +111,6 @@ void PluginConsole::addBackendCommands()
 void PluginConsole::addFaultCommands()
 {
     ScriptedBackend &backend = m_site.backend;
-    m_commands["client"] = [&](const Words &words) { m_client.run(words); };
     m_commands["shutdown"] = [&](const Words &) { backend.shutDown(); };
     m_commands["startup"] = [&](const Words &) { backend.startUp(); };
     m_commands["close"] = [&](const Words &) { backend.closeConnections(); };
@@ -132,6 +131,31 @@ void PluginConsole::addFaultCommands()
                   .arg(census.objects - m_census.objects)
                   .arg(census.descriptors - m_census.descriptors));
         m_census = census;
+    };
+}
+
+/*! Commands for a client without a plugin around it, which prints what it signals. */
+void PluginConsole::addClientCommands()
+{
+    connect(&m_client, &NetworkHandler::daemonReachable, this,
+            [this](bool state) { print(QString("reachable %1").arg(state)); });
+    connect(&m_client, &NetworkHandler::infraInfoReceived, this,
+            [this](const QJsonObject &evseIds) { print("group " + compact(evseIds)); });
+    connect(&m_client, &NetworkHandler::valuesReceived, this,
+            [this](const QJsonObject &values) { print("values " + compact(values)); });
+    connect(&m_client, &NetworkHandler::evseIsOnline, this,
+            [this](const QString &device) { print("online " + device); });
+    connect(&m_client, &NetworkHandler::ocppDaemonStatus, this,
+            [this](bool state) { print(QString("backend %1").arg(state)); });
+    m_commands["client-aim"] = [&](const Words &words) {
+        m_client.setServerInfo(words.at(0), words.at(1), words.at(2));
+    };
+    m_commands["client-online"] = [&](const Words &) { m_client.isOnline(); };
+    m_commands["client-group"] = [&](const Words &) { m_client.getConnectedInfra(); };
+    m_commands["client-values"] = [&](const Words &) { m_client.getEvseValues({"a", "b"}); };
+    m_commands["client-limits"] = [&](const Words &) {
+        QJsonObject limits = json(R"({"a": {"value": 16, "unit": "A"}})");
+        m_client.setProfileChargePowerLimit(limits);
     };
 }
 

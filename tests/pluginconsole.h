@@ -5,7 +5,7 @@
 #define PLUGINCONSOLE_H
 
 #include "census.h"
-#include "clientcommands.h"
+#include "networkhandler.h"
 #include "site.h"
 
 #include <QMap>
@@ -30,6 +30,7 @@ private:
     using Words = QStringList;
 
     void addFaultCommands();
+    void addClientCommands();
     void addBackendCommands();
     void addJobCommands();
     void addOtherCommands();
@@ -57,8 +58,8 @@ private:
     Census m_census;                     // the last one
     QMap<QString, std::function<void(const Words &)>> m_commands;
     ScriptedBackend m_other;
-    ClientCommands m_client;
-    Site m_site; // last: it calls this object until it has gone
+    NetworkHandler m_client; // without a plugin
+    Site m_site;             // last: it calls this object until it has gone
 };
 
 #endif // PLUGINCONSOLE_H

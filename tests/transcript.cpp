@@ -9,7 +9,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
-#include <csignal>
 #include <map>
 #include <memory>
 
@@ -213,17 +212,7 @@ QString Player::runShell(const QString &script)
 
 QString Player::signal(const QString &name)
 {
-    static const std::map<QString, int> numbers{
-        {"HUP",  SIGHUP },
-        {"INT",  SIGINT },
-        {"KILL", SIGKILL},
-        {"TERM", SIGTERM}
-    };
-    const auto found = numbers.find(name);
-    if (found == numbers.end())
-        return "there is no signal \"" + name + '"';
-    ::kill(pid_t(m_program->process.processId()), found->second);
-    return {};
+    return runShell(QString("kill -s %1 %2").arg(name).arg(m_program->process.processId()));
 }
 
 QString Player::filledIn(QString text) const
