@@ -3,6 +3,7 @@
 
 #include "endsignals.h"
 
+#include <QCoreApplication>
 #include <QSocketNotifier>
 
 #include <csignal>
@@ -26,15 +27,14 @@ void onSignal(int)
 
 } // namespace
 
-EndSignals::EndSignals(QObject *parent)
-    : QObject(parent)
+void quitAtEndSignals()
 {
     if (::pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0)
         qFatal("Cannot make a pipe for signals.");
-    auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
-    connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+    auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, qApp);
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
         notifier->setEnabled(false);
-        emit received();
+        QCoreApplication::quit();
     });
     struct sigaction action = {};
     action.sa_handler = onSignal;

@@ -18,8 +18,7 @@ namespace {
 
 int run(const HostOptions &options)
 {
-    EndSignals endSignals;
-    QObject::connect(&endSignals, &EndSignals::received, qApp, &QCoreApplication::quit);
+    quitAtEndSignals();
     // Never deleted, as the platform's daemon lives as long as its process: a plugin may free its last
     // objects only with its last thing.
     static auto *const daemon = new Daemon(options.daemon);

@@ -84,8 +84,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("vela-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));
     auto [simulation, port] = readOptions();
-    const EndSignals endSignals;
-    QObject::connect(&endSignals, &EndSignals::received, &application, &QCoreApplication::quit);
+    quitAtEndSignals();
 
     HttpServer server(
         [&simulation = simulation](HttpRequest &request) { return answer(simulation, request); });
