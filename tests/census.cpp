@@ -60,12 +60,8 @@ Census Census::take()
 {
     Q_ASSERT(hooksInstalled);
     const struct mallinfo2 memory = mallinfo2();
-    Census census;
-    census.objects = liveObjects;
-    census.descriptors = openDescriptors();
-    census.heap = qint64(memory.uordblks) + qint64(memory.hblkhd);
-    census.resident = residentBytes();
-    return census;
+    const qint64 heap = qint64(memory.uordblks) + qint64(memory.hblkhd);
+    return {liveObjects, openDescriptors(), heap, residentBytes()};
 }
 
 Census Census::takeSettled()

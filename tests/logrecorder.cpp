@@ -34,11 +34,6 @@ void LogRecorder::record(QtMsgType type, const QMessageLogContext &context, cons
         s_recorder->heard(s_recorder->m_lines.constLast());
 }
 
-QStringList LogRecorder::lines() const
-{
-    return m_lines;
-}
-
 QStringList LogRecorder::warnings() const
 {
     QStringList result = m_lines.filter(QRegularExpression("^warning: "));
@@ -49,9 +44,4 @@ int LogRecorder::count(const QString &start) const
 {
     return int(std::count_if(m_lines.cbegin(), m_lines.cend(),
                              [&start](const QString &line) { return line.startsWith(start); }));
-}
-
-void LogRecorder::clear()
-{
-    m_lines.clear();
 }

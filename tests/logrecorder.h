@@ -18,12 +18,12 @@ public:
     Q_DISABLE_COPY(LogRecorder)
 
     /*! All lines since the last clear(), each as "debug: TEXT" or "warning: TEXT". */
-    QStringList lines() const;
+    QStringList lines() const { return m_lines; }
     /*! The warnings alone, without "warning: ". */
     QStringList warnings() const;
     /*! How many lines begin with \a start. */
     int count(const QString &start) const;
-    void clear();
+    void clear() { m_lines.clear(); }
 
     std::function<void(const QString &line)> heard; //!< called with each line as it is logged; may be empty
 

@@ -194,11 +194,6 @@ void ScriptedBackend::hold(Operation operation)
     m_scripts[operation] = [this, operation](QTcpSocket *socket) { m_held[operation].append(socket); };
 }
 
-void ScriptedBackend::answerNormally(Operation operation)
-{
-    m_scripts.remove(operation);
-}
-
 bool ScriptedBackend::release(Operation operation, const QByteArray &body, int index)
 {
     QList<QPointer<QTcpSocket>> &held = m_held[operation];
@@ -206,16 +201,11 @@ bool ScriptedBackend::release(Operation operation, const QByteArray &body, int i
     return socket && socket->write(response(200, body)) > 0;
 }
 
-bool ScriptedBackend::release(Operation operation)
-{
-    return release(operation, defaultBody(operation));
-}
-
 void ScriptedBackend::releaseAll(Operation operation)
 {
     answerNormally(operation);
     while (!m_held.value(operation).isEmpty())
-        release(operation);
+        release(operation, defaultBody(operation));
 }
 
 bool ScriptedBackend::sendPart(Operation operation, const QByteArray &bytes)
@@ -247,22 +237,6 @@ QList<QJsonObject> ScriptedBackend::limits() const
     for (const Request &request : received)
         result.append(request.json().value("limits").toObject());
     return result;
-}
-
-QList<double> ScriptedBackend::limits(const QString &infraId) const
-{
-    QList<double> result;
-    const QList<QJsonObject> received = limits();
-    for (const QJsonObject &limits : received) {
-        if (limits.contains(infraId))
-            result.append(limits.value(infraId).toObject().value("value").toDouble(-1));
-    }
-    return result;
-}
-
-int ScriptedBackend::openConnections() const
-{
-    return m_server.findChildren<QTcpSocket *>().size();
 }
 
 void ScriptedBackend::accept(QTcpSocket *socket)

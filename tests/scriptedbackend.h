@@ -60,14 +60,12 @@ public:
     void reset(Operation operation);
     /*! Leaves requests without an answer until release(). */
     void hold(Operation operation);
-    void answerNormally(Operation operation);
+    void answerNormally(Operation operation) { m_scripts.remove(operation); }
 
     /*! Answers a held request of \a operation with \a body: the oldest, or the one that \a index requests
         came before. False when there is none, or when its connection has ended. */
     bool release(Operation operation, const QByteArray &body, int index = 0);
-    /*! The same, with the default answer. */
-    bool release(Operation operation);
-    /*! Answers all held requests of \a operation, and later ones at once. */
+    /*! Answers all held requests of \a operation by default, and later ones at once. */
     void releaseAll(Operation operation);
     /*! Sends \a bytes to the client whose request of \a operation is the oldest held, and goes on holding
         it. */
@@ -79,10 +77,8 @@ public:
     QList<Request> requests(Operation operation) const;
     /*! "limits" of each set-limits request, in order. */
     QList<QJsonObject> limits() const;
-    /*! The ampere values that \a infraId was limited to, one for each request that names it. */
-    QList<double> limits(const QString &infraId) const;
     void forgetRequests() { m_requests.clear(); }
-    int openConnections() const;
+    int openConnections() const { return m_server.findChildren<QTcpSocket *>().size(); }
 
 Q_SIGNALS:
     /*! A request has arrived, and is not answered yet. */

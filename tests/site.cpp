@@ -125,11 +125,6 @@ Job Site::set(const QString &infraId, const QString &state, const QVariant &valu
     return watch(daemon->execute(knownWallbox(infraId), state, value));
 }
 
-Things Site::gateways() const
-{
-    return daemon->configuredThings().filterByParentId(ThingId());
-}
-
 Things Site::wallboxes() const
 {
     Things result = daemon->configuredThings();

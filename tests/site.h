@@ -51,7 +51,7 @@ public:
     static QString result(const Job &job);
     void remove(Thing *thing) const { daemon->remove(thing); }
 
-    Things gateways() const;
+    Things gateways() const { return daemon->configuredThings().filterByParentId(ThingId()); }
     Thing *gateway() const { return gateways().value(0); }
     Things wallboxes() const;
     /*! The wallbox of that infrastructure id, or null. */

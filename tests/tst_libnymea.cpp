@@ -64,7 +64,6 @@ class TestLibnymea : public QObject
 private Q_SLOTS:
     void stateConversion_data();
     void stateConversion();
-    void stateNotifiesOnChangeOnly();
     void jobFinishesOnce();
     void jobTakesItsConnectionsAlong();
     void pluginTimers();
@@ -102,17 +101,6 @@ void TestLibnymea::stateConversion()
     QCOMPARE(after, held.isValid() ? held : before);
     QCOMPARE(after.type(), held.isValid() ? held.type() : before.type());
     QCOMPARE(log.warnings().size(), held.isValid() ? 0 : 1);
-}
-
-void TestLibnymea::stateNotifiesOnChangeOnly()
-{
-    Thing thing(thingClass());
-    QSignalSpy spy(&thing, &Thing::stateValueChanged);
-    for (const QVariant &value : {QVariant(16), QVariant(16.0), QVariant("16"), QVariant(10), QVariant(10U)})
-        thing.setStateValue("uint", value);
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(spy[0],
-             (QVariantList{QVariant::fromValue(thing.state("uint").stateTypeId()), 10U, QVariant(), 32U}));
 }
 
 void TestLibnymea::jobFinishesOnce()
