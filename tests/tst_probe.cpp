@@ -152,6 +152,7 @@ void TestProbe::findings_data()
     row("any success", answer(Step::GroupInfo, 299), "");
     row("wrong token", answer(Step::GroupInfo, 401), "problem token-refused");
     row("malformed request", answer(Step::LiveValues, 400), "problem bad-request");
+    row("no POST", answer(Step::GroupInfo, 405), "problem post-refused");
     row("unusual status", answer(Step::GroupInfo, 451), "problem http-error");
     row("no online check", answer(Step::OnlineCheck, 404), "warning no-online-check");
     row("redirect", answer(Step::GroupInfo, 302, 0, "<html>"), "problem redirect");
@@ -163,6 +164,8 @@ void TestProbe::findings_data()
     row("late once", answer(Step::GroupInfo, 200, 12001), "warning slow");
     row("online check cut", failure(Step::OnlineCheck, QNetworkReply::RemoteHostClosedError),
         "warning connection-closed");
+    row("unknown host", failure(Step::GroupInfo, QNetworkReply::HostNotFoundError), "problem unreachable");
+    row("no TLS", failure(Step::GroupInfo, QNetworkReply::SslHandshakeFailedError), "problem tls-failed");
     row("other failure", failure(Step::GroupInfo, QNetworkReply::ProxyNotFoundError),
         "problem network-error");
 
