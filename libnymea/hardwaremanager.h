@@ -11,7 +11,7 @@
 class PluginTimerManager;
 
 /*! The daemon's shared resources, as far as this stand-in has them: the timers. Owned by the daemon, which
-    keeps it for as long as a plugin is loaded; a plugin gets at it by
+    keeps it for as long as a plugin is loaded. A plugin reaches it through
     IntegrationPlugin::hardwareManager(). */
 class LIBNYMEA_EXPORT HardwareManager : public QObject
 {

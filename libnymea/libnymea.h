@@ -12,8 +12,8 @@
 #define LIBNYMEA_EXPORT Q_DECL_IMPORT
 #endif
 
-/*! Version of the plugin interface. A plugin exports `extern "C" QString libnymea_api_version()`; the
-    daemon refuses a plugin that returns another text, or has no such function. */
+/*! Version of the plugin interface. A plugin exports `extern "C" QString libnymea_api_version()`. The daemon
+    refuses a plugin that does not, or that returns another version. */
 #define LIBNYMEA_API_VERSION "7.4.0"
 
 #endif // LIBNYMEA_H

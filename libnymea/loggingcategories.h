@@ -8,7 +8,7 @@
 
 #include <QLoggingCategory>
 
-/*! Category "Thing": what a plugin did wrong with a thing or a job, and metadata that cannot be used. */
+/*! Category "Thing": incorrect use of a thing, job or timer by a plugin, and unusable metadata. */
 LIBNYMEA_EXPORT Q_DECLARE_LOGGING_CATEGORY(dcThing)
 
 #endif // LOGGINGCATEGORIES_H

@@ -10,8 +10,8 @@
 #include <QObject>
 #include <QTimer>
 
-/*! A plugin's repeating timer with a period in whole seconds. Owned by the manager that registered it: a
-    plugin never deletes it, but hands it back with PluginTimerManager::unregisterTimer(). */
+/*! A plugin's repeating timer with a period in whole seconds. Owned by the manager: a plugin never
+    deletes it, but returns it with PluginTimerManager::unregisterTimer(). */
 class LIBNYMEA_EXPORT PluginTimer : public QObject
 {
     Q_OBJECT
@@ -20,14 +20,14 @@ public:
     int interval() const { return m_interval; }
     bool running() const { return m_running; }
 
-    /*! Does nothing to a timer that runs already. */
+    /*! Does nothing if the timer is already running. */
     void start() { m_running = true; }
     /*! Stops the timer. After the next start() a whole period passes before the first timeout(). */
     void stop();
 
 Q_SIGNALS:
-    /*! A period has passed. Emitted on the main thread. All timers are driven by one clock, so the first period
-        may be up to a second short. A handler may unregister the timer. */
+    /*! A period has passed. Emitted on the main thread. All timers share one clock, so the first period may
+        be up to a second shorter. A handler may unregister the timer. */
     void timeout();
 
 private:
@@ -40,22 +40,22 @@ private:
     bool m_running = false;
 };
 
-/*! Gives out the plugins' timers and drives them from one clock that ticks every second. Owned by the
-    hardware manager. What is still registered in the end is deleted with it. */
+/*! Creates the plugins' timers and drives them with one clock that ticks every second. Owned by the hardware
+    manager. It deletes the timers that are still registered when it is deleted. */
 class LIBNYMEA_EXPORT PluginTimerManager : public QObject
 {
     Q_OBJECT
 public:
     explicit PluginTimerManager(QObject *parent = nullptr);
 
-    /*! A timer with a period of \a seconds, running. Less than 1 is taken as 1. The caller connects to
-        timeout() and keeps the pointer until it calls unregisterTimer(). */
+    /*! Creates and starts a timer with a period of \a seconds, at least 1. The caller connects to timeout()
+        and keeps the pointer until it calls unregisterTimer(). */
     PluginTimer *registerTimer(int seconds = 60);
-    /*! Stops \a timer at once and deletes it from the event loop; the caller forgets the pointer. Refused
-        with a warning if the timer is not registered here, as on a second call. */
+    /*! Stops \a timer at once and deletes it later, from the event loop. The caller no longer uses the
+        pointer. Refused with a warning if the timer is not registered, for example on a second call. */
     void unregisterTimer(PluginTimer *timer);
 
-    /*! One second passes for every running timer. The clock calls this; plugins do not. */
+    /*! Lets one second pass for every running timer. Called by the clock, never by a plugin. */
     void tick();
 
 private:

@@ -10,9 +10,9 @@
 #include <QObject>
 #include <QUuid>
 
-/*! Declares an identifier type of its own, so that ids of different kinds are not mixed up: ThingId and
-    ParamTypeId do not convert into each other. A UUID that is null if it is default-constructed or read
-    from a text that is no UUID; create…Id() makes a new random one. Hashes and compares as QUuid does. */
+/*! Declares a separate type for each kind of id, so that they cannot be confused: a ThingId does not convert
+    to a ParamTypeId. It is a UUID, which is null if it is default-constructed or made from a text that is not
+    a UUID. create…Id() returns a new random one. It is hashed and compared like a QUuid. */
 #define DECLARE_TYPE_ID(type)                                                                                \
     class type##Id : public QUuid                                                                            \
     {                                                                                                        \
@@ -43,13 +43,13 @@ class LIBNYMEA_EXPORT Types
 {
     Q_GADGET
 public:
-    /*! Units of parameter and state values. The metadata gives the name without "Unit". A value is stored
-        in the unit of its type and never converted. */
+    /*! Units of parameter and state values. The metadata contain the name without "Unit". A value is always
+        in the unit of its type and is never converted. */
     enum Unit {
-        UnitNone,         //!< a number, text or truth value without a unit
+        UnitNone,         //!< a number without a unit, a text or a bool
         UnitWatt,         //!< power; positive when the thing consumes
         UnitKiloWattHour, //!< energy
-        UnitAmpere,       //!< current, of one phase
+        UnitAmpere,       //!< current of one phase
         UnitUnixTime      //!< seconds since 1970-01-01 00:00:00 UTC
     };
     Q_ENUM(Unit)

@@ -21,11 +21,11 @@ class BrowserItemResult;
 class ThingPairingInfo;
 
 /*! Base of every integration plugin. The daemon creates the plugin, calls the virtual operations on its
-    main thread, init() first, and deletes it. An operation must not block: the daemon and all other plugins
-    wait for it.
+    main thread, init() first, and deletes it. An operation must not block, because the daemon and all other
+    plugins wait for it.
 
-    An operation that is passed a job finishes it, at once or later. The base class finishes those that a
-    plugin does not override with ThingErrorUnsupportedFeature. */
+    An operation that receives a job must finish it, at once or later. If a plugin does not override the
+    operation, the base class finishes the job with ThingErrorUnsupportedFeature. */
 class LIBNYMEA_EXPORT IntegrationPlugin : public QObject
 {
     Q_OBJECT
@@ -33,28 +33,26 @@ public:
     explicit IntegrationPlugin(QObject *parent = nullptr);
     ~IntegrationPlugin() override;
 
-    /*! Called once, after loading and before everything else: the storage is there, no thing is set up
+    /*! Called once, after loading and before everything else. The storage can be used; no thing is set up
         yet. */
     virtual void init();
-    /*! Called once, after init() and once the set-up of the stored things has begun. For plugins that look
+    /*! Called once, after init() and after the set-ups of the stored things have begun. For plugins that look
         for things by themselves and announce them with autoThingsAppeared(). */
     virtual void startMonitoringAutoThings();
     /*! Looks for things of the job's class, with the parameters that the user has entered. Called only for
         a class with the create method "discovery". */
     virtual void discoverThings(ThingDiscoveryInfo *info);
-    /*! Gets the job's thing to work: a new one, one that the daemon has restored at its start, or one whose
-        parameters have changed, so it may be called more than once for a thing. Succeeds in the base
-        class. */
+    /*! Makes the job's thing ready for use. It is new, or the daemon has restored it at its start, or its
+        parameters have changed; so this may be called more than once for a thing. The base class succeeds. */
     virtual void setupThing(ThingSetupInfo *info);
-    /*! Called each time that a set-up of \a thing has finished without error; it now counts among
+    /*! Called each time that a set-up of \a thing has finished without error. The thing is now one of
         myThings(). */
     virtual void postSetupThing(Thing *thing);
-    /*! Called when \a thing goes, its children before it. It is missing from myThings() already. The
-        pointer is valid until the event loop runs again; pending jobs of the thing are finished by the
-        daemon. */
+    /*! Called when \a thing is removed, after its children. It is no longer one of myThings(). The pointer
+        is valid until the event loop runs again. The daemon finishes the pending jobs of the thing. */
     virtual void thingRemoved(Thing *thing);
-    /*! Pairing, for setup methods that need the user: startPairing() asks, confirmPairing() gets the
-        answer. */
+    /*! Pairing, for setup methods that need the user: startPairing() asks the user, and confirmPairing()
+        receives the answer. */
     virtual void startPairing(ThingPairingInfo *info);
     virtual void confirmPairing(ThingPairingInfo *info, const QString &username, const QString &secret);
     /*! Carries out an action on a thing that is set up. */
@@ -64,33 +62,34 @@ public:
     virtual void browserItem(BrowserItemResult *result);
     virtual void executeBrowserItem(BrowserActionInfo *info);
     virtual void executeBrowserItemAction(BrowserItemActionInfo *info);
-    /*! Facts about the service behind the plugin, by name. Empty in the base class. */
+    /*! Information about the service that the plugin uses, by name. Empty in the base class. */
     virtual QVariantMap serviceInformation() const;
 
-    /*! What the plugin's own metadata document says. */
+    /*! The content of the plugin's own metadata document. */
     PluginMetadata metadata() const { return m_metadata; }
 
     /*! Called by the daemon before init(), never by a plugin. \a thingManager and \a hardwareManager must
-        outlive the plugin's use; its settings are a file of its own in \a storageFolder. */
+        exist for as long as the plugin is used. The plugin's settings are kept in a file in
+        \a storageFolder. */
     void initPlugin(const PluginMetadata &metadata, ThingManager *thingManager,
                     HardwareManager *hardwareManager, const QString &storageFolder);
 
-    /*! The plugin's own settings, kept over restarts. Valid from init() on; one object for the plugin's
-        life, owned by it. The daemon writes them to the disk soon after a change. */
+    /*! The plugin's own settings, which are kept across restarts. Valid from init() on. The plugin owns the
+        object, which stays the same. The daemon writes the settings to the disk soon after a change. */
     QSettings *pluginStorage() const { return m_storage; }
 
 Q_SIGNALS:
-    /*! The plugin has found things by itself. The daemon creates one for each descriptor and begins its
-        set-up before the emission returns. It refuses a descriptor with a warning for the reasons that
-        ThingDescriptor names. */
+    /*! The plugin has found things by itself. The daemon creates a thing for each descriptor and begins
+        its set-up before the emission returns. It refuses a descriptor, with a warning, for the reasons that
+        are given at ThingDescriptor. */
     void autoThingsAppeared(const ThingDescriptors &thingDescriptors);
-    /*! A thing that the plugin announced is gone. The daemon removes it, with a call of thingRemoved(),
-        before the emission returns. It refuses an id that is not there with a warning. */
+    /*! A thing that the plugin announced no longer exists. The daemon removes it and calls thingRemoved()
+        before the emission returns. It refuses an unknown id with a warning. */
     void autoThingDisappeared(const ThingId &thingId);
 
 protected:
-    /*! The things of this plugin's classes that are kept, also those whose last set-up has failed. A new
-        thing is kept once its first set-up has succeeded. */
+    /*! The things of this plugin's classes, including those whose last set-up has failed. A new thing is one
+        of them once its first set-up has succeeded. */
     Things myThings() const;
     /*! Null before init(). */
     HardwareManager *hardwareManager() const { return m_hardwareManager; }
@@ -99,7 +98,7 @@ private:
     PluginMetadata m_metadata;
     ThingManager *m_thingManager = nullptr;       // the daemon's
     HardwareManager *m_hardwareManager = nullptr; // the daemon's
-    QSettings *m_storage = nullptr;               // our child, made by initPlugin
+    QSettings *m_storage = nullptr;               // our child, created by initPlugin()
 };
 
 Q_DECLARE_INTERFACE(IntegrationPlugin, "io.nymea.IntegrationPlugin")

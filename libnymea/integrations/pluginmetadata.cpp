@@ -9,7 +9,7 @@
 
 namespace {
 
-/*! Reads the members of one metadata document and collects what is wrong with them. */
+/*! Reads the members of one metadata document and collects the errors in it. */
 class Reader
 {
 public:
@@ -78,7 +78,7 @@ QVariant Reader::value(const QJsonObject &object, const char *key, QMetaType::Ty
     if (json.isUndefined())
         return QVariant();
     QVariant value = json.toVariant();
-    // A text that is no number leaves the type's own default, as with a date given for a Unix time.
+    // A text that is not a number becomes the default of the type, for example a date given for a Unix time.
     if (!value.convert(type) && !json.isString())
         addError(where, QStringLiteral("\"%1\" does not fit the type").arg(QLatin1String(key)));
     return value;
@@ -139,7 +139,7 @@ StateType Reader::stateType(const QJsonObject &object, const QString &where)
     return result;
 }
 
-/*! The action that sets a writable state: it and its only parameter share the state's id and name. */
+/*! The action that sets a writable state. The action and its only parameter have the state's id and name. */
 ActionType actionTypeFor(const StateType &stateType)
 {
     ParamType paramType;

@@ -8,24 +8,24 @@
 
 #include <QJsonObject>
 
-/*! What a plugin says about itself in the metadata document that is compiled into it: its id and its thing
-    classes, in the order of the document. Plain data. */
+/*! The metadata document that is compiled into a plugin: its id and its thing classes, in the order of the
+    document. Plain data. */
 class LIBNYMEA_EXPORT PluginMetadata
 {
 public:
-    /*! Of no plugin; not valid. */
+    /*! Metadata of no plugin, which are not valid. */
     PluginMetadata() = default;
 
-    /*! Reads \a document. Whatever cannot be used is left out and named by validationErrors(). */
+    /*! Reads \a document. Whatever cannot be used is left out and listed in validationErrors(). */
     explicit PluginMetadata(const QJsonObject &document);
 
-    /*! Whether all of the document could be used. The daemon refuses a plugin whose metadata is not valid. */
+    /*! Whether all of the document could be used. The daemon refuses a plugin with invalid metadata. */
     bool isValid() const { return m_validationErrors.isEmpty(); }
-    /*! One sentence for each thing that is wrong, which says where; empty if the metadata is valid. */
+    /*! One sentence for each error, with its place in the document; empty if the metadata are valid. */
     QStringList validationErrors() const { return m_validationErrors; }
 
     PluginId pluginId() const { return m_pluginId; }
-    /*! Those of all vendors in the document. */
+    /*! The thing classes of all vendors in the document. */
     ThingClasses thingClasses() const { return m_thingClasses; }
 
 private:

@@ -11,7 +11,7 @@
 
 namespace {
 
-/*! \a value as \a type; invalid when it cannot be converted. */
+/*! \a value converted to \a type; invalid if it cannot be converted. */
 QVariant converted(const QVariant &value, QMetaType::Type type)
 {
     if (value.userType() == type)
@@ -82,7 +82,7 @@ QVariant Thing::stateValue(const QString &stateName) const
     return valueAt(stateIndex(stateName));
 }
 
-/*! The index of a state, with a warning where there is no such state. */
+/*! The index of a state; -1, with a warning, if there is no such state. */
 template <typename Key> int Thing::knownStateIndex(const Key &key) const
 {
     const int index = stateIndex(key);
@@ -175,7 +175,7 @@ void Thing::setMaxValueAt(int index, const QVariant &maxValue)
 
 void Thing::notify(int index)
 {
-    // Its getters return copies, so that a listener may change the state again.
+    // The getters return copies, so a listener may change the state again.
     const State &state = m_states.at(index);
     emit stateValueChanged(state.stateTypeId(), state.value(), state.minValue(), state.maxValue());
 }

@@ -10,10 +10,10 @@
 
 #include <QObject>
 
-/*! A device or service as the daemon knows it: parameters that identify it, states that show it. Owned by
-    the daemon, from before its first set-up until the event loop runs after the plugin's thingRemoved(). A
-    plugin may keep the pointer from setupThing() to thingRemoved(). It lives on the main thread, like
-    everything here. */
+/*! The daemon's object for a device or service: parameters identify it, and states show its values. It is
+    owned by the daemon and exists from before its first set-up until the event loop runs again after the
+    plugin's thingRemoved(). A plugin may keep the pointer from setupThing() to thingRemoved(). It is used on
+    the main thread only, like everything here. */
 class LIBNYMEA_EXPORT Thing : public QObject
 {
     Q_OBJECT
@@ -24,56 +24,56 @@ public:
         ThingErrorPluginNotFound, //!< No plugin of that id is loaded.
         ThingErrorVendorNotFound, //!< No plugin has a vendor of that id.
         ThingErrorThingNotFound,  //!< There is no such thing, or it was removed before the job was finished.
-        ThingErrorThingClassNotFound,      //!< The plugin has no such thing class.
-        ThingErrorActionTypeNotFound,      //!< The thing's class has no such action.
-        ThingErrorStateTypeNotFound,       //!< The thing's class has no such state.
-        ThingErrorEventTypeNotFound,       //!< The thing's class has no such event.
-        ThingErrorThingDescriptorNotFound, //!< The daemon does not know the offer, or not any more.
-        ThingErrorMissingParameter,        //!< A parameter without a default value is missing.
-        ThingErrorInvalidParameter, //!< A parameter is unknown, of the wrong type or out of its limits.
-        ThingErrorSetupFailed,      //!< The thing cannot be made to work, or is not set up.
-        ThingErrorDuplicateUuid,    //!< There is a thing of that id already.
+        ThingErrorThingClassNotFound,         //!< The plugin has no such thing class.
+        ThingErrorActionTypeNotFound,         //!< The thing's class has no such action.
+        ThingErrorStateTypeNotFound,          //!< The thing's class has no such state.
+        ThingErrorEventTypeNotFound,          //!< The thing's class has no such event.
+        ThingErrorThingDescriptorNotFound,    //!< There is no such offer, or no longer.
+        ThingErrorMissingParameter,           //!< A parameter without a default value is missing.
+        ThingErrorInvalidParameter,           //!< A parameter is unknown, of the wrong type or out of range.
+        ThingErrorSetupFailed,                //!< The set-up has failed, or the thing is not set up.
+        ThingErrorDuplicateUuid,              //!< There already is a thing with this id.
         ThingErrorCreationMethodNotSupported, //!< Things of the class are not created in this way.
         ThingErrorSetupMethodNotSupported,    //!< Things of the class are not paired in this way.
         ThingErrorHardwareNotAvailable,       //!< A device or service that the thing needs cannot be reached.
-        ThingErrorHardwareFailure,            //!< The device or service was reached and failed.
+        ThingErrorHardwareFailure,            //!< The device or service was reached, but failed.
         ThingErrorAuthenticationFailure,      //!< The device or service has refused the credentials.
         ThingErrorThingInUse,                 //!< Another job of the thing is pending.
         ThingErrorThingInRule,                //!< A rule uses the thing, so it is not removed.
-        ThingErrorThingIsChild,               //!< The thing goes with its parent and is not removed alone.
-        ThingErrorPairingTransactionIdNotFound, //!< There is no such pairing, or not any more.
-        ThingErrorParameterNotWritable, //!< The parameter is set when the thing is created, not later.
-        ThingErrorItemNotFound,         //!< There is no such item to browse.
-        ThingErrorItemNotExecutable,    //!< The item to browse cannot be executed.
-        ThingErrorUnsupportedFeature,   //!< The plugin does not implement the operation.
-        ThingErrorTimeout               //!< The plugin has not finished the job in time.
+        ThingErrorThingIsChild,               //!< The thing is removed with its parent, not alone.
+        ThingErrorPairingTransactionIdNotFound, //!< There is no such pairing, or no longer.
+        ThingErrorParameterNotWritable,         //!< The parameter can only be set when the thing is created.
+        ThingErrorItemNotFound,                 //!< There is no such item to browse.
+        ThingErrorItemNotExecutable,            //!< The item to browse cannot be executed.
+        ThingErrorUnsupportedFeature,           //!< The plugin does not implement the operation.
+        ThingErrorTimeout                       //!< The plugin has not finished the job in time.
     };
     Q_ENUM(ThingError)
 
-    /*! How far a thing's last set-up has got. */
+    /*! The progress of a thing's last set-up. */
     enum ThingSetupStatus {
         ThingSetupStatusNone,       //!< none has begun
         ThingSetupStatusInProgress, //!< its ThingSetupInfo is pending
         ThingSetupStatusComplete,   //!< actions are accepted
-        ThingSetupStatusFailed      //!< the thing is kept if it was before; actions are refused
+        ThingSetupStatusFailed      //!< actions are refused; a new thing is deleted, any other is kept
     };
     Q_ENUM(ThingSetupStatus)
 
-    /*! A thing of \a thingClass with the defaults of all parameters and states. A null \a id makes it a new
-        one with an id of its own. Only the daemon creates things; a plugin asks for them with
+    /*! A thing of \a thingClass with the defaults of all parameters and states. If \a id is null, the
+        thing gets a new id. Only the daemon creates things; a plugin requests them with a
         ThingDescriptor. */
     explicit Thing(const ThingClass &thingClass, const ThingId &id = ThingId(), QObject *parent = nullptr);
 
-    /*! Stays the same over restarts. */
+    /*! Stays the same across restarts. */
     ThingId id() const { return m_id; }
     ThingClass thingClass() const { return m_thingClass; }
     ThingClassId thingClassId() const { return m_thingClass.id; }
 
-    /*! For people, who may change it. Not unique. */
+    /*! Shown to users, who may change it. Not unique. */
     QString name() const { return m_name; }
     void setName(const QString &name) { m_name = name; }
 
-    /*! The thing with which this one is removed; null for none. */
+    /*! When the parent is removed, this thing is removed first. Null for a thing without a parent. */
     ThingId parentId() const { return m_parentId; }
     void setParentId(const ThingId &parentId) { m_parentId = parentId; }
 
@@ -83,41 +83,41 @@ public:
     QVariant paramValue(const ParamTypeId &paramTypeId) const;
     QVariant paramValue(const QString &paramName) const;
     /*! Sets a parameter to \a value, converted to its type. Refused with a warning if the class has no such
-        parameter or the value cannot be converted. Limits do not count here. */
+        parameter or the value cannot be converted. Limits are not checked. */
     void setParamValue(const ParamTypeId &paramTypeId, const QVariant &value);
 
     /*! One for each state of the class, in its order. */
     States states() const { return m_states; }
-    /*! A copy of the state; one with a null type id if the class has no such state. */
+    /*! A copy of the state. Its type id is null if the class has no such state. */
     State state(const StateTypeId &stateTypeId) const;
     State state(const QString &stateName) const;
     /*! The value of a state, or an invalid QVariant if the class has no such state. */
     QVariant stateValue(const StateTypeId &stateTypeId) const;
     QVariant stateValue(const QString &stateName) const;
 
-    /*! Sets a state to \a value, converted to the state's type and in the state's unit. The limits bind
-        actions, not the plugin. Notifies, before it returns, only if this changes the value. Refused with a
-        warning if the class has no such state or the value cannot be converted. */
+    /*! Sets a state to \a value, converted to the state's type and in the state's unit. The limits
+        are for actions, not for the plugin. If the value changes, stateValueChanged() is emitted before this
+        returns. Refused with a warning if the class has no such state or the value cannot be converted. */
     void setStateValue(const StateTypeId &stateTypeId, const QVariant &value);
     void setStateValue(const QString &stateName, const QVariant &value);
 
-    /*! Moves the greatest value that actions may set; the value of the state stays as it is, even above.
-        Notifies and is refused as setStateValue(). Not kept over a restart: a plugin calls this at each
-        set-up. */
+    /*! Changes the greatest value that actions may set. The value of the state is not changed, even if it is
+        greater. Emits and is refused like setStateValue(). Not kept across a restart, so a plugin calls this
+        at each set-up. */
     void setStateMaxValue(const StateTypeId &stateTypeId, const QVariant &maxValue);
     void setStateMaxValue(const QString &stateName, const QVariant &maxValue);
 
     ThingSetupStatus setupStatus() const { return m_setupStatus; }
-    /*! What the last set-up finished with; ThingErrorNoError before it has. */
+    /*! The result of the last set-up; ThingErrorNoError until it has finished. */
     ThingError setupError() const { return m_setupError; }
     QString setupDisplayMessage() const { return m_setupDisplayMessage; }
-    /*! The daemon notes how the last set-up of the thing went; a plugin never calls this. */
+    /*! Called by the daemon, never by a plugin. */
     void setSetupStatus(ThingSetupStatus status, ThingError error = ThingErrorNoError,
                         const QString &displayMessage = QString());
 
 Q_SIGNALS:
-    /*! A state's value or one of its limits has changed. A handler may change the state again, and then the
-        signal is emitted within its own emission. */
+    /*! A state's value or one of its limits has changed. A handler may change the state again; the signal is
+        then emitted recursively. */
     void stateValueChanged(const StateTypeId &stateTypeId, const QVariant &value, const QVariant &minValue,
                            const QVariant &maxValue);
     void setupStatusChanged();
@@ -145,19 +145,19 @@ private:
 /*! Writes "Thing(NAME, class CLASS, id {ID})", or "Thing(null)". */
 LIBNYMEA_EXPORT QDebug operator<<(QDebug debug, const Thing *thing);
 
-/*! Pointers to things. The list owns none of them, and a thing that is deleted stays in copies of it. The
-    filters return empty lists if nothing fits. */
+/*! Pointers to things, which the list does not own. Pointers to deleted things remain in it. The filters
+    return an empty list if no thing matches. */
 class LIBNYMEA_EXPORT Things : public QList<Thing *>
 {
 public:
     Things() = default;
     Things(const QList<Thing *> &other);
 
-    /*! The thing of that id, or null. */
+    /*! The thing with this id, or null. */
     Thing *findById(const ThingId &id) const;
-    /*! The things that have a parameter of that type with a value equal to \a value. */
+    /*! The things that have a parameter of this type with the value \a value. */
     Things filterByParam(const ParamTypeId &paramTypeId, const QVariant &value) const;
-    /*! With a null \a parentId, the things that have no parent. */
+    /*! The children of the thing \a parentId. If it is null, the things without a parent. */
     Things filterByParentId(const ThingId &parentId) const;
 };
 

@@ -7,9 +7,8 @@
 #include "integrations/thingjob.h"
 #include "types/action.h"
 
-/*! The job of carrying out an action on a thing. A child of its thing, so it ends when the thing goes. The
-    daemon starts it only for a thing that is set up, with parameters that fit. Setting the state is up to
-    the plugin. */
+/*! The job of executing an action of a thing. It is a child of its thing and is deleted with it. The daemon
+    starts it only for a thing that is set up, with valid parameters. The plugin sets the state. */
 class LIBNYMEA_EXPORT ThingActionInfo : public ThingJob
 {
     Q_OBJECT
@@ -21,7 +20,7 @@ public:
     {
     }
 
-    /*! Valid for as long as the job is. */
+    /*! Never null. Valid as long as the job exists. */
     Thing *thing() const { return m_thing; }
     Action action() const { return m_action; }
 

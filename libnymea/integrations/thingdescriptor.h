@@ -6,8 +6,8 @@
 
 #include "types/param.h"
 
-/*! A thing that could be: offered by a discovery or announced by a plugin. Plain data; nothing exists until
-    the daemon has created a thing of the class, given it the parameters, and set it up. */
+/*! A possible thing, which a discovery offers or a plugin announces. Plain data: there is no thing until the
+    daemon creates one of this class with these parameters and sets it up. */
 class LIBNYMEA_EXPORT ThingDescriptor
 {
 public:
@@ -24,26 +24,26 @@ public:
     /*! The daemon refuses a class that the plugin does not have, with ThingErrorThingClassNotFound. */
     ThingClassId thingClassId() const { return m_thingClassId; }
 
-    /*! Becomes the name of the thing; if it is empty, the display name of the class does. */
+    /*! The name of the new thing. If it is empty, the display name of the class is used. */
     QString title() const { return m_title; }
     void setTitle(const QString &title) { m_title = title; }
 
-    /*! Tells offers of the same title apart. */
+    /*! Distinguishes offers with the same title. */
     QString description() const { return m_description; }
     void setDescription(const QString &description) { m_description = description; }
 
-    /*! The thing under which the new one appears, and with which it is removed; null for none. Refused with
+    /*! The parent of the new thing, with which it is removed; null for none. Refused with
         ThingErrorThingNotFound if it does not exist. */
     ThingId parentId() const { return m_parentId; }
     void setParentId(const ThingId &parentId) { m_parentId = parentId; }
 
-    /*! An existing thing that this one stands for: it is given the parameters and set up again. Null for a
-        new thing. Refused with ThingErrorThingNotFound if there is no such thing of the class. */
+    /*! An existing thing, which gets the parameters and is set up again; null to create a new one. Refused
+        with ThingErrorThingNotFound if there is no such thing of this class. */
     ThingId thingId() const { return m_thingId; }
     void setThingId(const ThingId &thingId) { m_thingId = thingId; }
 
-    /*! A parameter that is left out gets its default value. Refused with ThingErrorInvalidParameter if one
-        is unknown to the class, cannot be converted to its type or is out of its limits. */
+    /*! A parameter that is left out gets its default value. Refused with ThingErrorInvalidParameter if the
+        class has no such parameter, or if a value cannot be converted to its type or is out of range. */
     ParamList params() const { return m_params; }
     void setParams(const ParamList &params) { m_params = params; }
 

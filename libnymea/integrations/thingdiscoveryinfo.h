@@ -7,8 +7,8 @@
 #include "integrations/thingdescriptor.h"
 #include "integrations/thingjob.h"
 
-/*! The job of looking for things of a class. The plugin adds what it finds and then finishes the job.
-    Nothing is created from what it has found before the user picks an offer. */
+/*! The job of looking for things of a class. The plugin adds a descriptor for each thing it finds, then
+    finishes the job. Things are created only when the user confirms one of these offers. */
 class LIBNYMEA_EXPORT ThingDiscoveryInfo : public ThingJob
 {
     Q_OBJECT
@@ -22,10 +22,10 @@ public:
     }
 
     ThingClassId thingClassId() const { return m_thingClassId; }
-    /*! What the user entered, by discovery parameter type; a field left out has no entry. */
+    /*! The user's input, by discovery parameter type. A field that was left out has no entry. */
     ParamList params() const { return m_params; }
 
-    /*! What is added after finish() may not be seen any more. */
+    /*! To be called before finish(): later descriptors may be ignored. */
     void addThingDescriptor(const ThingDescriptor &thingDescriptor)
     {
         m_thingDescriptors.append(thingDescriptor);

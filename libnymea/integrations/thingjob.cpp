@@ -28,7 +28,7 @@ void ThingJob::finish(Thing::ThingError status, const QString &displayMessage)
     m_finished = true;
     m_status = status;
     m_displayMessage = displayMessage;
-    // Later: whoever finishes the job may still have work to do with it.
+    // Not at once, because the caller may still use the job.
     QMetaObject::invokeMethod(
         this,
         [this] {

@@ -8,31 +8,30 @@
 
 #include <chrono>
 
-/*! What the daemon's jobs for a plugin share. A job is passed to an operation of the plugin and finished
-    once: by the plugin, within the operation or later, by the time limit, or by the daemon when its thing
-    is removed.
+/*! Base of the daemon's jobs for a plugin. A job is passed to an operation of the plugin and finished once:
+    by the plugin, within the operation or later, by the time limit, or by the daemon when its thing is
+    removed.
 
-    finish() returns at once; finished() follows from the event loop, and after it the job deletes itself,
-    ending every connection whose context it is. Until then its parent owns it. A plugin that finishes a job
-    later makes it the context of the connection by which it waits: then an answer that comes when the job
-    has gone finds nobody. */
+    finish() returns at once. finished() is emitted from the event loop, and then the job deletes itself,
+    which ends every connection whose context it is. Until then its parent owns it. A plugin that finishes a
+    job later should make the job the context of the connection with which it waits, so that a late answer
+    does not use a deleted job. */
 class LIBNYMEA_EXPORT ThingJob : public QObject
 {
     Q_OBJECT
 public:
-    /*! A \a timeout of 0 means no limit; after any other the job finishes with ThingErrorTimeout. */
+    /*! After \a timeout the job finishes with ThingErrorTimeout; 0 means no time limit. */
     explicit ThingJob(std::chrono::milliseconds timeout, QObject *parent);
 
-    /*! True as soon as finish() has been called. The job still exists for one turn of the event loop, and a
-        plugin that waits for an answer asks this before it finishes the job. */
+    /*! True as soon as finish() has been called. Since the job is deleted only later, from the event loop, a
+        plugin that waits for an answer checks this before it finishes the job. */
     bool isFinished() const { return m_finished; }
     /*! ThingErrorNoError until the job is finished. */
     Thing::ThingError status() const { return m_status; }
     QString displayMessage() const { return m_displayMessage; }
 
-    /*! Ends the job with the outcome \a status. \a displayMessage is for the user: a sentence that says
-        what went wrong; empty on success. Refused with a warning, without a change, if the job is finished
-        already. */
+    /*! Finishes the job with the result \a status. \a displayMessage tells the user in a sentence what went
+        wrong; it is empty on success. Refused with a warning if the job has already been finished. */
     void finish(Thing::ThingError status, const QString &displayMessage = QString());
 
 Q_SIGNALS:

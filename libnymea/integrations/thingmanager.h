@@ -6,15 +6,15 @@
 
 #include "integrations/thing.h"
 
-/*! The daemon as a plugin's base class sees it. Plugins use IntegrationPlugin::myThings() instead. */
+/*! The daemon's interface for IntegrationPlugin. Plugins use IntegrationPlugin::myThings() instead. */
 class LIBNYMEA_EXPORT ThingManager : public QObject
 {
     Q_OBJECT
 public:
     using QObject::QObject;
 
-    /*! Every thing that is kept, whatever its set-up status: not one whose first set-up is still pending,
-        and not one whose removal has begun. The daemon owns them all. */
+    /*! All things, whatever their set-up status, except those whose first set-up is still pending and those
+        whose removal has begun. The daemon owns them. */
     virtual Things configuredThings() const = 0;
 };
 

@@ -7,7 +7,7 @@
 #include "integrations/thingjob.h"
 
 /*! The job of pairing a device with the daemon, in one or two steps.
-    Declared for the operation of IntegrationPlugin that is passed one; this stand-in never starts it. */
+    Only declared, for the signature of an operation of IntegrationPlugin: this stand-in never starts it. */
 class LIBNYMEA_EXPORT ThingPairingInfo : public ThingJob
 {
     Q_OBJECT

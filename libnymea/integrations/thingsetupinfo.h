@@ -6,9 +6,9 @@
 
 #include "integrations/thingjob.h"
 
-/*! The job of getting a thing to work: a new one, one restored at a start, or one whose parameters have
-    changed. A child of its thing, so it ends when the thing goes. A new thing is kept if its set-up
-    succeeds, and then counts among the plugin's things; otherwise it is deleted. */
+/*! The job of setting up a thing that is new, that was restored at a start, or whose parameters have changed.
+    It is a child of its thing and is deleted with it. If the set-up of a new thing succeeds, the thing is
+    kept and becomes one of the plugin's things; otherwise it is deleted. */
 class LIBNYMEA_EXPORT ThingSetupInfo : public ThingJob
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
     {
     }
 
-    /*! Valid for as long as the job is. */
+    /*! Never null. Valid as long as the job exists. */
     Thing *thing() const { return m_thing; }
 
 private:

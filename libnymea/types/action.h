@@ -6,9 +6,9 @@
 
 #include "types/param.h"
 
-/*! A request that a thing does something: an action type with its parameters. Plain data, which a plugin
-    reads from ThingActionInfo::action(). The daemon has checked the parameters against their types and
-    against the limits of the states that they set. */
+/*! A request to execute an action: its type with the parameters. Plain data, which a plugin gets from
+    ThingActionInfo::action(). The daemon has checked the parameters against their types and against the
+    limits of the states that they set. */
 class LIBNYMEA_EXPORT Action
 {
 public:
@@ -20,10 +20,10 @@ public:
     {
     }
 
-    /*! For an action that sets a writable state this is that state's id. */
+    /*! For an action that sets a writable state, this is the state's id. */
     ActionTypeId actionTypeId() const { return m_actionTypeId; }
     ThingId thingId() const { return m_thingId; }
-    /*! Converted to the types of the parameters, in the units that these name. */
+    /*! The values are converted to the parameters' types and are in their units. */
     ParamList params() const { return m_params; }
 
 private:

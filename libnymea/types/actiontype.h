@@ -13,8 +13,8 @@ struct ActionType
     ActionTypeId id;
     QString name;
     QString displayName; //!< the state's displayNameAction
-    ParamTypes
-        paramTypes; //!< one; its limits are those of the metadata, which the thing's state may have moved
+    //! One. Its limits are those of the metadata; a thing may have changed them for its state.
+    ParamTypes paramTypes;
 };
 
 class LIBNYMEA_EXPORT ActionTypes : public TypeList<ActionType, ActionTypeId>

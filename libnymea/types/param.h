@@ -9,8 +9,8 @@
 #include <QList>
 #include <QVariant>
 
-/*! The value of one parameter of a thing, a discovery or an action. Plain data. A parameter is named by its
-    type's id; the type also says in which unit the value is. */
+/*! The value of one parameter of a thing, a discovery or an action. Plain data. The id of its type
+    identifies the parameter, and the type defines the unit of the value. */
 class LIBNYMEA_EXPORT Param
 {
 public:
@@ -23,7 +23,7 @@ public:
     ParamTypeId paramTypeId() const { return m_paramTypeId; }
 
     QVariant value() const { return m_value; }
-    /*! Takes any \a value: whoever receives the parameter checks it against the type. */
+    /*! Accepts any \a value: the receiver of the parameter checks it against the type. */
     void setValue(const QVariant &value) { m_value = value; }
 
 private:
@@ -31,7 +31,7 @@ private:
     QVariant m_value;
 };
 
-/*! Parameters in no particular order. Where a type occurs twice, the first one counts. */
+/*! Parameters in no particular order. If a type occurs twice, the first one is used. */
 class LIBNYMEA_EXPORT ParamList : public QList<Param>
 {
 public:
@@ -40,12 +40,12 @@ public:
 
     bool hasParam(const ParamTypeId &paramTypeId) const;
 
-    /*! An invalid QVariant if the list has no such parameter, which is how a field that the user left out
-        of a discovery reads. */
+    /*! An invalid QVariant if the list has no such parameter, for example for a discovery field that the user
+        left out. */
     QVariant paramValue(const ParamTypeId &paramTypeId) const;
 
-    /*! Replaces the value of a parameter. Refused, with false and without a change, if the list has no such
-        parameter: nothing is appended. */
+    /*! Replaces the value of a parameter. If the list has no such parameter, it returns false and changes
+        nothing. */
     bool setParamValue(const ParamTypeId &paramTypeId, const QVariant &value);
 };
 

@@ -13,14 +13,14 @@
 struct ParamType
 {
     ParamTypeId id;
-    QString name; //!< unique among its siblings, lower camel case
+    QString name; //!< unique within its list, lower camel case
     QString displayName;
     QMetaType::Type type = QMetaType::UnknownType; //!< Bool, Int, UInt, Double or QString
-    QVariant defaultValue; //!< of \a type; invalid if the metadata gives none, and then a value is required
+    QVariant defaultValue; //!< of \a type; if the metadata have none, it is invalid, and a value is required
     QVariant minValue;     //!< of \a type, in \a unit; invalid if there is no minimum
     QVariant maxValue;     //!< of \a type, in \a unit; invalid if there is no maximum
     Types::Unit unit = Types::UnitNone;
-    bool readOnly = false; //!< set when the thing is created, not by the user afterwards
+    bool readOnly = false; //!< can only be set when the thing is created
 };
 
 class LIBNYMEA_EXPORT ParamTypes : public TypeList<ParamType, ParamTypeId>

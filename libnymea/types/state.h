@@ -9,9 +9,8 @@
 #include <QVariant>
 #include <QVector>
 
-/*! A thing's value of one state type, with the limits in force for it. Plain data: Thing gives out copies,
-    so a change to one does not reach the thing. Values and limits are of the state's type and in its
-    unit. */
+/*! The value of one state of a thing, with its present limits. Plain data: Thing returns copies, so changing
+    one does not change the thing. Values and limits have the state's type and unit. */
 class LIBNYMEA_EXPORT State
 {
 public:
@@ -27,8 +26,8 @@ public:
     QVariant value() const { return m_value; }
     void setValue(const QVariant &value) { m_value = value; }
 
-    /*! The least value that an action may set; invalid if there is no minimum. A plugin's own values are
-        not held to the limits. */
+    /*! The least value that an action may set; invalid if there is no minimum. The limits do not apply to
+        values that a plugin sets. */
     QVariant minValue() const { return m_minValue; }
     void setMinValue(const QVariant &minValue) { m_minValue = minValue; }
     /*! The greatest value that an action may set; see Thing::setStateMaxValue(). */

@@ -13,17 +13,17 @@
 struct StateType
 {
     StateTypeId id;
-    QString name; //!< unique in its class, lower camel case; what Thing::setStateValue() takes
+    QString name; //!< unique in its class, lower camel case; for Thing::setStateValue()
     QString displayName;
-    QString displayNameEvent;                      //!< empty if the metadata gives none
+    QString displayNameEvent;                      //!< empty if the metadata have none
     QString displayNameAction;                     //!< empty unless writable
     QMetaType::Type type = QMetaType::UnknownType; //!< Bool, Int, UInt, Double or QString
-    QVariant defaultValue;                         //!< of \a type; what a new thing shows
+    QVariant defaultValue;                         //!< of \a type; the value of a new thing
     QVariant minValue;                             //!< of \a type, in \a unit; invalid if there is no minimum
     QVariant maxValue;                             //!< of \a type, in \a unit; invalid if there is no maximum
     Types::Unit unit = Types::UnitNone;
-    bool cached = true;    //!< the daemon restores the last value after a restart; else the default
-    bool writable = false; //!< an action type of the same id sets it
+    bool cached = true;    //!< whether a restart restores the last value, not the default
+    bool writable = false; //!< whether there is an action with the same id, which sets it
 };
 
 class LIBNYMEA_EXPORT StateTypes : public TypeList<StateType, StateTypeId>

@@ -10,7 +10,7 @@
 
 #include <QStringList>
 
-/*! A kind of thing that a plugin offers. Plain data, read from the metadata. */
+/*! Describes a kind of thing that a plugin supports. Plain data, read from the metadata. */
 struct ThingClass
 {
     ThingClassId id;
@@ -18,8 +18,8 @@ struct ThingClass
     QString name; //!< unique in the plugin
     QString displayName;
     QStringList createMethods;      //!< "discovery", "auto" (the plugin announces its things) or "user"
-    QStringList interfaces;         //!< which states and actions others may rely on, such as "evcharger"
-    QStringList providedInterfaces; //!< interfaces of the things that appear below one of this class
+    QStringList interfaces;         //!< standard sets of states and actions, such as "evcharger"
+    QStringList providedInterfaces; //!< interfaces of the children of such a thing
     ParamTypes paramTypes;          //!< identify and configure a thing
     ParamTypes discoveryParamTypes; //!< what the user enters for a discovery
     StateTypes stateTypes;

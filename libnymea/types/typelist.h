@@ -9,9 +9,8 @@
 
 #include <algorithm>
 
-/*! A list of descriptions that have an "id" and a "name", in the order of the metadata. Both searches
-    return a copy of the first match, or a default-constructed description, whose id is null, if there is
-    none. */
+/*! A list of types that have an "id" and a "name", in the order of the metadata. Both searches return a copy
+    of the first match. If there is none, they return a default-constructed type, whose id is null. */
 template <typename Type, typename Id> class TypeList : public QVector<Type>
 {
 public:
@@ -20,7 +19,7 @@ public:
         return findFirst([&id](const Type &type) { return type.id == id; });
     }
 
-    /*! Upper and lower case differ. */
+    /*! Case-sensitive. */
     Type findByName(const QString &name) const
     {
         return findFirst([&name](const Type &type) { return type.name == name; });
