@@ -16,7 +16,7 @@ enum ExitStatus {
     WrongUsage = 2, //!< a mistake in the command line
 };
 
-/*! The command line of a program. A mistake in it ends the program by endWithUsageError(), --help and
+/*! The command line of a program. A mistake in it ends the program by endWithUsageError(). --help and
     --version end it with status 0. */
 class CommandLine
 {
@@ -25,14 +25,14 @@ public:
     {
         const char *name;
         const char *help;
-        const char *valueName = nullptr; //!< none: a flag
-        const char *preset = nullptr;    //!< the value of an option that is not given
+        const char *valueName = nullptr; //!< of a flag: null
+        const char *preset = nullptr;    //!< the value if the option is not given
     };
     CommandLine(const char *description, std::initializer_list<Option> options);
 
-    /*! Announces a positional argument. A program that announces none takes none. */
+    /*! Declares a positional argument. Without this, the program accepts none. */
     void addArgument(const char *name, const char *help);
-    /*! Reads \a arguments, the program's name first. */
+    /*! Reads \a arguments; the first one is the program's name. */
     void read(const QStringList &arguments);
 
     QStringList arguments() const { return m_parser.positionalArguments(); }
@@ -40,7 +40,7 @@ public:
     QString text(const char *option) const { return m_parser.value(QLatin1String(option)); }
     double number(const char *option, double least, double most) const;
     int wholeNumber(const char *option, int least, int most) const;
-    /*! A number of seconds, 0.001 at least. */
+    /*! A number of seconds, at least 0.001. */
     std::chrono::milliseconds seconds(const char *option, double most) const;
 
 private:

@@ -12,11 +12,11 @@
 
 namespace {
 
-int pipeEnds[2] = {-1, -1}; // for reading, for writing; until the process ends
+int pipeEnds[2] = {-1, -1}; // for reading and for writing; never closed
 
 constexpr int endSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-// A handler may do next to nothing; writing is allowed, and so is this.
+// A signal handler may only call async-signal-safe functions: signal() and write() are.
 void onSignal(int)
 {
     for (const int number : endSignals)
@@ -30,7 +30,7 @@ void onSignal(int)
 void quitAtEndSignals()
 {
     if (::pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0)
-        qFatal("Cannot make a pipe for signals.");
+        qFatal("Cannot create a pipe for signals.");
     auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, qApp);
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
         notifier->setEnabled(false);

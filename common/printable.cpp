@@ -23,7 +23,7 @@ QByteArray printableJson(const QJsonObject &object)
     const auto escaped = [](uint unit) { return QStringLiteral("\\u%1").arg(unit, 4, 16, QLatin1Char('0')); };
     QString text;
     text.reserve(json.size());
-    // Compact JSON has no white space between its members, so that all of it stands in strings.
+    // Compact JSON has no white space between its members, so all white space is inside strings.
     const QVector<uint> characters = json.toUcs4();
     for (const uint character : characters) {
         if (character == ' ' || (QChar::isPrint(character) && !QChar::isSpace(character)))
@@ -31,7 +31,7 @@ QByteArray printableJson(const QJsonObject &object)
         else if (QChar::requiresSurrogates(character))
             text += escaped(QChar::highSurrogate(character)) + escaped(QChar::lowSurrogate(character));
         else
-            text += escaped(character); // fromUcs4() would leave out U+FEFF, taking it for a byte order mark
+            text += escaped(character); // fromUcs4() would drop U+FEFF as a byte order mark
     }
     return text.toUtf8();
 }

@@ -11,7 +11,7 @@
 void openStandardStreams()
 {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // A new descriptor is the lowest that is free: this one, since those below it are open by now.
+        // A new descriptor gets the lowest free number. This is fd, because all lower ones are open.
         if (::fcntl(fd, F_GETFD) == -1 && ::open("/dev/null", O_RDWR) != fd)
             std::abort();
     }

@@ -4,9 +4,9 @@
 #ifndef STANDARDSTREAMS_H
 #define STANDARDSTREAMS_H
 
-/*! Opens /dev/null for those of standard input, output and error that the process was started without.
-   Otherwise the next file that is opened takes their number, Qt's own descriptors among them, and is read or
-   written in their place. Call it first in main(). */
+/*! Opens /dev/null for each of standard input, output and error that is closed. Otherwise the next descriptor
+    that is opened, possibly one of Qt's own, would get its number and be read or written in its place. Call
+    this first in main(). */
 void openStandardStreams();
 
 #endif // STANDARDSTREAMS_H
