@@ -1,10 +1,10 @@
 # SPDX-FileCopyrightText: 2026 The Vela authors
 # SPDX-License-Identifier: MIT
 
-find_program(VELA_HELP2MAN help2man DOC "Makes the manual pages; without it there are none")
+find_program(VELA_HELP2MAN help2man DOC "Creates the manual pages; without it there are none")
 find_program(VELA_GZIP gzip REQUIRED)
 
-# Makes and installs the manual page of PROGRAM from its --help output; SUMMARY is its line in the index.
+# Creates and installs the manual page of PROGRAM from its --help output. SUMMARY is its one-line description.
 function(vela_man_page program summary)
   if(NOT VELA_HELP2MAN)
     return()
@@ -17,7 +17,7 @@ function(vela_man_page program summary)
     COMMAND ${VELA_HELP2MAN} --no-info --name ${summary} --output ${page} ${run}
     COMMAND ${VELA_GZIP} -9nf ${page}
     DEPENDS ${program}
-    COMMENT "Making the manual page of ${program}"
+    COMMENT "Creating the manual page of ${program}"
     VERBATIM
   )
   add_custom_target(${program}_man_page ALL DEPENDS ${page}.gz)

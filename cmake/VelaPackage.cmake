@@ -38,7 +38,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The daemon's library is not a Debian package, so that the search for library packages does not find it.
+# dpkg-shlibdeps does not find the daemon's library, because that is not part of Debian.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS libnymea1)
 set(CPACK_COMPONENT_PLUGIN_DESCRIPTION
 "This package adds the Tavensolis VELA gateway to the nymea daemon. Every

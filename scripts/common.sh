@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Vela authors
 # SPDX-License-Identifier: MIT
 
-# Shared by demo, test, .ci/run and other scripts: installs missing packages and builds. To be sourced, not run.
+# Shared by demo, test, .ci/run and other scripts: installs missing packages and builds. It is sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libexpected-dev libglib2.0-dev libmicrohttpd-dev)
 
