@@ -10,10 +10,12 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QFile>
+#include <QHash>
 #include <QSettings>
 
 #include <algorithm>
 #include <sys/stat.h>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -28,6 +30,16 @@ QString errorIn(const QSettings &settings)
     return settings.status() == QSettings::NoError
         ? QString()
         : QStringLiteral("The plugin's storage %1 cannot be used.").arg(settings.fileName());
+}
+
+/*! Warns of a new \a error in storing something, and writes \a success to the log when it is over. */
+void logStoring(const QString &error, QString *lastError, const char *success)
+{
+    if (!error.isEmpty() && error != *lastError)
+        qCWarning(dcHost).noquote() << error << "The host keeps trying.";
+    else if (error.isEmpty() && !lastError->isEmpty())
+        qCInfo(dcHost) << success;
+    *lastError = error;
 }
 
 /*! The number of the file of \a settings in its file system; 0 where there is none. */
@@ -45,8 +57,6 @@ Daemon::Daemon(const DaemonOptions &options, QObject *parent)
     , m_folder(options.storageFolder)
     , m_store(m_folder.path())
 {
-    // Queued: what the plugin does in one go is stored and reported in one go.
-    connect(&m_changes, &StateChanges::available, this, &Daemon::commit, Qt::QueuedConnection);
     m_storeTimer.setSingleShot(true);
     m_storeTimer.setInterval(2s);
     connect(&m_storeTimer, &QTimer::timeout, this, &Daemon::commit);
@@ -67,26 +77,22 @@ QString Daemon::load()
     QString folderError = m_folder.claim();
     if (!folderError.isEmpty())
         return folderError;
-    const auto loaded = loadPlugin(m_options.pluginFile);
+    auto loaded = loadPlugin(m_options.pluginFile);
     if (!loaded)
         return loaded.error();
-    m_plugin.reset(loaded->plugin);
     m_metadata = loaded->metadata;
     QString storeError = m_store.read(m_metadata.thingClasses(), this, &m_things);
-    if (!storeError.isEmpty()) {
-        m_plugin.reset();
+    if (!storeError.isEmpty())
         return storeError;
-    }
+    loaded->plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
+    QString settingsError = errorIn(*loaded->plugin->pluginStorage());
+    if (!settingsError.isEmpty())
+        return settingsError;
 
+    m_plugin = std::move(loaded->plugin);
+    m_plugin->pluginStorage()->installEventFilter(this);
     connect(plugin(), &IntegrationPlugin::autoThingsAppeared, this, &Daemon::onAutoThingsAppeared);
     connect(plugin(), &IntegrationPlugin::autoThingDisappeared, this, &Daemon::onAutoThingDisappeared);
-    m_plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
-    m_plugin->pluginStorage()->installEventFilter(this);
-    QString settingsError = errorIn(*m_plugin->pluginStorage());
-    if (!settingsError.isEmpty()) {
-        m_plugin.reset();
-        return settingsError;
-    }
     m_plugin->init();
     restoreThings();
     m_plugin->startMonitoringAutoThings();
@@ -96,7 +102,7 @@ QString Daemon::load()
 void Daemon::restoreThings()
 {
     for (Thing *thing : qAsConst(m_things))
-        m_changes.watch(thing);
+        watch(thing);
     // A copy: the plugin may answer a set-up with new things or with some that have disappeared.
     const Things things = m_things;
     for (Thing *thing : things) {
@@ -210,7 +216,7 @@ void Daemon::keep(Thing *thing)
 {
     m_newThings.removeOne(thing);
     m_things.append(thing);
-    m_changes.watch(thing);
+    watch(thing);
     m_unsaved = true;
     commit();
     emit thingAdded(thing);
@@ -225,6 +231,30 @@ void Daemon::discard(Thing *thing)
         remove(child);
     m_newThings.removeOne(thing);
     thing->deleteLater();
+}
+
+void Daemon::watch(Thing *thing)
+{
+    QHash<StateTypeId, QVariant> values; // seen last: a thing also notifies when only a limit has moved
+    const States states = thing->states();
+    for (const State &state : states)
+        values.insert(state.stateTypeId(), state.value());
+    connect(thing, &Thing::stateValueChanged, this,
+            [this, thing, values](const StateTypeId &stateTypeId, const QVariant &value) mutable {
+                if (std::exchange(values[stateTypeId], value) == value)
+                    return;
+                m_changes.append({thing, stateTypeId, value});
+                // Queued: what the plugin does in one go is stored and reported in one go.
+                if (m_changes.size() == 1)
+                    QMetaObject::invokeMethod(this, &Daemon::commit, Qt::QueuedConnection);
+            });
+}
+
+void Daemon::forget(Thing *thing)
+{
+    disconnect(thing, &Thing::stateValueChanged, this, nullptr);
+    const auto isOfThing = [thing](const StateChange &change) { return change.thing == thing; };
+    m_changes.erase(std::remove_if(m_changes.begin(), m_changes.end(), isOfThing), m_changes.end());
 }
 
 ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const QVariant &value)
@@ -259,7 +289,7 @@ void Daemon::remove(Thing *thing)
     if (!wasKept && !m_newThings.removeOne(thing))
         return; // the plugin has had it removed while it heard of a child's end
 
-    m_changes.forget(thing);
+    forget(thing);
     m_plugin->thingRemoved(thing);
     const QList<ThingJob *> jobs = thing->findChildren<ThingJob *>();
     for (ThingJob *job : jobs) {
@@ -293,7 +323,7 @@ void Daemon::onAutoThingDisappeared(const ThingId &thingId)
 
 bool Daemon::commit()
 {
-    const QVector<StateChange> changes = m_changes.take();
+    const QVector<StateChange> changes = std::exchange(m_changes, {});
     m_unsaved |= std::any_of(changes.cbegin(), changes.cend(), [](const StateChange &change) {
         return change.thing->thingClass().stateTypes.findById(change.stateTypeId).cached;
     });
@@ -342,14 +372,10 @@ void Daemon::storeSettings()
     // QSettings does not forget an error. A new file shows that this attempt has succeeded.
     const bool isStored =
         hasRoom && (settings->status() == QSettings::NoError || fileNumber(*settings) != oldFile);
-    if (!isStored && !m_settingsFailed)
-        qCWarning(dcHost).noquote() << QStringLiteral("Cannot write the plugin's storage %1; the disk may be "
-                                                      "full. The host keeps trying.")
-                                           .arg(settings->fileName());
-    else if (isStored && m_settingsFailed)
-        qCInfo(dcHost) << "The plugin's storage is written again.";
     m_settingsChanged = !isStored;
-    m_settingsFailed = !isStored;
+    const QString error = QStringLiteral("Cannot write the plugin's storage %1; the disk may be full.");
+    logStoring(isStored ? QString() : error.arg(settings->fileName()), &m_settingsError,
+               "The plugin's storage is written again.");
 }
 
 void Daemon::storeThings()
@@ -358,11 +384,7 @@ void Daemon::storeThings()
         return;
     const QString error = m_store.write(m_things);
     m_unsaved = !error.isEmpty();
-    if (m_unsaved && error != m_storeError)
-        qCWarning(dcHost).noquote() << error << "The host keeps trying.";
-    else if (!m_unsaved && !m_storeError.isEmpty())
-        qCInfo(dcHost) << "The things are stored again.";
-    m_storeError = error;
+    logStoring(error, &m_storeError, "The things are stored again.");
 }
 
 template <typename Job> Job *Daemon::refused(Job *job, Thing::ThingError error, const QString &message)

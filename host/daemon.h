@@ -4,8 +4,6 @@
 #ifndef DAEMON_H
 #define DAEMON_H
 
-#include "daemonoptions.h"
-#include "statechanges.h"
 #include "storagefolder.h"
 #include "thingstore.h"
 
@@ -13,7 +11,16 @@
 
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
+
+/*! What a Daemon works with. */
+struct DaemonOptions
+{
+    QString pluginFile;
+    QString storageFolder;
+    std::chrono::milliseconds jobTimeout = std::chrono::seconds(30); //!< 0: jobs may wait for ever
+};
 
 /*! Plays the daemon for one plugin: owns the things and the storage, calls the plugin and takes its news.
 
@@ -74,6 +81,13 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    struct StateChange
+    {
+        Thing *thing;
+        StateTypeId stateTypeId;
+        QVariant value;
+    };
+
     void restoreThings();
     void onAutoThingsAppeared(const ThingDescriptors &descriptors);
     void onAutoThingDisappeared(const ThingId &thingId);
@@ -85,6 +99,8 @@ private:
     void onSetupFinished(ThingSetupInfo *info);
     void keep(Thing *thing);
     void discard(Thing *thing);
+    void watch(Thing *thing);
+    void forget(Thing *thing);
     void store();
     void storeSettings();
     void storeThings();
@@ -100,14 +116,14 @@ private:
     PluginMetadata m_metadata;
     std::unique_ptr<IntegrationPlugin> m_plugin;
 
-    Things m_things;    // kept; our children
-    Things m_newThings; // first set-up pending; our children
-    StateChanges m_changes;
+    Things m_things;                // kept; our children
+    Things m_newThings;             // first set-up pending; our children
+    QVector<StateChange> m_changes; // of kept things, in order
     QVector<StateChange> m_reports; // stored, about to be reported
     bool m_unsaved = false;         // m_things holds what m_store does not
     QString m_storeError;           // of the last attempt to store them
     bool m_settingsChanged = false; // the plugin's storage holds what its file does not
-    bool m_settingsFailed = false;  // the last attempt to write it
+    QString m_settingsError;        // of the last attempt to write it
     QTimer m_storeTimer;            // runs out when the next attempt is due; only after a failure
 };
 

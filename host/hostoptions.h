@@ -4,7 +4,7 @@
 #ifndef HOSTOPTIONS_H
 #define HOSTOPTIONS_H
 
-#include "daemonoptions.h"
+#include "daemon.h"
 
 /*! What the command line of vela-host says. */
 struct HostOptions

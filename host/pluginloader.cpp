@@ -3,7 +3,6 @@
 
 #include "pluginloader.h"
 
-#include <integrations/integrationplugin.h>
 #include <libnymea.h>
 
 #include <QFileInfo>
@@ -56,8 +55,8 @@ tl::expected<LoadedPlugin, QString> loadPlugin(const QString &file)
         return failure(path,
                        QStringLiteral("its metadata is unusable: %1.")
                            .arg(metadata.validationErrors().join(QLatin1String("; "))));
-    auto *plugin = qobject_cast<IntegrationPlugin *>(loader.instance());
+    std::unique_ptr<IntegrationPlugin> plugin(qobject_cast<IntegrationPlugin *>(loader.instance()));
     if (!plugin)
         return failure(path, QStringLiteral("it holds no integration plugin."));
-    return LoadedPlugin{plugin, metadata};
+    return LoadedPlugin{std::move(plugin), metadata};
 }

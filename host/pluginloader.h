@@ -4,15 +4,14 @@
 #ifndef PLUGINLOADER_H
 #define PLUGINLOADER_H
 
-#include <integrations/pluginmetadata.h>
+#include <integrations/integrationplugin.h>
 
+#include <memory>
 #include <tl/expected.hpp>
-
-class IntegrationPlugin;
 
 struct LoadedPlugin
 {
-    IntegrationPlugin *plugin; //!< the caller's; deleted, a later load makes a new one
+    std::unique_ptr<IntegrationPlugin> plugin; //!< once it is deleted, a later load makes a new one
     PluginMetadata metadata;
 };
 
