@@ -21,11 +21,11 @@ ThingClass classNamed(const PluginMetadata &metadata, const char *name)
     qFatal("The fake plugin has no %s \"%s\".", kind, qPrintable(name));
 }
 
-Param paramOf(const ParamTypes &types, const char *name, const QVariant &value)
+Param paramOf(const ParamTypes &types, const QString &name, const QVariant &value)
 {
-    const ParamTypeId id = types.findByName(QLatin1String(name)).id;
+    const ParamTypeId id = types.findByName(name).id;
     if (id.isNull())
-        refuse("parameter", QLatin1String(name));
+        refuse("parameter", name);
     return Param(id, value);
 }
 
@@ -53,15 +53,18 @@ void count(Thing *thing, const QString &state)
 
 } // namespace
 
-/*! Offers one bridge, the existing one where the address is known; "nobody" answers nothing, "broken" an
+/*! Offers one thing, the existing one where the address is known; "nobody" answers nothing, "broken" an
     error. */
 void FakePlugin::discoverThings(ThingDiscoveryInfo *info)
 {
-    const ThingClass bridge = classNamed(metadata(), "bridge");
-    const auto value = [&](const char *name) {
-        return info->params().paramValue(bridge.discoveryParamTypes.findByName(QLatin1String(name)).id);
-    };
-    const QString address = value("address").toString();
+    const ThingClass thingClass = metadata().thingClasses().findById(info->thingClassId());
+    ParamList params; // as asked for
+    for (const ParamType &type : thingClass.discoveryParamTypes) {
+        if (info->params().hasParam(type.id))
+            params.append(paramOf(thingClass.paramTypes, type.name, info->params().paramValue(type.id)));
+    }
+    const ParamTypeId addressId = thingClass.paramTypes.findByName(QStringLiteral("address")).id;
+    const QString address = params.paramValue(addressId).toString();
     if (address == QLatin1String("nobody"))
         return;
     if (address == QLatin1String("broken")) {
@@ -69,15 +72,11 @@ void FakePlugin::discoverThings(ThingDiscoveryInfo *info)
         return info->finish(Thing::ThingErrorHardwareFailure, QStringLiteral("It is broken.\nReplace it."));
     }
 
-    ThingDescriptor descriptor(bridge.id, QStringLiteral("Bridge ") + address, QStringLiteral("A bridge"));
-    ParamList params;
-    params.append(paramOf(bridge.paramTypes, "address", address));
-    if (value("setup").isValid())
-        params.append(paramOf(bridge.paramTypes, "setup", value("setup")));
-    if (value("children").isValid())
-        params.append(paramOf(bridge.paramTypes, "children", value("children")));
+    const QString kind = thingClass.displayName;
+    ThingDescriptor descriptor(thingClass.id, kind + QLatin1Char(' ') + address,
+                               QStringLiteral("A ") + kind.toLower());
     descriptor.setParams(params);
-    const Things known = myThings().filterByParam(params.constFirst().paramTypeId(), address);
+    const Things known = myThings().filterByParam(addressId, address);
     if (!known.isEmpty())
         descriptor.setThingId(known.first()->id());
     info->addThingDescriptor(descriptor);
@@ -90,8 +89,9 @@ void FakePlugin::setupThing(ThingSetupInfo *info)
     qDebug() << "setting up" << info->thing()->name() << "with" << myThings().size() << "things";
     if (info->thing()->thingClass().name == QLatin1String("bridge"))
         return setupBridge(info);
-    info->thing()->setStateMaxValue(QStringLiteral("brightness"),
-                                    info->thing()->stateValue(QStringLiteral("maxBrightness")));
+    if (info->thing()->thingClass().name == QLatin1String("lamp"))
+        info->thing()->setStateMaxValue(QStringLiteral("brightness"),
+                                        info->thing()->stateValue(QStringLiteral("maxBrightness")));
     info->finish(Thing::ThingErrorNoError);
 }
 
@@ -122,7 +122,7 @@ void FakePlugin::announceLamps(const Thing *bridge)
     const uint known = static_cast<uint>(myThings().filterByParentId(bridge->id()).size());
     for (uint i = known + 1; i <= lamps; ++i) {
         ThingDescriptor descriptor(lamp.id, QStringLiteral("Lamp %1").arg(i), QString(), bridge->id());
-        descriptor.setParams(QList<Param>{paramOf(lamp.paramTypes, "number", i)});
+        descriptor.setParams(QList<Param>{paramOf(lamp.paramTypes, QStringLiteral("number"), i)});
         emit autoThingsAppeared(QList<ThingDescriptor>{descriptor});
     }
 }
@@ -131,9 +131,9 @@ void FakePlugin::announceNonsense(const Thing *bridge)
 {
     const ThingClass lamp = classNamed(metadata(), "lamp");
     ThingDescriptor tooMuch(lamp.id, QStringLiteral("too much"), QString(), bridge->id());
-    tooMuch.setParams(QList<Param>{paramOf(lamp.paramTypes, "number", 9)});
+    tooMuch.setParams(QList<Param>{paramOf(lamp.paramTypes, QStringLiteral("number"), 9)});
     ThingDescriptor text(lamp.id, QStringLiteral("no number"), QString(), bridge->id());
-    text.setParams(QList<Param>{paramOf(lamp.paramTypes, "number", QStringLiteral("1"))});
+    text.setParams(QList<Param>{paramOf(lamp.paramTypes, QStringLiteral("number"), QStringLiteral("1"))});
     const ThingDescriptor noClass(ThingClassId(), QStringLiteral("no class"), QString(), bridge->id());
     const ThingDescriptor noParent(lamp.id, QStringLiteral("no parent"), QString(), ThingId::createThingId());
     emit autoThingsAppeared(QList<ThingDescriptor>{tooMuch, text, noClass, noParent});

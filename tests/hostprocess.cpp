@@ -53,15 +53,6 @@ QJsonObject HostProcess::next(int milliseconds)
     return object;
 }
 
-QJsonObject HostProcess::nextEvent(const QString &name)
-{
-    for (;;) {
-        QJsonObject object = next();
-        if (object.isEmpty() || object.value(QLatin1String("event")) == name)
-            return object;
-    }
-}
-
 QVector<QJsonObject> HostProcess::eventsNamed(const QString &name) const
 {
     QVector<QJsonObject> result;
@@ -81,11 +72,6 @@ void HostProcess::kill()
 {
     m_process->kill();
     m_process->waitForFinished(patience);
-}
-
-void HostProcess::terminate()
-{
-    m_process->terminate();
 }
 
 int HostProcess::exitStatus()

@@ -25,8 +25,6 @@ public:
     static constexpr int patience = 60000; // ms, far above what anything here takes
     /*! The next object of the host's output; empty when none came in time or the host has ended. */
     QJsonObject next(int milliseconds = patience);
-    /*! Reads on until an event of that name, and returns it. */
-    QJsonObject nextEvent(const QString &name);
 
     /*! All events read so far, in order. */
     QVector<QJsonObject> events;
@@ -34,7 +32,6 @@ public:
 
     void closeInput();
     void kill();
-    void terminate();
     /*! Waits for the end and returns the exit status, -1 for none in time or a crash. */
     int exitStatus();
     QString log();
