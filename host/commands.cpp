@@ -4,7 +4,6 @@
 #include "commands.h"
 
 #include "arguments.h"
-#include "humantext.h"
 #include "thingjson.h"
 #include "values.h"
 

@@ -5,7 +5,7 @@
 #define COMMANDS_H
 
 #include "daemon.h"
-#include "message.h"
+#include "messages.h"
 
 #include <functional>
 #include <optional>

@@ -4,7 +4,7 @@
 #ifndef OUTPUT_H
 #define OUTPUT_H
 
-#include "message.h"
+#include "messages.h"
 
 #include <integrations/thing.h>
 

@@ -4,8 +4,6 @@
 #include "session.h"
 
 #include "arguments.h"
-#include "events.h"
-#include "humantext.h"
 #include "thingjson.h"
 
 #include <algorithm>
