@@ -23,25 +23,28 @@ QString limitsText(const State &state, const StateType &type)
     return texts.isEmpty() ? QString() : QStringLiteral("(%1)").arg(texts.join(QStringLiteral(", ")));
 }
 
+Message thingEvent(const QString &event, const Thing *thing, const QString &line)
+{
+    const QJsonObject json{
+        {QStringLiteral("event"), event             },
+        {QStringLiteral("thing"), thingObject(thing)}
+    };
+    return {json, {line}};
+}
+
 } // namespace
 
 Message thingAddedEvent(const Thing *thing)
 {
-    const QJsonObject json{
-        {QStringLiteral("event"), QStringLiteral("thingAdded")},
-        {QStringLiteral("thing"), thingObject(thing)          }
-    };
-    return {json,
-            {QStringLiteral("+ %1 has been added (%2)").arg(thing->name(), thing->thingClass().displayName)}};
+    return thingEvent(
+        QStringLiteral("thingAdded"), thing,
+        QStringLiteral("+ %1 has been added (%2)").arg(thing->name(), thing->thingClass().displayName));
 }
 
 Message thingRemovedEvent(const Thing *thing)
 {
-    const QJsonObject json{
-        {QStringLiteral("event"), QStringLiteral("thingRemoved")},
-        {QStringLiteral("thing"), thingObject(thing)            }
-    };
-    return {json, {QStringLiteral("- %1 has been removed").arg(thing->name())}};
+    return thingEvent(QStringLiteral("thingRemoved"), thing,
+                      QStringLiteral("- %1 has been removed").arg(thing->name()));
 }
 
 Message setupFinishedEvent(const ThingSetupInfo *info)

@@ -17,8 +17,46 @@
 #include <unistd.h>
 
 namespace {
+
 constexpr char lockFileName[] = "in-use-by";
+
+QString createFolder(const QString &path)
+{
+    const bool hasParent = QDir().mkpath(QFileInfo(path).path());
+    if (hasParent && (::mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0 || errno == EEXIST))
+        return QString();
+    return QStringLiteral("Cannot create the storage folder %1.").arg(path);
 }
+
+QString ownerError(const QString &path)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return QStringLiteral("Cannot read the storage folder %1: %2.").arg(path, qt_error_string(errno));
+    if (status.st_uid != ::geteuid())
+        return QStringLiteral("The storage folder %1 belongs to another user.").arg(path);
+    if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+        return QStringLiteral("Other users can write in the storage folder %1; \"chmod go-w\" ends that.")
+            .arg(path);
+    return QString();
+}
+
+QString linkError(const QString &path)
+{
+    const QStringList ours{QLatin1String(lockFileName), QStringLiteral("things.json*"),
+                           QStringLiteral("pluginconfig-*")};
+    // QDir::System: links to nowhere as well.
+    const QFileInfoList files =
+        QDir(path).entryInfoList(ours, QDir::Files | QDir::Dirs | QDir::System | QDir::Hidden);
+    for (const QFileInfo &file : files) {
+        if (file.isSymLink())
+            return QStringLiteral("%1 is a symbolic link; the host follows none in its storage folder.")
+                .arg(file.filePath());
+    }
+    return QString();
+}
+
+} // namespace
 
 bool openNoFollow(QFile *file, QIODevice::OpenMode mode, int flags)
 {
@@ -35,8 +73,8 @@ StorageFolder::StorageFolder(const QString &path)
 
 QString StorageFolder::claim()
 {
-    for (const auto step : {&StorageFolder::create, &StorageFolder::ownerError, &StorageFolder::linkError}) {
-        QString error = (this->*step)();
+    for (const auto check : {createFolder, ownerError, linkError}) {
+        QString error = check(m_path);
         if (!error.isEmpty())
             return error;
     }
@@ -44,42 +82,6 @@ QString StorageFolder::claim()
     if (error.isEmpty())
         sweep();
     return error;
-}
-
-QString StorageFolder::create() const
-{
-    const bool hasParent = QDir().mkpath(QFileInfo(m_path).path());
-    if (hasParent && (::mkdir(QFile::encodeName(m_path).constData(), S_IRWXU) == 0 || errno == EEXIST))
-        return QString();
-    return QStringLiteral("Cannot create the storage folder %1.").arg(m_path);
-}
-
-QString StorageFolder::ownerError() const
-{
-    struct stat status = {};
-    if (::stat(QFile::encodeName(m_path).constData(), &status) != 0)
-        return QStringLiteral("Cannot read the storage folder %1: %2.").arg(m_path, qt_error_string(errno));
-    if (status.st_uid != ::geteuid())
-        return QStringLiteral("The storage folder %1 belongs to another user.").arg(m_path);
-    if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
-        return QStringLiteral("Other users can write in the storage folder %1; \"chmod go-w\" ends that.")
-            .arg(m_path);
-    return QString();
-}
-
-QString StorageFolder::linkError() const
-{
-    const QStringList ours{QLatin1String(lockFileName), QStringLiteral("things.json*"),
-                           QStringLiteral("pluginconfig-*")};
-    // QDir::System: links to nowhere as well.
-    const QFileInfoList files =
-        QDir(m_path).entryInfoList(ours, QDir::Files | QDir::Dirs | QDir::System | QDir::Hidden);
-    for (const QFileInfo &file : files) {
-        if (file.isSymLink())
-            return QStringLiteral("%1 is a symbolic link; the host follows none in its storage folder.")
-                .arg(file.filePath());
-    }
-    return QString();
 }
 
 qint64 StorageFolder::room() const

@@ -31,9 +31,6 @@ public:
     qint64 room() const;
 
 private:
-    QString create() const;
-    QString ownerError() const;
-    QString linkError() const;
     QString lock();
     void sweep() const;
 
