@@ -10,12 +10,12 @@
 
 void soakWithKills(const QStringList &arguments)
 {
-    CommandLine line(
-        "Kills the host at random moments, and checks what the next one finds.",
-        {
-            {"kills",                                                       "How often to kill.",                                       "N", "200"},
-            {"seed",                                                        "The same moments for the same number, as far as that goes.",                                                                                                                  "N", "1"},
-            {"nearly-full","On a file system of 64 kB, nearly full in every other life; takes root."},
+    const auto nearlyFull = "On a file system of 64 kB, nearly full in every other life; takes root.";
+    CommandLine line("Kills the host at random moments, and checks what the next one finds.",
+                     {
+                         {"kills",       "How often to kill.",                  "N",     "200"  },
+                         {"seed",        "The same moments, as far as may be.", "N",     "1"    },
+                         {"nearly-full", nearlyFull,                            nullptr, nullptr},
     });
     line.read(arguments);
     const int kills = line.wholeNumber("kills", 1, 1000000);

@@ -7,12 +7,21 @@
 
 #include <QCoreApplication>
 
+#include <csignal>
 #include <cstdio>
 #include <map>
 #include <stdexcept>
 
+namespace {
+
+volatile std::sig_atomic_t endSignal = 0; // that has been received
+
+}
+
 void require(bool holds, const QString &finding)
 {
+    if (endSignal != 0) // the way out ends the simulator and removes the storage
+        throw std::runtime_error("ended by a signal");
     if (!holds)
         throw std::runtime_error(finding.toStdString());
 }
@@ -31,6 +40,8 @@ int main(int argc, char **argv)
         {"kills",   soakWithKills},
     };
     const QCoreApplication app(argc, argv);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(number, [](int received) { endSignal = received; });
     const auto mode = modes.find(QCoreApplication::arguments().value(1));
     if (mode == modes.end())
         endWithUsageError("the first argument is polls, silence or kills");

@@ -30,9 +30,9 @@ void checkGrowth(const char *when, const QVector<Census> &censuses)
     constexpr qint64 heapAllowance = qint64(32) * 1024;
     constexpr qint64 residentAllowance = qint64(1024) * 1024;
     std::printf("%s   objects  descriptors   heap kB  resident kB\n", when);
-    for (const Census &census : censuses)
-        std::printf("%17d %12d %9.1f %12.0f\n", census.objects, census.descriptors,
-                    double(census.heap) / 1024, double(census.resident) / 1024);
+    for (int i = 0; i < censuses.size(); i += 4)
+        std::printf("%17d %12d %9.1f %12.0f\n", censuses[i].objects, censuses[i].descriptors,
+                    double(censuses[i].heap) / 1024, double(censuses[i].resident) / 1024);
     const bool sameCounts = std::all_of(censuses.cbegin(), censuses.cend(), [&](const Census &census) {
         return census.objects == censuses[0].objects && census.descriptors == censuses[0].descriptors;
     });

@@ -11,7 +11,8 @@
 SimulatorProcess::SimulatorProcess(const QStringList &options)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(VELA_SIMULATOR, QStringList{"--port=0"} + options); // the last word on the port is theirs
+    // A test that is killed leaves no simulator behind. The last word on the port is the options'.
+    m_process.start("setpriv", QStringList{"--pdeathsig=KILL", VELA_SIMULATOR, "--port=0"} + options);
     if (waitFor([this] { return m_process.canReadLine() || m_process.state() == QProcess::NotRunning; }))
         m_url = QUrl(QString::fromUtf8(m_process.readLine().trimmed()));
 }
