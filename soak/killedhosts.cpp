@@ -21,8 +21,8 @@
 
 namespace {
 
-const QString gatewayName("Tavensolis VELA");
-const QString filler("filler"); // takes the space on a small disk
+constexpr char gatewayName[] = "Tavensolis VELA";
+constexpr char filler[] = "filler"; // takes the space on a small disk
 
 /*! A process that is number 1 of a namespace of its own, as the daemon of a container is. */
 class ProcessOne : public QProcess
@@ -84,7 +84,7 @@ void KilledHosts::live()
     if (moment != "start")
         checkStart();
     if (chance(50))
-        send("remove '" + gatewayName + '\'', gatewayName);
+        send(QString("remove '%1'").arg(gatewayName), gatewayName);
     for (int i = 0; i < 5; ++i)
         send(m_discovery); // each writes the plugin's settings
     send("add 1");         // a gateway that is there already is set up again

@@ -10,7 +10,7 @@
 
 void soakWithKills(const QStringList &arguments)
 {
-    const auto nearlyFull = "On a file system of 64 kB, nearly full in every other life; takes root.";
+    const auto *const nearlyFull = "On a file system of 64 kB, nearly full in every other life; takes root.";
     CommandLine line("Kills the host at random moments, and checks what the next one finds.",
                      {
                          {"kills",       "How often to kill.",                  "N",     "200"  },

@@ -40,7 +40,7 @@ QString infraIdOf(const Thing *wallbox)
     car is full. Before two of three sessions the wallbox is free for 3 s. */
 int meterAt(const Thing *wallbox, qint64 time)
 {
-    const int number = infraIdOf(wallbox).mid(5).toInt(); // of "EVSE-01"
+    const qint64 number = infraIdOf(wallbox).midRef(5).toInt(); // of "EVSE-01"
     const qint64 session = (time + 13 * number) / 40;
     const int age = int((time + 13 * number) % 40);
     return session % 3 != 0 && age < 3 ? 0 : 2 + qMin(age, 32) * (3 + int(session % 7));
