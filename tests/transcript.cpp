@@ -117,6 +117,7 @@ QString Player::finishCase()
         QProcess &process = program->process;
         if (process.state() == QProcess::NotRunning)
             continue;
+        process.closeWriteChannel();
         process.terminate();
         if (!waitFor([&process] { return process.state() == QProcess::NotRunning; }))
             difference = name + " does not end";

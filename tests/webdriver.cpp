@@ -6,9 +6,9 @@
 #include "json.h"
 #include "waiting.h"
 
+#include <QJsonArray>
 #include <QNetworkReply>
 #include <QRegularExpression>
-#include <QStandardPaths>
 
 WebDriver::WebDriver()
 {
@@ -17,6 +17,10 @@ WebDriver::WebDriver()
         environment.insert(name, m_folder.path());
     m_driver.setProcessEnvironment(environment);
     m_driver.start("chromedriver", {"--port=0"});
+    if (!m_driver.waitForStarted()) {
+        m_error = "there is no chromedriver: install Debian's chromium and chromium-driver to test the page";
+        return;
+    }
     static const QRegularExpression ready("started successfully on port (\\d+)");
     QString output;
     if (!waitFor([&] {
@@ -25,31 +29,20 @@ WebDriver::WebDriver()
         }))
         m_driver.kill();
     m_session = "http://127.0.0.1:" + ready.match(output).captured(1);
-    const QJsonArray arguments{"--headless",
-                               "--no-sandbox",
-                               "--disable-gpu",
-                               "--disable-quic",
-                               "--no-first-run",
-                               "--disable-background-networking",
-                               "--disable-component-update",
-                               "--disable-sync",
-                               "--user-data-dir=" + m_folder.filePath("profile")};
-    const QJsonObject options{
-        {"goog:chromeOptions", QJsonObject{{"args", arguments}}}
+    const QJsonObject options = json(R"({"alwaysMatch": {"goog:chromeOptions": {"args": ["--headless",
+        "--no-sandbox", "--disable-gpu", "--disable-quic", "--disable-component-update"]}}})");
+    const QJsonObject body{
+        {"capabilities", options}
     };
-    const QJsonValue session = call("POST", "/session",
-                                    {
-                                        {"capabilities", QJsonObject{{"alwaysMatch", options}}}
-    });
-    if (session.isUndefined())
-        m_error = "chromedriver starts no browser, see the warning above";
+    const QJsonValue session = call("POST", "/session", body);
+    if (!m_error.isEmpty())
+        m_error.prepend("chromedriver starts no browser: ");
     m_session += "/session/" + session["sessionId"].toString();
 }
 
 WebDriver::~WebDriver()
 {
-    if (m_error.isEmpty())
-        call("DELETE", {});
+    call("DELETE", {});
     m_driver.terminate();
     m_driver.waitForFinished();
     // The browser's processes may still be writing.
@@ -57,79 +50,55 @@ WebDriver::~WebDriver()
         qWarning("%s remains", qPrintable(m_folder.path()));
 }
 
-bool WebDriver::isInstalled()
+void WebDriver::open(const QString &url)
 {
-    return !QStandardPaths::findExecutable("chromedriver").isEmpty();
+    const QJsonObject body{
+        {"url", url}
+    };
+    call("POST", "/url", body);
 }
 
-QJsonValue WebDriver::run(const QString &script, const QJsonArray &arguments)
+void WebDriver::click(const QString &selector)
 {
-    return call("POST", "/execute/sync",
-                {
-                    {"script", script   },
-                    {"args",   arguments}
-    });
-}
-
-bool WebDriver::shows(const QString &selector, const QString &text)
-{
-    QString shown;
-    const bool done = waitFor([&] {
-        shown = run("return document.querySelector(arguments[0])?.innerText ?? ''", {selector}).toString();
-        return text.isEmpty() ? shown.isEmpty() : shown.contains(text);
-    });
-    if (!done)
-        qWarning("%s shows: %s", qPrintable(selector), qPrintable(shown));
-    return done;
-}
-
-void WebDriver::fill(const QString &selector, const QString &text)
-{
-    const QString path = pathOf(selector);
-    call("POST", path + "/clear");
-    call("POST", path + "/value",
-         {
-             {"text", text}
-    });
+    call("POST", pathOf("at('" + selector + "')") + "/click");
 }
 
 void WebDriver::press(const QString &keys)
 {
-    QJsonArray strokes;
-    for (const QString &key : keys.split("", Qt::SkipEmptyParts)) {
-        strokes.append(QJsonObject{
-            {"type",  "keyDown"},
-            {"value", key      }
-        });
-        strokes.append(QJsonObject{
-            {"type",  "keyUp"},
-            {"value", key    }
-        });
-    }
-    const QJsonObject keyboard{
-        {"type",    "key"     },
-        {"id",      "keyboard"},
-        {"actions", strokes   }
+    const QJsonObject body{
+        {"text", keys}
     };
-    call("POST", "/actions",
-         {
-             {"actions", QJsonArray{keyboard}}
-    });
+    call("POST", pathOf("document.activeElement") + "/value", body);
 }
 
-void WebDriver::resize(int width, int height)
+void WebDriver::resize(int width)
 {
-    const QJsonObject metrics{
-        {"width",             width },
-        {"height",            height},
-        {"deviceScaleFactor", 1     },
-        {"mobile",            false }
+    QJsonObject body = json(R"({"cmd": "Emulation.setDeviceMetricsOverride"})");
+    body["params"] = QJsonObject{
+        {"width",             width},
+        {"height",            900  },
+        {"deviceScaleFactor", 1    },
+        {"mobile",            false}
     };
-    call("POST", "/goog/cdp/execute",
-         {
-             {"cmd",    "Emulation.setDeviceMetricsOverride"},
-             {"params", metrics                             }
-    });
+    call("POST", "/goog/cdp/execute", body);
+}
+
+QJsonValue WebDriver::run(const QString &script)
+{
+    const QString names = "const at = selector => document.querySelector(selector);"
+                          "const text = selector => at(selector)?.innerText ?? '';";
+    const QJsonObject body{
+        {"script", names + script},
+        {"args",   QJsonArray()  }
+    };
+    return call("POST", "/execute/sync", body);
+}
+
+void WebDriver::wait(const QString &expression, const QString &details)
+{
+    const bool done = waitFor([&] { return value(expression).toBool() || !m_error.isEmpty(); });
+    if (!done)
+        m_error = expression + " is not true; now: " + value(details).toVariant().toString();
 }
 
 QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const QJsonObject &body)
@@ -141,19 +110,13 @@ QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const 
     const bool done = waitFor([reply] { return reply->isFinished(); });
     reply->deleteLater();
     const QJsonValue value = json(reply->readAll()).value("value");
-    if (done && reply->error() == QNetworkReply::NoError)
-        return value;
-    qWarning("WebDriver: %s: %s %s", qPrintable(path), qPrintable(reply->errorString()),
-             qPrintable(value["message"].toString().section('\n', 0, 0)));
-    return QJsonValue::Undefined;
+    if ((!done || reply->error() != QNetworkReply::NoError) && m_error.isEmpty())
+        m_error = path + ": " + reply->errorString() + ' ' + value["message"].toString().section('\n', 0, 0);
+    return value;
 }
 
-QString WebDriver::pathOf(const QString &selector)
+// Of the element that a JavaScript expression stands for.
+QString WebDriver::pathOf(const QString &expression)
 {
-    const QJsonValue element = call("POST", "/element",
-                                    {
-                                        {"using", "css selector"},
-                                        {"value", selector      }
-    });
-    return "/element/" + element.toObject().begin().value().toString(); // its key is the protocol's
+    return "/element/" + value(expression).toObject().begin().value().toString(); // its key is the protocol's
 }

@@ -4,50 +4,39 @@
 #ifndef WEBDRIVER_H
 #define WEBDRIVER_H
 
-#include <QJsonArray>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QUrl>
 
 /*! A headless Chromium, controlled by the W3C's WebDriver protocol: JSON over HTTP to Chromium's own driver,
-    which ends the browser with this object. What the browser refuses is a warning that says why, and an
-    undefined value. */
+    which ends the browser with this object. */
 class WebDriver
 {
 public:
     WebDriver();
     ~WebDriver();
 
-    /*! False on a machine without Debian's chromium-driver. */
-    static bool isInstalled();
-    /*! Why there is no browser; empty if there is one. */
+    /*! The first thing that went wrong; empty if nothing did. */
     QString error() const { return m_error; }
 
-    void open(const QUrl &url)
-    {
-        call("POST", "/url",
-             {
-                 {"url", url.toString()}
-        });
-    }
-    /*! Runs the body of a function in the page; returns what it returns. */
-    QJsonValue run(const QString &script, const QJsonArray &arguments = {});
-    /*! Whether the first element that \a selector matches shows a reader \a text, or comes to. */
-    bool shows(const QString &selector, const QString &text);
-
-    void click(const QString &selector) { call("POST", pathOf(selector) + "/click"); }
-    /*! Replaces what is in an input. */
-    void fill(const QString &selector, const QString &text);
+    void open(const QString &url);
+    /*! Clicks what a user could click: what is hidden or covered is an error. */
+    void click(const QString &selector);
     /*! Presses keys, one after the other, wherever the focus is; special ones are the protocol's. */
     void press(const QString &keys);
-    /*! CSS pixels of the page's viewport. */
-    void resize(int width, int height);
+    /*! The width of the page's viewport, in CSS pixels. */
+    void resize(int width);
+    /*! Runs the body of a JavaScript function in the page; returns what it returns. There at(selector) is the
+        first element that matches, and text(selector) what a reader sees of it. */
+    QJsonValue run(const QString &script);
+    QJsonValue value(const QString &expression) { return run("return " + expression); }
+    /*! Waits until \a expression is true. Where it is not in time, \a details is evaluated for the error. */
+    void wait(const QString &expression, const QString &details);
 
 private:
     QJsonValue call(const QByteArray &method, const QString &path, const QJsonObject &body = {});
-    QString pathOf(const QString &selector);
+    QString pathOf(const QString &expression);
 
     QTemporaryDir m_folder; // the home of the browser, and all that it writes
     QProcess m_driver;
