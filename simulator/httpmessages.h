@@ -18,9 +18,8 @@ struct HttpRequest
     QByteArray origin;
     QByteArray authorization;
     QByteArray body;
-    size_t bodySize = 0; //!< as it was sent; what exceeds 1 MB is not kept
-    QElapsedTimer age;   //!< started when it arrived
-    int number = 0;      //!< in the request log; 0: not noted yet
+    QElapsedTimer age; //!< started when it arrived
+    int number = 0;    //!< in the request log; 0: not noted yet
 
     /*! Whether the header Host names this simulator: localhost, a name that ends in .test, \a listenAddress
         or any numeric address. A foreign page whose own name has been rebound to our address still sends that

@@ -16,8 +16,8 @@ namespace {
 
 constexpr unsigned mostConnections = 500; // half of the descriptors that a process usually has
 constexpr unsigned idleSeconds = 60;      // far more than the two seconds between polls
-constexpr size_t largestBody = 1 << 20;   // bytes
-constexpr size_t mostBytesRead = 2 << 20; // of a body that has not announced its length
+constexpr int largestBody = 1 << 20;      // bytes
+constexpr int mostBytesRead = 2 << 20;    // of a body that has not announced its length
 constexpr size_t streamBlock = 4096;      // bytes
 constexpr auto retryPeriod = 20ms;        // for requests that are held back and streams that wait
 constexpr auto idleCheckPeriod = 1s;
@@ -126,17 +126,15 @@ MHD_Result HttpServer::receive(void *server, MHD_Connection *connection, const c
     }
     if (*size == 0)
         return self->answer(connection, *request);
-    request->bodySize += *size;
-    if (request->bodySize <= largestBody)
-        request->body.append(data, int(*size));
+    request->body.append(data, int(*size));
     *size = 0;
-    return request->bodySize <= mostBytesRead ? MHD_YES : MHD_NO; // which ends the connection
+    return request->body.size() <= mostBytesRead ? MHD_YES : MHD_NO; // which ends the connection
 }
 
 // A refusal at this point ends the connection, so that the body cannot pass for the next request.
 MHD_Result HttpServer::receiveHead(MHD_Connection *connection, HttpRequest &request)
 {
-    if (header(connection, "Content-Length").toULongLong() > largestBody)
+    if (header(connection, "Content-Length").toULongLong() > qulonglong(largestBody))
         return send(connection, tooLarge());
     if (header(connection, "Content-Type").startsWith("multipart/form-data"))
         return send(connection, refusal(415, QStringLiteral("the body is no JSON")));
@@ -148,7 +146,7 @@ MHD_Result HttpServer::receiveHead(MHD_Connection *connection, HttpRequest &requ
 
 MHD_Result HttpServer::answer(MHD_Connection *connection, HttpRequest &request)
 {
-    if (request.bodySize > largestBody)
+    if (request.body.size() > largestBody)
         return send(connection, tooLarge());
     if (!request.age.isValid())
         request.age.start();
