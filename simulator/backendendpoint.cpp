@@ -12,8 +12,12 @@ namespace {
 
 constexpr char accessToken[] = "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f";
 
-HttpReply success(QJsonObject members = {})
+// With one more member, unless its name is empty.
+HttpReply success(const QString &name = {}, const QJsonValue &value = {})
 {
+    QJsonObject members;
+    if (!name.isEmpty())
+        members.insert(name, value);
     members.insert(QStringLiteral("success"), true);
     return jsonReply(members);
 }
@@ -27,15 +31,11 @@ HttpReply answerGroupInfo(Simulation &simulation, const QJsonObject & /*body*/)
 {
     QJsonObject info;
     for (const auto &[id, wallbox] : simulation.wallboxes) {
-        const int maximum = wallbox.maxChargingCurrent();
-        info.insert(id,
-                    QJsonObject{
-                        {QStringLiteral("max_charging_current"), maximum}
-        });
+        QJsonObject record;
+        record.insert(QStringLiteral("max_charging_current"), wallbox.maxChargingCurrent);
+        info.insert(id, record);
     }
-    return success({
-        {QStringLiteral("evse_ids"), info}
-    });
+    return success(QStringLiteral("evse_ids"), info);
 }
 
 QJsonObject valueRecord(const SimulatedWallbox &wallbox)
@@ -66,9 +66,7 @@ HttpReply answerValues(Simulation &simulation, const QJsonObject &body)
         if (wallbox != simulation.wallboxes.end())
             values.insert(wallbox->first, valueRecord(wallbox->second));
     }
-    return success({
-        {QStringLiteral("values"), values}
-    });
+    return success(QStringLiteral("values"), values);
 }
 
 bool isLimit(const QJsonValue &limit)

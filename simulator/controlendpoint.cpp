@@ -17,8 +17,11 @@ QString addWallbox(Simulation &simulation, const QString & /*id*/, const QJsonOb
     const QString wanted = body.value(QLatin1String("id")).toString();
     const QString id = wanted.isEmpty() ? simulation.freeId() : wanted;
     const int maximum = body.value(QLatin1String("maxChargingCurrent")).toInt(32);
-    const bool isNew = simulation.wallboxes.try_emplace(id, maximum).second;
-    return isNew ? QString() : QStringLiteral("there is a wallbox \"%1\" already").arg(id);
+    const auto [entry, isNew] = simulation.wallboxes.try_emplace(id);
+    if (!isNew)
+        return QStringLiteral("there is a wallbox \"%1\" already").arg(id);
+    entry->second.maxChargingCurrent = maximum;
+    return {};
 }
 
 QString setFaults(Simulation &simulation, const QString & /*id*/, const QJsonObject &body)
@@ -57,13 +60,20 @@ QString plugIn(Simulation &simulation, const QString &id, const QJsonObject &bod
 QString configure(Simulation &simulation, const QString &id, const QJsonObject &body)
 {
     const int maximum = body.value(QLatin1String("maxChargingCurrent")).toInt();
-    simulation.wallboxes[id].setMaxChargingCurrent(maximum);
+    simulation.wallboxes[id].maxChargingCurrent = maximum;
     return {};
 }
 
 QString remove(Simulation &simulation, const QString &id, const QJsonObject & /*body*/)
 {
     simulation.wallboxes.erase(id);
+    return {};
+}
+
+template <bool isBroken>
+QString setBroken(Simulation &simulation, const QString &id, const QJsonObject & /*body*/)
+{
+    simulation.wallboxes[id].isBroken = isBroken;
     return {};
 }
 
@@ -98,15 +108,15 @@ const std::vector<Control> &actions()
     const BodyMember phases{"phases", BodyMember::WholeNumber, 1, 3};
     const BodyMember maxCurrent{"maxCurrent", BodyMember::Number, minimumCurrent, maximumCurrent};
     static const std::vector<Control> rows{
-        {"plug",      {phases, maxCurrent}, false, &plugIn                             },
-        {"unplug",    {},                   false, &plain<&SimulatedWallbox::unplug>   },
-        {"pause",     {},                   false, &plain<&SimulatedWallbox::pause>    },
-        {"resume",    {},                   false, &plain<&SimulatedWallbox::resume>   },
-        {"finish",    {},                   false, &plain<&SimulatedWallbox::finish>   },
-        {"break",     {},                   false, &plain<&SimulatedWallbox::breakDown>},
-        {"mend",      {},                   false, &plain<&SimulatedWallbox::repair>   },
-        {"configure", {maximumMember},      true,  &configure                          },
-        {"remove",    {},                   false, &remove                             },
+        {"plug",      {phases, maxCurrent}, false, &plugIn                          },
+        {"unplug",    {},                   false, &plain<&SimulatedWallbox::unplug>},
+        {"pause",     {},                   false, &plain<&SimulatedWallbox::pause> },
+        {"resume",    {},                   false, &plain<&SimulatedWallbox::resume>},
+        {"finish",    {},                   false, &plain<&SimulatedWallbox::finish>},
+        {"break",     {},                   false, &setBroken<true>                 },
+        {"mend",      {},                   false, &setBroken<false>                },
+        {"configure", {maximumMember},      true,  &configure                       },
+        {"remove",    {},                   false, &remove                          },
     };
     return rows;
 }

@@ -22,11 +22,11 @@ QJsonValue carRecord(const SimulatedWallbox &wallbox)
 
 QJsonValue limitInForce(const SimulatedWallbox &wallbox)
 {
-    if (!wallbox.limit())
+    if (!wallbox.limit)
         return {};
     return QJsonObject{
-        {QStringLiteral("value"), wallbox.limit()->ampere},
-        {QStringLiteral("time"),  wallbox.limit()->time  }
+        {QStringLiteral("value"), wallbox.limit->ampere},
+        {QStringLiteral("time"),  wallbox.limit->time  }
     };
 }
 
@@ -36,8 +36,8 @@ QJsonObject wallboxRecord(const QString &id, const SimulatedWallbox &wallbox)
     return {
         {QStringLiteral("id"),                 id                                               },
         {QStringLiteral("status"),             wallbox.status()                                 },
-        {QStringLiteral("broken"),             wallbox.isBroken()                               },
-        {QStringLiteral("maxChargingCurrent"), wallbox.maxChargingCurrent()                     },
+        {QStringLiteral("broken"),             wallbox.isBroken                                 },
+        {QStringLiteral("maxChargingCurrent"), wallbox.maxChargingCurrent                       },
         {QStringLiteral("car"),                carRecord(wallbox)                               },
         {QStringLiteral("limit"),              limitInForce(wallbox)                            },
         {QStringLiteral("currents"),           QJsonArray{currents[0], currents[1], currents[2]}},

@@ -56,15 +56,9 @@ QString SimulatedWallbox::finish()
     return {};
 }
 
-QString SimulatedWallbox::setBroken(bool broken)
-{
-    m_broken = broken;
-    return {};
-}
-
 void SimulatedWallbox::advance(Seconds elapsed)
 {
-    if (!m_broken) {
+    if (!isBroken) {
         const Seconds preparing = std::min(elapsed, m_untilReady);
         m_untilReady -= preparing;
         elapsed -= preparing;
@@ -76,7 +70,7 @@ QString SimulatedWallbox::status() const
 {
     // The order matters: what comes first hides what comes later. By OCPP a car is suspended by the wallbox
     // as long as nothing is offered to it, whether or not it would take anything.
-    if (m_broken)
+    if (isBroken)
         return QStringLiteral("Faulted");
     if (!m_car)
         return QStringLiteral("Available");
@@ -114,8 +108,8 @@ double SimulatedWallbox::sessionEnergy() const
 
 double SimulatedWallbox::offeredCurrent() const
 {
-    const double maximum = m_maxChargingCurrent;
-    return m_limit ? std::min(m_limit->ampere, maximum) : maximum;
+    const double maximum = maxChargingCurrent;
+    return limit ? std::min(limit->ampere, maximum) : maximum;
 }
 
 double SimulatedWallbox::chargingCurrent() const

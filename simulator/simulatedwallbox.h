@@ -37,14 +37,12 @@ struct ChargeLimit
 
     The user's actions return an empty text when done, otherwise the reason why they cannot be done in the
     state the wallbox is in; then nothing has changed. */
-class SimulatedWallbox
+struct SimulatedWallbox
 {
-public:
-    /*! \a maxChargingCurrent: the installation's limit in whole ampere on each phase. */
-    explicit SimulatedWallbox(int maxChargingCurrent = 32)
-        : m_maxChargingCurrent(maxChargingCurrent)
-    {
-    }
+    int maxChargingCurrent = 32; //!< the installation's limit in whole ampere on each phase
+    /*! Holds until the next one, also from one car to the next. None: nothing but the maximum. */
+    std::optional<ChargeLimit> limit;
+    bool isBroken = false; //!< "Faulted" until it is repaired: no current; car and session stay
 
     /*! Opens a new session, whose meter starts at 0. The car takes 3 s ("Preparing") before it charges. */
     QString plugIn(const Car &car);
@@ -55,13 +53,6 @@ public:
     QString resume() { return setPaused(false); }
     /*! Ends the session with the car still at the plug ("Finishing"); only unplugging leads on from there. */
     QString finish();
-    /*! "Faulted" until repair(): no current; car and session stay. */
-    QString breakDown() { return setBroken(true); }
-    QString repair() { return setBroken(false); }
-
-    /*! Ampere on each phase. A limit holds until the next one, also from one car to the next. */
-    void setLimit(double ampere, const QString &time = {}) { m_limit = {ampere, time}; }
-    void setMaxChargingCurrent(int ampere) { m_maxChargingCurrent = ampere; }
 
     /*! Lets \a elapsed pass: the car gets ready, the session's meter counts. */
     void advance(Seconds elapsed);
@@ -69,10 +60,7 @@ public:
     /*! Connector status in the words of OCPP 1.6 (ChargePointStatus). */
     QString status() const;
     const std::optional<Car> &car() const { return m_car; }
-    const std::optional<ChargeLimit> &limit() const { return m_limit; } //!< none: nothing but the maximum
-    int maxChargingCurrent() const { return m_maxChargingCurrent; }
     bool isPaused() const { return m_paused; } //!< the car, if there is one
-    bool isBroken() const { return m_broken; }
 
     std::array<double, 3> currents() const; //!< ampere, phase 1 first
     double power() const;                   //!< W
@@ -82,17 +70,13 @@ public:
 
 private:
     QString setPaused(bool paused);
-    QString setBroken(bool broken);
     double offeredCurrent() const;
     double chargingCurrent() const;
 
-    int m_maxChargingCurrent;
-    std::optional<ChargeLimit> m_limit;
     std::optional<Car> m_car;
     Seconds m_untilReady{0};
     bool m_paused = false;
     bool m_finished = false;
-    bool m_broken = false;
     double m_sessionEnergy = 0;
 };
 

@@ -57,7 +57,7 @@ void Simulation::receiveLimit(const QString &id, double ampere)
     const auto wallbox = wallboxes.find(id);
     const bool isKnown = wallbox != wallboxes.end();
     if (isKnown)
-        wallbox->second.setLimit(ampere, time);
+        wallbox->second.limit = {ampere, time};
     limits.append(QJsonObject{
         {QStringLiteral("number"),  ++m_limitCount},
         {QStringLiteral("time"),    time          },

@@ -56,12 +56,12 @@ void TestSimulator::meterCountsTheSession()
     wallbox.plugIn({3, 16});
     wallbox.advance(readyTime + 30min); // getting ready takes no energy, however far one step reaches
     QCOMPARE(wallbox.sessionEnergy(), 5520.0);
-    wallbox.setLimit(8);
+    wallbox.limit = {8, {}};
     wallbox.advance(15min);
     QCOMPARE(wallbox.sessionEnergy(), 6900.0);
     wallbox.pause();
     wallbox.advance(1h);
-    wallbox.breakDown();
+    wallbox.isBroken = true;
     wallbox.resume();
     wallbox.advance(1h);
     QCOMPARE(wallbox.sessionEnergy(), 6900.0);
