@@ -26,7 +26,7 @@ void writeRecord(QtMsgType type, const QMessageLogContext &context, const QStrin
 
 QString takeEnvironmentLogRules()
 {
-    const QString rules = qEnvironmentVariable("QT_LOGGING_RULES");
+    QString rules = qEnvironmentVariable("QT_LOGGING_RULES");
     qunsetenv("QT_LOGGING_RULES");
     return rules;
 }
