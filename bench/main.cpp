@@ -58,10 +58,10 @@ int main(int argc, char *argv[])
     const QString report = arguments.value(3);
     if (name == "backend")
         return runBackend(wallboxes, report);
-    if (!workloads.contains(name) || wallboxes <= 0 || !reports.contains(report)
+    if (!workloads().contains(name) || wallboxes <= 0 || !reports().contains(report)
         || arguments.value(4).toInt() <= 0) {
         std::fprintf(stderr, "usage: vela-bench %s WALLBOXES %s REPETITIONS [PAUSE-MS]\n",
-                     qPrintable(workloads.join('|')), qPrintable(reports.join('|')));
+                     qPrintable(workloads().join('|')), qPrintable(reports().join('|')));
         return 2;
     }
     repeat(makeWorkload(name, wallboxes, report), arguments.value(4).toInt(), arguments.value(5).toInt());

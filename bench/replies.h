@@ -12,7 +12,10 @@
     - "still": the same bytes each time, so that no state changes
     - "mixed": of four wallboxes two charge, one car is full, one wallbox is free; new time at every poll
     - "charging": all charge on three phases, with new time, currents and energy at every poll: the worst case */
-const QStringList reports{"still", "mixed", "charging"};
+inline QStringList reports()
+{
+    return {"still", "mixed", "charging"};
+}
 
 /*! The ids of \a wallboxes wallboxes, all of the same length. */
 QStringList infraIds(int wallboxes);

@@ -14,7 +14,10 @@
     - "post": a bare QNetworkAccessManager posts the plugin's values request, and reads and drops the reply
     - "poll": a whole poll of the plugin
     - "poll-nolog": the same with the plugin compiled without its debug lines */
-const QStringList workloads{"parse", "apply", "post", "poll", "poll-nolog"};
+inline QStringList workloads()
+{
+    return {"parse", "apply", "post", "poll", "poll-nolog"};
+}
 
 /*! Prepares the workload called \a name, with its backend in a process of its own. Each call of what is returned is
     one repetition. */

@@ -12,7 +12,11 @@
 
 namespace {
 
-QByteArray nextReply;
+QByteArray &nextReply()
+{
+    static QByteArray reply;
+    return reply;
+}
 
 /*! Runs the event loop until there is nothing left to do. */
 void runEvents()
@@ -28,18 +32,18 @@ void runEvents()
 // In place of the library's. Qt answers a data URL by itself, from the event loop.
 QNetworkReply *QNetworkAccessManager::post(const QNetworkRequest &, const QByteArray &)
 {
-    return get(QNetworkRequest(QUrl("data:application/json;base64," + nextReply.toBase64())));
+    return get(QNetworkRequest(QUrl("data:application/json;base64," + nextReply().toBase64())));
 }
 
 AnsweredSite::AnsweredSite()
 {
-    nextReply =
+    nextReply() =
         R"({"evse_ids":{"EVSE-01":{"max_charging_current":16},"EVSE-02":{"max_charging_current":32}}})";
     const Job discovery = discover();
     runEvents();
     require(discovery->offers.size() == 1, "the gateway is found");
     m_offer = discovery->offers.first();
-    renewGateway(nextReply);
+    renewGateway(nextReply());
     require(wallboxes().size() == 2, "the group has two wallboxes");
 }
 
@@ -47,7 +51,7 @@ void AnsweredSite::renewGateway(const QByteArray &groupInfo)
 {
     if (gateway())
         remove(gateway());
-    nextReply = groupInfo;
+    nextReply() = groupInfo;
     const Job job = add(m_offer);
     runEvents();
     require(job->text == "NoError", "the gateway is added");
@@ -55,7 +59,7 @@ void AnsweredSite::renewGateway(const QByteArray &groupInfo)
 
 void AnsweredSite::setupGateway(const QByteArray &groupInfo)
 {
-    nextReply = groupInfo;
+    nextReply() = groupInfo;
     const Job job = setup(gateway());
     runEvents();
     require(job->text == "NoError", "an answered set-up ends");
@@ -63,7 +67,7 @@ void AnsweredSite::setupGateway(const QByteArray &groupInfo)
 
 void AnsweredSite::poll(const QByteArray &values)
 {
-    nextReply = values;
+    nextReply() = values;
     tick();
     runEvents();
     log.clear();

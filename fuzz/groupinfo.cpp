@@ -65,7 +65,8 @@ private:
         require(!thingClass.id.isNull(), "an announced wallbox has a class");
         wallboxes.append(new Thing(thingClass));
         wallboxes.last()->setParentId(descriptor.parentId());
-        for (const Param &param : descriptor.params())
+        const ParamList params = descriptor.params();
+        for (const Param &param : params)
             wallboxes.last()->setParamValue(param.paramTypeId(), param.value());
         ThingSetupInfo info(wallboxes.last(), std::chrono::milliseconds(0));
         daemon->plugin()->setupThing(&info);
