@@ -36,7 +36,7 @@ void CommandLine::read(const QStringList &arguments)
         m_parser.showVersion();
     if (!m_takesArguments && !m_parser.positionalArguments().isEmpty())
         endWithUsageError(
-            QStringLiteral("unexpected argument \"%1\"").arg(m_parser.positionalArguments().first()));
+            QStringLiteral("unexpected argument \"%1\"").arg(m_parser.positionalArguments().constFirst()));
 }
 
 double CommandLine::number(const char *option, double least, double most) const

@@ -50,8 +50,6 @@ private:
     Program *m_program = nullptr; // the one that is typed into; m_programs owns it
 };
 
-const QRegularExpression placeholder(QStringLiteral("%([a-zA-Z]+|\\*)%"));
-
 Player::Player(const QStringList &definitions)
 {
     for (const QString &definition : definitions)
@@ -226,6 +224,7 @@ QString Player::filledIn(QString text) const
 /*! Compares a whole \a line; placeholders that have no value yet take theirs from it. */
 bool Player::matches(const QString &text, const QString &line)
 {
+    static const QRegularExpression placeholder("%([a-zA-Z]+|\\*)%");
     const QString filled = filledIn(text);
     QString pattern;
     QStringList names;

@@ -91,7 +91,7 @@ Generator::Generator(const QJsonObject &catalogue)
     ids, so neither the namespace nor the path of an item may ever change. */
 QString Generator::newId(const QString &type, const QString &constant, const QString &path)
 {
-    const QString id = QUuid::createUuidV5(m_namespace, path).toString(QUuid::WithoutBraces);
+    QString id = QUuid::createUuidV5(m_namespace, path).toString(QUuid::WithoutBraces);
     m_constants.append({type, constant, id});
     return id;
 }
