@@ -54,7 +54,7 @@ QJsonObject valueRecord(const SimulatedWallbox &wallbox)
 HttpReply answerValues(Simulation &simulation, const QJsonObject &body)
 {
     const QJsonValue ids = body.value(QLatin1String("evse_ids"));
-    const HttpReply wrongShape = refusal(400, QStringLiteral("\"evse_ids\" must be an array of texts"));
+    HttpReply wrongShape = refusal(400, QStringLiteral("\"evse_ids\" must be an array of texts"));
     if (!ids.isArray())
         return wrongShape;
     QJsonObject values;

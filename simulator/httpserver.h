@@ -35,7 +35,7 @@ private:
     struct Stream;
 
     static MHD_Result receive(void *server, MHD_Connection *connection, const char *url, const char *method,
-                              const char *version, const char *data, size_t *size, void **request);
+                              const char *version, const char *data, size_t *size, void **state);
     static ssize_t readStream(void *stream, uint64_t position, char *buffer, size_t size);
 
     MHD_Result receiveHead(MHD_Connection *connection, HttpRequest &request);
