@@ -62,10 +62,10 @@ HttpReply stateReply(const Simulation &simulation)
     });
 }
 
-HttpReply listReply(const QString &name, const QJsonArray &list)
+HttpReply listReply(const char *name, const QJsonArray &list)
 {
     return jsonReply({
-        {name, list}
+        {QLatin1String(name), list}
     });
 }
 
@@ -74,42 +74,65 @@ QByteArray serverSentEvent(const char *name, const HttpReply &reply)
     return QByteArrayLiteral("event: ") + name + "\ndata: " + reply.body + "\n\n";
 }
 
-// Each event holds what the reading of the same name answers; "requests" only those that it has news of. The
-// history is told once.
+// The limits that have arrived since the previous call with the same \a seen.
+QJsonArray newLimits(const QJsonArray &limits, int &seen)
+{
+    QJsonArray news;
+    for (const QJsonValue &limit : limits) {
+        if (limit[QLatin1String("number")].toInt() > seen)
+            news.append(limit);
+    }
+    seen = limits.last()[QLatin1String("number")].toInt();
+    return news;
+}
+
+// Each event holds what the reading of the same name answers. Of "limits" and "log" it holds only what is new,
+// and the history comes once. The log comes last, when all that it may refer to is known.
 HttpReply eventsReply(Simulation &simulation)
 {
     HttpReply reply;
     reply.contentType = "text/event-stream";
-    reply.next = [&simulation, seen = 0, age = QElapsedTimer()]() mutable -> QByteArray {
+    reply.next = [&simulation, seen = 0, seenLimit = 0, age = QElapsedTimer()]() mutable -> QByteArray {
         if (age.isValid() && !age.hasExpired(streamPeriod.count()))
             return {};
         simulation.catchUp();
         QByteArray text = serverSentEvent("state", stateReply(simulation));
         if (!age.isValid())
-            text += serverSentEvent("history", listReply(QStringLiteral("history"), simulation.history));
+            text += serverSentEvent("history", listReply("history", simulation.history));
         age.start();
-        return text
-            + serverSentEvent("requests",
-                              listReply(QStringLiteral("requests"), simulation.log.changes(seen)));
+        text += serverSentEvent("limits", listReply("limits", newLimits(simulation.limits, seenLimit)));
+        return text + serverSentEvent("log", listReply("log", simulation.log.changes(seen)));
     };
     return reply;
+}
+
+HttpReply requestReply(const RequestLog &log, const QString &number)
+{
+    if (const std::optional<QJsonObject> record = log.record(number.toInt()))
+        return jsonReply(*record);
+    return refusal(404, QStringLiteral("the log has no request \"%1\"").arg(number));
 }
 
 } // namespace
 
 std::optional<HttpReply> answerReading(Simulation &simulation, const QString &path)
 {
+    const QLatin1String requestPath("/control/requests/");
     int seen = 0;
     if (path == QLatin1String("/control/state"))
         return stateReply(simulation);
     if (path == QLatin1String("/control/limits"))
-        return listReply(QStringLiteral("limits"), simulation.limits);
+        return listReply("limits", simulation.limits);
+    if (path == QLatin1String("/control/log"))
+        return listReply("log", simulation.log.changes(seen));
     if (path == QLatin1String("/control/requests"))
-        return listReply(QStringLiteral("requests"), simulation.log.changes(seen));
+        return listReply("requests", simulation.log.records());
+    if (path.startsWith(requestPath))
+        return requestReply(simulation.log, path.mid(requestPath.size()));
     if (path == QLatin1String("/control/history"))
-        return listReply(QStringLiteral("history"), simulation.history);
+        return listReply("history", simulation.history);
     if (path == QLatin1String("/control/faults"))
-        return listReply(QStringLiteral("faults"), describeFaults());
+        return listReply("faults", describeFaults());
     if (path == QLatin1String("/control/events"))
         return eventsReply(simulation);
     return {};

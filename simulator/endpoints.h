@@ -26,10 +26,12 @@ std::optional<HttpReply> answerBackend(Simulation &simulation, HttpRequest &requ
 
     GET  /control/state                  the yard, the faults, the number of requests
     GET  /control/limits                 {"limits": [...]}, oldest first
-    GET  /control/requests               {"requests": [...]}, oldest first
+    GET  /control/log                    {"log": [...]}, the requests without their bodies, oldest first
+    GET  /control/requests               {"requests": [...]}, the same with their bodies
+    GET  /control/requests/NUMBER        one of them
     GET  /control/history                {"history": [...]}, oldest first
     GET  /control/faults                 {"faults": [...]}, those that there are
-    GET  /control/events                 state and new requests, at first the history, as server-sent events
+    GET  /control/events                 state, new limits and log, at first the history: server-sent events
     POST /control/wallboxes              {"id", "maxChargingCurrent"}: adds one
     POST /control/wallboxes/ID/ACTION    plug, unplug, pause, resume, finish, break, mend, configure, remove
     POST /control/fault                  a value for each fault that shall be on; {} is none

@@ -6,6 +6,8 @@
 #include <QDateTime>
 #include <QJsonDocument>
 
+#include <set>
+
 namespace {
 
 constexpr std::size_t requestsKept = 200;
@@ -41,47 +43,89 @@ QJsonValue masked(const QByteArray &body)
     return withoutSecrets(document.object());
 }
 
+// What a request asks for, which may have any body: "EVSE-01 10 A", "4 wallboxes 6 to 16 A" or "4 wallboxes".
+QString summary(const QJsonValue &body)
+{
+    const QJsonObject limits = body[QLatin1String("limits")].toObject();
+    const int count = limits.size() + body[QLatin1String("evse_ids")].toArray().size();
+    QString text = QStringLiteral("%1 wallboxes").arg(count);
+    if (count == 1)
+        text = limits.isEmpty() ? QStringLiteral("1 wallbox") : limits.begin().key();
+    std::set<double> values;
+    for (const QJsonValue &limit : limits) {
+        if (limit[QLatin1String("value")].isDouble())
+            values.insert(limit[QLatin1String("value")].toDouble());
+    }
+    if (values.size() > 1)
+        text += QStringLiteral(" %1 to").arg(*values.begin());
+    if (!values.empty())
+        text += QStringLiteral(" %1 A").arg(*values.rbegin());
+    return count > 0 ? text : QString();
+}
+
 } // namespace
 
 void RequestLog::begin(const QString &operation, HttpRequest &request)
 {
     request.number = ++m_count;
+    const QJsonValue body = masked(request.body);
     const QJsonObject record{
-        {QStringLiteral("number"),     m_count             },
-        {QStringLiteral("time"),       utcNow()            },
-        {QStringLiteral("operation"),  operation           },
-        {QStringLiteral("path"),       request.path        },
-        {QStringLiteral("request"),    masked(request.body)},
-        {QStringLiteral("status"),     QJsonValue()        },
-        {QStringLiteral("durationMs"), QJsonValue()        },
-        {QStringLiteral("reply"),      QJsonValue()        }
+        {QStringLiteral("number"),     m_count      },
+        {QStringLiteral("time"),       utcNow()     },
+        {QStringLiteral("operation"),  operation    },
+        {QStringLiteral("path"),       request.path },
+        {QStringLiteral("summary"),    summary(body)},
+        {QStringLiteral("status"),     QJsonValue() },
+        {QStringLiteral("durationMs"), QJsonValue() },
+        {QStringLiteral("succeeded"),  false        },
+        {QStringLiteral("request"),    body         },
+        {QStringLiteral("reply"),      QJsonValue() }
     };
-    m_entries.push_back({++m_changeCount, record});
+    m_entries[m_count] = {++m_changeCount, record};
     if (m_entries.size() > requestsKept)
-        m_entries.pop_front();
+        m_entries.erase(m_entries.begin());
 }
 
 void RequestLog::end(const HttpRequest &request, const HttpReply &reply)
 {
-    const auto later = std::size_t(m_count - request.number);
-    if (later >= m_entries.size())
-        return; // it waited for so long that it has dropped out
-    Entry &entry = m_entries[m_entries.size() - 1 - later];
-    entry.change = ++m_changeCount;
-    entry.record.insert(QStringLiteral("status"), reply.status);
-    entry.record.insert(QStringLiteral("durationMs"), double(request.age.nsecsElapsed()) / 1e6);
-    entry.record.insert(QStringLiteral("reply"), masked(reply.body));
+    const auto entry = m_entries.find(request.number);
+    if (entry == m_entries.end())
+        return; // It was held back for so long that newer requests have replaced it.
+    auto &[change, record] = entry->second;
+    change = ++m_changeCount;
+    record[QLatin1String("status")] = reply.status;
+    record[QLatin1String("durationMs")] = double(request.age.nsecsElapsed()) / 1e6;
+    record[QLatin1String("succeeded")] =
+        QJsonDocument::fromJson(reply.body)[QLatin1String("success")].toBool();
+    record[QLatin1String("reply")] = masked(reply.body);
+}
+
+QJsonArray RequestLog::records() const
+{
+    QJsonArray records;
+    for (const auto &[number, entry] : m_entries)
+        records.append(entry.record);
+    return records;
 }
 
 QJsonArray RequestLog::changes(int &seen) const
 {
     QJsonArray changes;
-    for (const Entry &entry : m_entries) {
-        if (entry.change > seen)
-            changes.append(entry.record);
+    for (auto [number, entry] : m_entries) {
+        if (entry.change <= seen)
+            continue;
+        entry.record.remove(QLatin1String("request"));
+        entry.record.remove(QLatin1String("reply"));
+        changes.append(entry.record);
     }
     seen = m_changeCount;
     return changes;
+}
+
+std::optional<QJsonObject> RequestLog::record(int number) const
+{
+    const auto entry = m_entries.find(number);
+    return entry == m_entries.end() ? std::nullopt : std::optional(entry->second.record);
 }
 
 QString utcNow()

@@ -8,25 +8,29 @@
 
 #include <QJsonArray>
 
-#include <deque>
+#include <map>
+#include <optional>
 
-/*! The last requests to the backend and how they were answered.
+/*! The last 200 requests to the backend and how they were answered:
+    {"number", "time", "operation", "path", "summary", "status", "durationMs", "succeeded", "request", "reply"}.
 
-    A record is there from the moment its request has arrived; "status", "durationMs" and "reply" are null as
-    long as it has no answer. The group secret is masked, and headers, with the token among them, are not
-    kept. */
+    A record exists from the moment its request has arrived. "status", "durationMs" and "reply" are null as
+    long as it has no answer. "request" and "reply" are the bodies: JSON objects, or a text that describes
+    anything else. "summary" says in a few words what a request asks for. The group secret is masked, and
+    headers, with the token among them, are not kept. */
 class RequestLog
 {
 public:
-    /*! Notes \a request and gives it its number, counted from 1. */
+    /*! Records \a request and gives it its number, counted from 1. */
     void begin(const QString &operation, HttpRequest &request);
-    /*! Notes the answer to a \a request that has been noted. */
+    /*! Records the answer to a \a request that has been recorded. */
     void end(const HttpRequest &request, const HttpReply &reply);
 
-    /*! Those of the last requests that have come or have been answered since the call before that had the
-        same \a seen, which is 0 at first. Oldest first: {"number", "time", "operation", "path", "request",
-        "status", "durationMs", "reply"}. Bodies are JSON objects, or a text that describes what is none. */
+    QJsonArray records() const; //!< oldest first
+    /*! The records that are new or have changed since the previous call with the same \a seen, which is 0 at
+        first. Oldest first, without "request" and "reply". */
     QJsonArray changes(int &seen) const;
+    std::optional<QJsonObject> record(int number) const;
     /*! How many there have been since the start. */
     int count() const { return m_count; }
 
@@ -37,7 +41,7 @@ private:
         QJsonObject record;
     };
 
-    std::deque<Entry> m_entries; // oldest first; the last one has the number m_count
+    std::map<int, Entry> m_entries; // by number
     int m_count = 0;
     int m_changeCount = 0;
 };

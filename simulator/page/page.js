@@ -6,15 +6,18 @@ const windowMs = 5 * 60 * 1000,
     pollMs = 2000,
     patienceMs = 4000,
     gapMs = 5000,
-    kept = 200;
+    keptRequests = 200,
+    mostCards = 8; // of more wallboxes, only the chosen one is shown in full
 let yard = null; // the last state
-let clockOffset = 0; // the simulator's clock less ours, ms
-let faults = []; // that there are, as the simulator describes them
+let clockOffset = 0; // the simulator's clock less this one, ms
+let faults = []; // the known ones, as the simulator describes them
 let samples = []; // {t, wallboxes: {id: [power, offered power]}}, W
+let plotSize = {width: 0, height: 0};
+let limits = []; // received in the last five minutes
 const requests = new Map(); // by number: {record, item}
 const cards = new Map(); // by wallbox id
 
-/* Text and numbers. Ids and replies may hold any text: it is only ever set as text. */
+/* Text and numbers. Ids and replies may hold any text: it is never set as HTML. */
 const setText = (node, text) => {
     if (node.textContent !== String(text)) node.textContent = text;
 };
@@ -25,6 +28,7 @@ const kilo = (value, digits = 2) => (value / 1000).toFixed(digits);
 const ampere = value => `${Math.round(value * 10) / 10} A`;
 const now = () => Date.now() + clockOffset;
 const clock = time => new Date(time).toLocaleTimeString([], {hour12: false});
+const isDense = () => yard.wallboxes.length > mostCards;
 const sum = values => values.reduce((total, value) => total + value, 0);
 function age(time) {
     const seconds = Math.max(0, Math.round((now() - time) / 1000));
@@ -34,11 +38,11 @@ function age(time) {
           ? `${Math.round(seconds / 60)} min ago`
           : `${Math.round(seconds / 3600)} h ago`;
 }
-// A reply too long to be kept is described by its length.
-const succeeded = record =>
-    record.status === 200 && (record.reply?.success === true || /^\d+ bytes$/.test(record.reply));
-const answeredAt = record => Date.parse(record.time) + record.durationMs;
-const setGlyph = (node, name) => node.querySelector("use").setAttribute("href", `#${name}`);
+// Writing an attribute makes the browser style the element again, even if it is the same as before.
+const setAttribute = (node, name, value) => {
+    if (node.getAttribute(name) !== String(value)) node.setAttribute(name, value);
+};
+const setGlyph = (node, name) => setAttribute(node.querySelector("use"), "href", `#${name}`);
 
 /* The cards */
 function makeCard(id) {
@@ -46,14 +50,20 @@ function makeCard(id) {
     card.dataset.id = id;
     card.setAttribute("aria-label", id);
     setText(card.querySelector(".id"), id);
-    for (const button of card.querySelectorAll("button[data-path]")) button.dataset.says = button.textContent;
+    card.querySelector(".id").title = id;
+    const phases = card.querySelector(".phases");
+    for (const name of ["L2", "L3"]) {
+        const row = phases.firstElementChild.cloneNode(true);
+        setText(row.firstElementChild, name);
+        phases.append(row);
+    }
     return card;
 }
 
 function fillCard(card, wallbox) {
     const find = selector => card.querySelector(selector);
     const {car, limit} = wallbox;
-    card.dataset.status = wallbox.status;
+    setAttribute(card, "data-status", wallbox.status);
     setGlyph(find(".status"), wallbox.status);
     setText(find(".status span"), wallbox.status);
     setText(find(".power-now span"), kilo(wallbox.power));
@@ -68,13 +78,9 @@ function fillCard(card, wallbox) {
         find(".car"),
         car ? `${car.phases} phase${car.phases > 1 ? "s" : ""}, up to ${ampere(car.maxCurrent)}` : "none",
     );
-    setText(
-        find(".limit"),
-        limit ? `${ampere(limit.value)}, ${age(Date.parse(limit.time))}` : "none received",
-    );
+    setText(find(".limit"), limit ? `${ampere(limit.value)}, ${age(Date.parse(limit.time))}` : "none yet");
     setText(find(".energy"), `${kilo(wallbox.sessionEnergy, 3)} kWh`);
-    setText(find(".maximum"), wallbox.maxChargingCurrent);
-    find("[data-path=configure] input").placeholder = wallbox.maxChargingCurrent;
+    setAttribute(find("[data-path=configure] input"), "placeholder", wallbox.maxChargingCurrent);
     const canPause = car && !["Finishing", "Faulted"].includes(wallbox.status);
     const offers = {
         plug: !car,
@@ -88,7 +94,8 @@ function fillCard(card, wallbox) {
     for (const [path, isOffered] of Object.entries(offers)) show(find(`[data-path=${path}]`), isOffered);
     const isPlotted = $("plotted").value === wallbox.id;
     card.classList.toggle("plotted", isPlotted);
-    find(".id").setAttribute("aria-pressed", isPlotted);
+    card.classList.toggle("tile", isDense() && !isPlotted);
+    setAttribute(find(".id"), "aria-pressed", isPlotted);
 }
 
 function fillCards(wallboxes) {
@@ -105,7 +112,7 @@ function fillCards(wallboxes) {
             $("cards").insertBefore(card, $("cards").children[index] ?? null);
         fillCard(card, wallbox);
     });
-    // The button that had the focus may be gone: whoever works by keyboard goes on from its neighbour.
+    // If the button that had the focus has disappeared, another one gets it, for those who work by keyboard.
     if (home && !focused.checkVisibility())
         (home.isConnected ? home.querySelector(".hands button:not([hidden], [hidden] *)") : $("add")).focus();
 }
@@ -120,11 +127,31 @@ function fillGroup() {
     setText($("total-limit"), `limit ${kilo(sum(boxes.map(box => box.offeredPower)))} kW`);
     setText($("speed"), yard.speed);
     document.querySelector("input[name=group]").placeholder = yard.group;
+    setText($("faulty"), faultText());
+    show($("faulty"), faultText());
+    fillFaults();
+    fillChooser(boxes.map(box => box.id));
+    document.body.classList.toggle("dense", isDense());
+    show($("choose"), isDense() && !$("plotted").value);
+}
+
+function faultText() {
     const on = faults.filter(fault => yard.fault[fault.name]);
     const text = on.map(fault => fault.says.replace("%1", yard.fault[fault.name])).join(", ");
-    setText($("misbehaving"), text && `The backend is told to misbehave: ${text}.`);
-    show($("misbehaving"), text);
-    fillChooser(boxes.map(box => box.id));
+    return text && `The backend has faults: ${text}.`;
+}
+
+// The form shows the faults that are set, whoever has set them. Between two changes it keeps what is entered.
+function fillFaults() {
+    const text = JSON.stringify([faults, yard.fault]);
+    if ($("faults").dataset.shown === text) return;
+    $("faults").dataset.shown = text;
+    for (const {name, most} of faults) {
+        const input = $("faults").elements[name],
+            value = yard.fault[name];
+        if (most) input.value = value ?? "";
+        else input.checked = value ?? false;
+    }
 }
 
 // The fields of the fault form. A number has bounds, the others are on or off.
@@ -138,7 +165,7 @@ function makeFaultFields() {
                 type: "number",
                 min: least,
                 max: most,
-                placeholder: least ? "as it is" : "none",
+                placeholder: least ? "not set" : "none",
             });
         else Object.assign(input, {type: "checkbox"});
         field.className = most ? "" : "check";
@@ -163,11 +190,11 @@ function fillRates() {
     );
     const last = records[records.length - 1];
     setText($("polls"), (polls.length / 10).toFixed(1));
-    setText($("last-operation"), last ? last.operation || last.path : "none");
+    setText($("last-operation"), last ? last.operation || last.path : "none yet");
     setText($("last-age"), last ? age(Date.parse(last.time)) : "");
 }
 
-/* The plot: SVG by hand, redrawn as time goes by */
+/* The plot: SVG that is written anew with each change */
 function draw() {
     const id = $("plotted").value;
     const points = samples.map(({t, wallboxes}) => {
@@ -175,30 +202,30 @@ function draw() {
         return {t, power: sum(values.map(value => value[0])), limit: sum(values.map(value => value[1]))};
     });
     const frame = makeFrame(points);
-    const marks = limitMarks(id)
-        .filter(mark => mark.t > frame.start)
-        .reverse();
+    const marks = limitMarks(id, frame.start).reverse();
     $("plot").replaceChildren(...drawAxes(frame), ...drawMarks(frame, marks), ...drawLines(frame, points));
 
     const last = points[points.length - 1];
     setText($("power-now"), `${kilo(last.power)} kW`);
     setText($("limit-now"), `${kilo(last.limit)} kW`);
-    setText($("limit-age"), marks.length ? age(marks[0].t) : "none in this time");
+    const none = yard.wallboxes.some(box => box.limit)
+        ? "none in this time"
+        : "none yet: set a charging current in the client";
+    setText($("limit-age"), marks.length ? age(marks[0].t) : none);
 }
 
 // Where a time and a power are, in pixels.
 function makeFrame(points) {
-    const {clientWidth: width, clientHeight: height} = $("plot");
+    const {width, height} = plotSize;
     const left = 40,
         right = width - 10,
         top = 24,
         floor = height - 36;
     const end = now(),
         start = end - windowMs;
-    const most = Math.max(4000, ...points.map(point => Math.max(point.power, point.limit)));
+    const most = 1.05 * Math.max(4000, ...points.map(point => Math.max(point.power, point.limit)));
     const magnitude = 10 ** Math.floor(Math.log10(most / 4));
-    const step = magnitude * [1, 2, 2.5, 5, 10].find(factor => factor * magnitude >= most / 4);
-    const steps = Math.ceil(most / step);
+    const step = magnitude * [1, 2, 2.5, 5, 10].find(factor => factor * magnitude >= most / 5);
     return {
         left,
         right,
@@ -208,15 +235,15 @@ function makeFrame(points) {
         start,
         end,
         step,
-        steps,
+        most,
         x: t => (left + ((t - start) / windowMs) * (right - left)).toFixed(1),
-        y: watt => (floor - (watt / (steps * step)) * (floor - top)).toFixed(1),
+        y: watt => (floor - (watt / most) * (floor - top)).toFixed(1),
     };
 }
 
-function drawAxes({left, right, height, end, step, steps, x, y}) {
+function drawAxes({left, right, height, end, step, most, x, y}) {
     const parts = [svg("text", {class: "watt", x: left - 8, y: 10}, "kW")];
-    for (let watt = 0; watt <= steps * step; watt += step) {
+    for (let watt = 0; watt <= most; watt += step) {
         parts.push(svg("path", {class: "grid", d: `M${left} ${y(watt)}H${right}`}));
         parts.push(svg("text", {class: "watt", x: left - 8, y: Number(y(watt)) + 4}, watt / 1000));
     }
@@ -244,11 +271,15 @@ function drawMarks({top, floor, x}, marks) {
 
 function drawLines({floor, end, x, y}, points) {
     const lines = unbroken(points, end);
+    show($("gap"), lines.length > 1);
+    // Steps. A value that stays needs no points in between.
     const path = (line, name) =>
         line
-            .map((point, index) =>
-                index ? `H${x(point.t)}V${y(point[name])}` : `M${x(point.t)} ${y(point[name])}`,
-            )
+            .map((point, index) => {
+                if (!index) return `M${x(point.t)} ${y(point[name])}`;
+                const stays = point[name] === line[index - 1][name] && index < line.length - 1;
+                return stays ? "" : `H${x(point.t)}V${y(point[name])}`;
+            })
             .join("");
     return [
         ...lines.map(line =>
@@ -260,7 +291,7 @@ function drawLines({floor, end, x, y}, points) {
     ];
 }
 
-// A line for each time in which somebody looked on; in between is a gap.
+// A line for each time without a gap.
 function unbroken(points, end) {
     const lines = [];
     points.forEach((point, index) => {
@@ -279,69 +310,62 @@ function svg(name, attributes, text = "") {
     return node;
 }
 
-// When limits arrived, of the group or of one wallbox; with the current where it is another than before.
-function limitMarks(id) {
+// When limits arrived, for the group or for one wallbox. For a wallbox each change is labelled with the current.
+function limitMarks(id, start) {
+    limits = limits.filter(limit => Date.parse(limit.time) > start);
     const marks = [];
     let before = null;
-    for (const {record} of requests.values()) {
-        if (record.operation !== "set_limits" || !succeeded(record)) continue;
-        const limit = record.request.limits?.[id];
-        if (id && !limit) continue;
-        marks.push({t: answeredAt(record), label: id && limit.value !== before ? ampere(limit.value) : ""});
-        before = limit?.value;
+    for (const {time, id: target, value} of limits) {
+        const t = Date.parse(time);
+        const isSame = !id && t - marks[marks.length - 1]?.t < 300; // on the same pixel
+        if ((id && target !== id) || isSame) continue;
+        marks.push({t, label: id && value !== before ? ampere(value) : ""});
+        before = value;
     }
     return marks;
 }
 
 /* The log */
-// What a request asked for. It may have been refused, and hold anything.
-function asked(record) {
-    const {evse_ids: ids, limits} = record.request;
-    if (Array.isArray(ids)) return ids.length === 1 ? "1 wallbox" : `${ids.length} wallboxes`;
-    const values = Object.values(limits ?? {})
-        .map(limit => limit?.value)
-        .filter(Number.isFinite);
-    if (!values.length) return record.operation ? "" : record.path;
-    const least = Math.min(...values),
-        most = Math.max(...values);
-    const who = values.length === 1 ? Object.keys(limits)[0] : `${values.length} wallboxes`;
-    return `${who} ${least < most ? `${least} to ` : ""}${most} A`;
-}
-
 function makeItem() {
     const item = $("item").content.firstElementChild.cloneNode(true);
-    item.firstElementChild.addEventListener("toggle", () => fillBody(item));
+    item.firstElementChild.addEventListener("toggle", () => fillBodies(item));
     return item;
 }
 
 function fillItem(item, record) {
-    const {status, durationMs} = record,
+    const {operation, status, durationMs, succeeded} = record,
         isAnswered = status !== null;
+    const asked = record.summary || (operation ? "" : record.path);
     const write = (name, text) => setText(item.querySelector(name), text);
     write(".time", clock(record.time));
-    write(".operation", record.operation || "unknown");
-    write(".asked", asked(record));
-    write(".code", isAnswered ? `${succeeded(record) ? "✓" : "✕"} ${status}` : "waits");
+    write(".operation", operation || "unknown");
+    write(".asked", asked);
+    write(".code", isAnswered ? `${succeeded ? "✓" : "✕"} ${status}` : "waits");
     write(
         ".took",
         isAnswered ? `${durationMs < 10 ? durationMs.toFixed(2) : Math.round(durationMs)} ms` : "",
     );
-    item.querySelector(".asked").title = asked(record);
-    item.classList.toggle("failed", isAnswered && !succeeded(record));
-    item.classList.toggle("poll", succeeded(record) && record.operation === "get_values");
+    item.querySelector(".asked").title = asked;
+    item.classList.toggle("failed", isAnswered && !succeeded);
+    item.classList.toggle("poll", succeeded && operation === "get_values");
     item.record = record;
-    fillBody(item);
+    fillBodies(item);
 }
 
-// Two hundred bodies are a lot of text: only those are written that are read.
-function fillBody(item) {
+// The bodies are a lot of text: only those that are looked at are fetched.
+async function fillBodies(item) {
     if (!item.firstElementChild.open) return;
-    const {number, path, request, reply} = item.record;
+    const {number, path} = item.record;
     const write = (name, value) =>
         setText(item.querySelector(name), typeof value === "string" ? value : JSON.stringify(value, null, 2));
     write("h4", `Request ${number} to ${path}`);
-    write(".request", request);
-    write(".reply", reply ?? "none yet");
+    try {
+        const {request, reply} = await ask(`requests/${number}`);
+        write(".request", request);
+        write(".reply", reply ?? "none yet");
+    } catch (error) {
+        write(".request", error.message);
+    }
 }
 
 function merge(records) {
@@ -353,15 +377,15 @@ function merge(records) {
         if (known?.record.time !== record.time || known.record.status !== record.status)
             fillItem(item, record);
     }
-    for (const number of [...requests.keys()].slice(0, -kept)) {
+    for (const number of [...requests.keys()].slice(0, -keptRequests)) {
         requests.get(number).item.remove();
         requests.delete(number);
     }
 }
 
-/* News from the simulator: a stream of events, or asking again while there is none */
+/* News from the simulator: a stream of events, or requests while there is no stream */
 let stream = null,
-    lastHeard = 0,
+    watchdog = 0,
     pollTimer = 0,
     isPolling = false,
     lostSince = null;
@@ -373,7 +397,7 @@ async function ask(path, options = {}) {
     return reply;
 }
 
-function apply(state) {
+function note(state) {
     yard = state;
     if (!faults.length) learnFaults().catch(() => {});
     const t = Date.parse(state.time);
@@ -386,30 +410,31 @@ function apply(state) {
             ),
         });
     while (samples[0]?.t < t - windowMs) samples.shift();
-    render();
 }
 
 function render() {
+    if (!yard || document.hidden) return;
     fillGroup();
+    fillRates();
     fillCards(yard.wallboxes);
-    tick();
+    draw();
 }
 
-// A simulator that has been started again counts from one.
+// A simulator that has been restarted counts from one.
 function forgetOlderRun(state) {
     if (state.requestCount >= Math.max(0, ...requests.keys())) return;
     requests.clear();
     $("log").replaceChildren();
 }
 
-// What happened while this page did not look on.
+// Adds what happened while this page was not connected.
 function recall(history) {
     const others = history.map(({time, wallboxes}) => ({t: Date.parse(time), wallboxes}));
     const missed = others.filter(other => !samples.some(sample => Math.abs(sample.t - other.t) < 1000));
     samples = [...samples, ...missed].sort((one, other) => one.t - other.t);
 }
 
-// Asked for with each state until they have come.
+// Called with each state until it has succeeded.
 async function learnFaults() {
     const reply = await ask("faults");
     if (faults.length) return;
@@ -420,26 +445,38 @@ async function learnFaults() {
 
 function open() {
     const opened = new EventSource("/control/events");
-    stream = opened;
+    const listen = (name, take) => opened.addEventListener(name, event => take(JSON.parse(event.data)));
     let isNew = true;
-    lastHeard = Date.now();
-    opened.addEventListener("state", event => {
-        const state = JSON.parse(event.data);
-        lastHeard = Date.now();
+    stream = opened;
+    watch();
+    listen("state", state => {
+        watch();
         if (isNew) {
             isNew = isPolling = false;
             clearTimeout(pollTimer);
             setLink("live");
             forgetOlderRun(state);
+            limits = []; // A new stream begins with all of them.
         }
-        apply(state);
+        note(state);
     });
-    opened.addEventListener("history", event => recall(JSON.parse(event.data).history));
-    opened.addEventListener("requests", event => merge(JSON.parse(event.data).requests));
+    listen("history", news => recall(news.history));
+    listen("limits", news => limits.push(...news.limits));
+    // The last event of each turn.
+    listen("log", news => {
+        merge(news.log);
+        render();
+    });
     opened.onerror = () => stream === opened && lose();
 }
 
+function watch() {
+    clearTimeout(watchdog);
+    watchdog = setTimeout(lose, patienceMs);
+}
+
 function lose() {
+    clearTimeout(watchdog);
     stream.close();
     stream = null;
     if (!isPolling) poll();
@@ -448,16 +485,18 @@ function lose() {
 async function poll() {
     isPolling = true;
     try {
-        const [state, {requests: records}] = await Promise.all([ask("state"), ask("requests")]);
+        const [state, news, received] = await Promise.all(["state", "log", "limits"].map(path => ask(path)));
         if (!isPolling) return; // the stream is back
         setLink("polling");
         forgetOlderRun(state);
-        merge(records);
-        apply(state);
+        limits = received.limits;
+        note(state);
+        merge(news.log);
     } catch {
         if (!isPolling) return;
         setLink("lost");
     }
+    render();
     if (!stream) open();
     pollTimer = setTimeout(poll, pollMs);
 }
@@ -468,28 +507,21 @@ function setLink(link) {
     setGlyph($("link"), link);
     setText(
         $("link").querySelector("span"),
-        {live: "Live", polling: "Asking every 2 s", lost: "No answer"}[link],
+        {live: "Live", polling: "Updates every 2 s", lost: "No answer"}[link],
     );
     setText(
         $("outage"),
         {
             live: "",
-            polling: "The live stream is broken: the page asks every 2 s instead.",
-            lost: `No answer from the simulator since ${lostSince}; what you see is from before. Asking again every 2 s.`,
+            polling: "The live connection is interrupted. The page is updated every 2 s instead.",
+            lost: `The simulator has not answered since ${lostSince}. The page shows what was known then, and tries again every 2 s.`,
         }[link],
     );
     show($("outage"), link !== "live");
     document.title = `${link === "lost" ? "No answer: " : ""}Charging yard`;
 }
 
-function tick() {
-    if (stream && Date.now() - lastHeard > patienceMs) lose();
-    if (!yard) return;
-    fillRates();
-    draw();
-}
-
-/* User actions: every form and button with a path posts to the control endpoint */
+/* User actions: each form and button with a path posts to the control endpoint */
 let toastTimer = 0;
 function say(text) {
     setText($("toast"), text);
@@ -497,19 +529,18 @@ function say(text) {
     toastTimer = setTimeout(() => setText($("toast"), ""), 6000);
 }
 
-async function act(element, body) {
-    const id = element.closest(".card")?.dataset.id;
-    const path =
-        id === undefined
-            ? element.dataset.path
-            : `wallboxes/${encodeURIComponent(id)}/${element.dataset.path}`;
-    const what = (id === undefined ? "" : `${id}: `) + element.dataset.says.toLowerCase();
+async function act(button, path, body) {
+    const id = button.closest(".card")?.dataset.id;
+    const isCard = id !== undefined;
+    const prefix = isCard ? `${id}: ` : "";
+    const target = isCard ? `wallboxes/${encodeURIComponent(id)}/${path}` : path;
     try {
-        apply(await ask(path, {method: "POST", body: JSON.stringify(body)}));
-        say(`${what}, done`);
+        note(await ask(target, {method: "POST", body: JSON.stringify(body)}));
+        render();
+        say(prefix + (button.dataset.done ?? (faultText() || "The backend answers without faults.")));
         return true;
     } catch (error) {
-        say(`${what} failed: ${error.message}`);
+        say(`${prefix}${button.textContent} failed: ${error.message}`);
     }
 }
 
@@ -525,24 +556,27 @@ function bodyOf(form) {
 
 document.addEventListener("submit", async event => {
     event.preventDefault();
-    if ((await act(event.target, bodyOf(event.target))) && "clear" in event.target.dataset)
-        event.target.reset();
+    const form = event.target;
+    if ((await act(event.submitter, form.dataset.path, bodyOf(form))) && "clear" in form.dataset)
+        form.reset();
 });
 document.addEventListener("click", event => {
     const button = event.target.closest("button");
-    if (button?.dataset.path) act(button, {});
+    if (button?.dataset.path) act(button, button.dataset.path, {});
     else if (button?.classList.contains("id"))
         plot($("plotted").value === button.textContent ? "" : button.textContent);
 });
+document.addEventListener("visibilitychange", render);
 function plot(id) {
     $("plotted").value = id;
     history.replaceState(null, "", `#${encodeURIComponent(id)}`); // for the next time, and for a link
     render();
 }
 $("plotted").addEventListener("change", event => plot(event.target.value));
-$("behave").addEventListener("click", event => act(event.target.form, {}));
 $("quiet").addEventListener("change", event => $("log").classList.toggle("quiet", event.target.checked));
 $("address").textContent = location.host;
-new ResizeObserver(() => yard && draw()).observe($("plot"));
-setInterval(tick, 500);
+new ResizeObserver(([entry]) => {
+    plotSize = entry.contentRect;
+    render();
+}).observe($("plot"));
 open();
