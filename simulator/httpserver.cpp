@@ -3,21 +3,22 @@
 
 #include "httpserver.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
+#include <QHostInfo>
+#include <QTcpServer>
 
-#include <netdb.h>
-#include <unistd.h>
+#include <algorithm>
+
+#include <fcntl.h>
+#include <sys/socket.h>
 
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr unsigned mostConnections = 500; // half of the descriptors that a process usually has
+constexpr unsigned mostConnections = 500; // half the usual limit of open files
 constexpr unsigned idleSeconds = 60;      // far more than the two seconds between polls
 constexpr int largestBody = 1 << 20;      // bytes
-constexpr int mostBytesRead = 2 << 20;    // of a body that has not announced its length
+constexpr int mostBytesRead = 2 << 20;    // of a body whose length was not announced
 constexpr size_t streamBlock = 4096;      // bytes
 constexpr auto retryPeriod = 20ms;        // for requests that are held back and streams that wait
 constexpr auto idleCheckPeriod = 1s;
@@ -25,20 +26,6 @@ constexpr auto idleCheckPeriod = 1s;
 QByteArray header(MHD_Connection *connection, const char *name)
 {
     return MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
-}
-
-// A listening socket; or -1, with the reason in errno, which the library would lose.
-int listenOn(const addrinfo &address)
-{
-    const int on = 1;
-    const int listener = ::socket(address.ai_family, address.ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    ::setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    if (::bind(listener, address.ai_addr, address.ai_addrlen) == 0 && ::listen(listener, SOMAXCONN) == 0)
-        return listener;
-    const int error = errno;
-    ::close(listener);
-    errno = error;
-    return -1;
 }
 
 void deleteRequest(void * /*server*/, MHD_Connection * /*connection*/, void **request,
@@ -73,26 +60,25 @@ HttpServer::~HttpServer()
 {
     m_notifier.reset(); // its descriptor is the daemon's
     for (const auto &[connection, request] : m_suspended)
-        MHD_resume_connection(connection); // the daemon must not be stopped before
+        MHD_resume_connection(connection); // required before the daemon is stopped
     if (m_daemon)
         MHD_stop_daemon(m_daemon);
 }
 
 QString HttpServer::listen(const QString &address, int port)
 {
-    addrinfo hints{};
-    hints.ai_socktype = SOCK_STREAM;
-    addrinfo *found = nullptr;
-    if (::getaddrinfo(qPrintable(address), qPrintable(QString::number(port)), &hints, &found) != 0)
+    const QList<QHostAddress> found = QHostInfo::fromName(address).addresses();
+    if (found.isEmpty())
         return QStringLiteral("no such address");
-    int listener = -1;
-    for (const addrinfo *candidate = found; candidate && listener < 0; candidate = candidate->ai_next)
-        listener = listenOn(*candidate);
-    const int error = errno;
-    ::freeaddrinfo(found);
-    if (listener < 0)
-        return QString::fromLocal8Bit(std::strerror(error));
-    // The daemon owns the socket from here on.
+    QTcpServer socket;
+    const auto canListen = [&socket, port](const QHostAddress &host) {
+        return socket.listen(host, quint16(port));
+    };
+    if (std::none_of(found.begin(), found.end(), canListen))
+        return socket.errorString();
+    const int listener = ::fcntl(int(socket.socketDescriptor()), F_DUPFD_CLOEXEC, 0);
+    ::listen(listener, SOMAXCONN); // Qt lets only 50 connections wait.
+    // From here on the daemon owns the listening socket.
     m_daemon = MHD_start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr, nullptr, &receive, this,
                                 MHD_OPTION_LISTEN_SOCKET, listener, MHD_OPTION_NOTIFY_COMPLETED,
                                 &deleteRequest, nullptr, MHD_OPTION_CONNECTION_LIMIT, mostConnections,
@@ -118,7 +104,7 @@ MHD_Result HttpServer::receive(void *server, MHD_Connection *connection, const c
     auto *self = static_cast<HttpServer *>(server);
     auto *request = static_cast<HttpRequest *>(*state);
     if (!request) {
-        request = new HttpRequest; // deleteRequest() ends it
+        request = new HttpRequest; // deleted by deleteRequest()
         *state = request;
         request->method = method;
         request->path = QString::fromUtf8(url);
@@ -128,10 +114,10 @@ MHD_Result HttpServer::receive(void *server, MHD_Connection *connection, const c
         return self->answer(connection, *request);
     request->body.append(data, int(*size));
     *size = 0;
-    return request->body.size() <= mostBytesRead ? MHD_YES : MHD_NO; // which ends the connection
+    return request->body.size() <= mostBytesRead ? MHD_YES : MHD_NO; // MHD_NO ends the connection
 }
 
-// A refusal at this point ends the connection, so that the body cannot pass for the next request.
+// A refusal at this point ends the connection, so that the body is not taken for the next request.
 MHD_Result HttpServer::receiveHead(MHD_Connection *connection, HttpRequest &request)
 {
     if (header(connection, "Content-Length").toULongLong() > qulonglong(largestBody))
@@ -224,5 +210,5 @@ void HttpServer::run()
     MHD_run(m_daemon);
     MHD_UNSIGNED_LONG_LONG timeout = 0;
     if (MHD_get_timeout(m_daemon, &timeout) == MHD_YES && timeout == 0)
-        QTimer::singleShot(0, this, &HttpServer::run); // there is more that has been received
+        QTimer::singleShot(0, this, &HttpServer::run); // more has already been received
 }

@@ -15,19 +15,18 @@
 #include <memory>
 #include <optional>
 
-/*! libmicrohttpd in Qt's event loop: one thread for all connections. Deleting the server ends them, whatever
-    they are doing. It serves 500 connections; further ones wait until one of these has ended. */
+/*! libmicrohttpd in Qt's event loop: one thread for all connections. Deleting the server ends all connections.
+    It serves 500 connections. Further ones wait until one of these has ended. */
 class HttpServer : public QObject
 {
 public:
-    /*! Returns the reply to a request; or nothing, and is asked again a moment later. */
+    /*! Returns the reply to a request. If it returns nothing, it is called again after a moment. */
     using Answer = std::function<std::optional<HttpReply>(HttpRequest &request)>;
     explicit HttpServer(const Answer &answer);
     ~HttpServer() override;
     Q_DISABLE_COPY(HttpServer)
 
-    /*! Clients can connect from here on. \a port 0 takes one that is free. Returns why it is not possible;
-        empty on success. */
+    /*! Lets clients connect. \a port 0 takes a free one. Returns why it failed; empty on success. */
     QString listen(const QString &address, int port);
     int port() const;
 
@@ -49,8 +48,8 @@ private:
     MHD_Daemon *m_daemon = nullptr; // owned by this object; runs from listen() on
     std::unique_ptr<QSocketNotifier> m_notifier;
     QTimer m_timer;
-    /*! Connections that wait: with a request that has no reply yet, or a stream (null) that has nothing to
-        send. The daemon owns them, and does not notice meanwhile if a client goes. */
+    /*! Connections that wait, with the request that has no reply yet, or null for a stream that has nothing to
+        send. The daemon owns them. While they wait, it does not notice that a client has disconnected. */
     std::map<MHD_Connection *, HttpRequest *> m_suspended;
 };
 
