@@ -12,7 +12,7 @@ namespace {
 
 constexpr char accessToken[] = "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f";
 
-// With one more member, unless its name is empty.
+// A reply with one more member, unless its name is empty.
 HttpReply success(const QString &name = {}, const QJsonValue &value = {})
 {
     QJsonObject members;
@@ -80,7 +80,7 @@ HttpReply answerLimits(Simulation &simulation, const QJsonObject &body)
     if (!body.value(QLatin1String("limits")).isObject())
         return refusal(400, QStringLiteral("\"limits\" must be an object"));
     const QJsonObject limits = body.value(QLatin1String("limits")).toObject();
-    // One bad limit voids them all.
+    // One invalid limit makes the whole request invalid.
     if (!std::all_of(limits.begin(), limits.end(), &isLimit))
         return refusal(400, QStringLiteral(R"(a limit must be {"value": a number, 0 or more, "unit": "A"})"));
     for (auto limit = limits.begin(); limit != limits.end(); ++limit)
@@ -92,7 +92,7 @@ constexpr struct Operation
 {
     const char *name;
     const char *path;
-    bool hasGroup; // behind the path
+    bool hasGroup; // the path continues with the group's id
     HttpReply (*answer)(Simulation &simulation, const QJsonObject &body);
 } operations[] = {
     {"is_online",      "/is_online",            false, &answerOnline   },
@@ -142,14 +142,6 @@ HttpReply judge(Simulation &simulation, const Operation *operation, const HttpRe
     return judgeBody(simulation, *operation, request);
 }
 
-HttpReply faultyReply(const FaultEffect &fault)
-{
-    if (fault.body)
-        return {fault.status.value_or(200), *fault.body};
-    return refusal(*fault.status,
-                   QStringLiteral("the backend is told to answer with status %1").arg(*fault.status));
-}
-
 } // namespace
 
 std::optional<HttpReply> answerBackend(Simulation &simulation, HttpRequest &request)
@@ -162,8 +154,7 @@ std::optional<HttpReply> answerBackend(Simulation &simulation, HttpRequest &requ
     const FaultEffect fault = effectOf(simulation.faults);
     if (std::chrono::milliseconds(request.age.elapsed()) < fault.hold)
         return {};
-    const bool misbehaves = fault.body || fault.status;
-    const HttpReply reply = misbehaves ? faultyReply(fault) : judge(simulation, operation, request);
+    const HttpReply reply = fault.reply ? *fault.reply : judge(simulation, operation, request);
     simulation.log.end(request, reply);
     return reply;
 }

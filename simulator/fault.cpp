@@ -9,7 +9,9 @@ constexpr std::chrono::hours untilLifted{24 * 365};
 
 void setStatus(FaultEffect &effect, const QJsonValue &value)
 {
-    effect.status = value.toInt();
+    const int status = value.toInt();
+    effect.reply =
+        refusal(status, QStringLiteral("the backend is told to answer with status %1").arg(status));
 }
 
 void setDelay(FaultEffect &effect, const QJsonValue &value)
@@ -19,7 +21,8 @@ void setDelay(FaultEffect &effect, const QJsonValue &value)
 
 void setGarbage(FaultEffect &effect, const QJsonValue & /*value*/)
 {
-    effect.body = QByteArrayLiteral("\x1f<garbage \"values\": {[");
+    const int status = effect.reply ? effect.reply->status : 200;
+    effect.reply = HttpReply{status, "\x1f<garbage \"values\": {["};
 }
 
 void setSilent(FaultEffect &effect, const QJsonValue & /*value*/)
@@ -27,7 +30,8 @@ void setSilent(FaultEffect &effect, const QJsonValue & /*value*/)
     effect.hold = untilLifted;
 }
 
-// Control endpoint and page walk this table: a further fault is a row here and a line in README.md.
+// The control endpoint and the page read this table: a new fault needs a row here and a line in README.md. They
+// are applied in this order.
 constexpr struct
 {
     BodyMember member;

@@ -5,27 +5,26 @@
 #define FAULT_H
 
 #include "bodymembers.h"
+#include "httpmessages.h"
 
-#include <QByteArray>
 #include <QJsonArray>
 
 #include <chrono>
 #include <optional>
 
-/*! What becomes of a request. With a status or a body set, this is the answer and nothing else is done. */
+/*! What faults do to a request. */
 struct FaultEffect
 {
-    std::chrono::milliseconds hold{0}; //!< from the arrival on, until the request is looked at
-    std::optional<int> status;
-    std::optional<QByteArray> body;
+    std::chrono::milliseconds hold{0}; //!< from its arrival until it is handled
+    std::optional<HttpReply> reply;    //!< the answer; nothing else is done then
 };
 
-/*! How the control endpoint sets the faults: a member for each. */
+/*! The members by which the control endpoint sets the faults, one for each fault. */
 std::vector<BodyMember> faultMembers();
-/*! What \a faults do together; each member is a fault that is on. */
+/*! What \a faults do together. Each member is a fault that is on. */
 FaultEffect effectOf(const QJsonObject &faults);
-/*! The faults that there are: {"name", "label", "says", "least", "most"}. Those take a number from "least" to
-    "most"; with a "most" of 0 they take true. "says" is how a fault is reported, %1 being the number. */
+/*! All faults: {"name", "label", "says", "least", "most"}. A fault takes a number from "least" to "most", or
+    true if "most" is 0. "says" is how the page reports it, %1 being the number. */
 QJsonArray describeFaults();
 
 #endif // FAULT_H
