@@ -14,13 +14,12 @@ struct BodyMember
     enum Kind { Text, Flag, Number, WholeNumber };
     const char *name;
     Kind kind;
-    double least = 0; //!< of numbers
+    double least = 0; //!< for numbers
     double most = 0;
 };
 
-/*! What is wrong with the members of \a body, in one sentence that says what would be right; empty if they
-    are as \a members says. A member that is not listed there is wrong as well, so that no typo is ignored.
-    None has to be there. */
+/*! Returns the first mistake in \a body as a sentence that says what would be right; empty if there is none.
+    All \a members are optional. A member that is not listed is a mistake, so that typing errors are noticed. */
 QString findMistake(const QJsonObject &body, const std::vector<BodyMember> &members);
 
 #endif // BODYMEMBERS_H

@@ -31,7 +31,7 @@ QString setFaults(Simulation &simulation, const QString & /*id*/, const QJsonObj
     for (const QString &name : names) {
         const QJsonValue value = body.value(name);
         if (!value.toBool() && value.toInt() == 0)
-            simulation.faults.remove(name); // it is off
+            simulation.faults.remove(name); // false and 0 mean off
     }
     return {};
 }
@@ -85,10 +85,10 @@ QString plain(Simulation &simulation, const QString &id, const QJsonObject & /*b
 
 struct Control
 {
-    const char *name; // its path, or the end of one below that of a wallbox
+    const char *name; // the path, or the last part of a wallbox's path
     std::vector<BodyMember> members;
-    bool needsMember; // one of them at least
-    /*! Returns why the state does not allow it; empty on success. \a id is the wallbox's, \a body is right. */
+    bool needsMember; // at least one
+    /*! Returns why the state does not allow it; empty on success. \a id is the wallbox's. */
     QString (*apply)(Simulation &simulation, const QString &id, const QJsonObject &body);
 };
 
@@ -154,7 +154,7 @@ HttpReply apply(Simulation &simulation, const Control &control, const std::optio
                               : refusal(409, conflict);
 }
 
-// The target is "ID/ACTION", in which the id may hold a slash itself.
+// The target is "ID/ACTION". The id may contain slashes.
 HttpReply setWallbox(Simulation &simulation, const QString &target, const QByteArray &body)
 {
     const QString name = target.section(QLatin1Char('/'), -1);
@@ -167,7 +167,7 @@ HttpReply setWallbox(Simulation &simulation, const QString &target, const QByteA
     return refusal(404, QStringLiteral("there is no action \"%1\"; known: %2").arg(name, known));
 }
 
-// Browsers name the page's origin in every POST, and in every GET from a page of another origin that could
+// Browsers send the page's origin with every POST, and with every GET for which a page of another origin could
 // read the answer. Scripts and curl send none.
 bool isFromOwnPage(const HttpRequest &request)
 {
@@ -181,7 +181,7 @@ HttpReply answerControl(Simulation &simulation, const HttpRequest &request)
     if (!request.isFor(simulation.listenAddress))
         return unknownHostReply();
     if (!isFromOwnPage(request))
-        return refusal(403, QStringLiteral("pages of other origins may not touch the yard"));
+        return refusal(403, QStringLiteral("pages of other origins may not use the control endpoint"));
     const bool isPost = request.method == "POST";
     if (!isPost && request.method != "GET")
         return refusal(405, QStringLiteral("the control endpoint takes GET and POST only"));

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds streamPeriod{500}; // a change on a page seems to come at once
+constexpr std::chrono::milliseconds streamPeriod{500}; // short enough for changes to seem immediate
 
 QJsonValue carRecord(const SimulatedWallbox &wallbox)
 {
@@ -86,8 +86,8 @@ QJsonArray newLimits(const QJsonArray &limits, int &seen)
     return news;
 }
 
-// Each event holds what the reading of the same name answers. Of "limits" and "log" it holds only what is new,
-// and the history comes once. The log comes last, when all that it may refer to is known.
+// Each event contains the same as a GET of its name, but "limits" and "log" only what is new. The history is
+// sent once. The log comes last, so that a page that has received it is up to date.
 HttpReply eventsReply(Simulation &simulation)
 {
     HttpReply reply;

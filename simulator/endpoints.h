@@ -7,8 +7,8 @@
 #include "httpserver.h"
 #include "simulation.h"
 
-/*! Answers a request to the backend: four operations, judged strictly. No answer as long as a fault holds the
-    request back. GROUP is the group's id, ID a wallbox's.
+/*! Answers a request to the backend, which has four operations. Returns nothing while a fault holds the request
+    back. GROUP is the group's id, ID a wallbox's.
 
     POST /is_online                  {"secret"}
     POST /vela/get_group_info/GROUP  {"secret"}
@@ -17,38 +17,37 @@
 
     All answer {"success": true}, the second with "evse_ids", the third with "values", both objects by ID.
 
-    Refused are, in this order: another host's name (403), an unknown path (404), another method (405), a
-    wrong token (401), a body that is not JSON or has no secret (400), a wrong secret (403), an unknown group
-    (404), a body of the wrong shape (400). A refused request changes nothing; the reply's "error" says why. */
+    Requests are refused, in this order, for an unknown host name (403), an unknown path (404), another method
+    (405), a wrong token (401), a body that is not JSON or has no secret (400), a wrong secret (403), an unknown
+    group (404) or a malformed body (400). A refused request changes nothing. The reply's "error" says why. */
 std::optional<HttpReply> answerBackend(Simulation &simulation, HttpRequest &request);
 
 /*! Answers a request to a path under /control/.
 
-    GET  /control/state                  the yard, the faults, the number of requests
+    GET  /control/state                  the wallboxes, the group, the faults and the number of requests
     GET  /control/limits                 {"limits": [...]}, oldest first
     GET  /control/log                    {"log": [...]}, the requests without their bodies, oldest first
     GET  /control/requests               {"requests": [...]}, the same with their bodies
     GET  /control/requests/NUMBER        one of them
     GET  /control/history                {"history": [...]}, oldest first
-    GET  /control/faults                 {"faults": [...]}, those that there are
-    GET  /control/events                 state, new limits and log, at first the history: server-sent events
-    POST /control/wallboxes              {"id", "maxChargingCurrent"}: adds one
+    GET  /control/faults                 {"faults": [...]}, all that can be set
+    GET  /control/events                 server-sent events: state, history, limits and log
+    POST /control/wallboxes              {"id", "maxChargingCurrent"}: adds a wallbox
     POST /control/wallboxes/ID/ACTION    plug, unplug, pause, resume, finish, break, mend, configure, remove
-    POST /control/fault                  a value for each fault that shall be on; {} is none
+    POST /control/fault                  a value for each fault to be set; {} ends all
     POST /control/speed                  {"factor"}
     POST /control/group                  {"group", "secret"}
 
-    Every POST answers with the state it leads to. Refused are a request to another host or from a page of
-    another origin (403), what does not exist (404), the wrong method (405), what the wallbox's state does not
-    allow (409), and a body that is wrong or holds an unknown member (400); the reply's "error" says why, and
-    nothing has changed. simulator/README.md has a curl line for each. */
+    Every POST is answered with the new state. Requests are refused for an unknown host name or a page of
+    another origin (403), an unknown path or wallbox (404), another method (405), a wallbox whose state does
+    not allow the action (409) and a malformed body or an unknown member (400). A refused request changes
+    nothing. The reply's "error" says why. simulator/README.md has a curl line for each path. */
 HttpReply answerControl(Simulation &simulation, const HttpRequest &request);
 
-/*! What a GET under /control/ answers, by \a path; nothing where there is nothing to read. */
+/*! Answers a GET of a \a path under /control/. Returns nothing if the path is unknown. */
 std::optional<HttpReply> answerReading(Simulation &simulation, const QString &path);
 
-/*! The file at \a path of the page that shows the yard, or nothing. The files of the folder page/ are built
-    into the program. */
+/*! The page's file at \a path, or nothing. The files of the folder page/ are built into the program. */
 std::optional<HttpReply> pageFile(const QString &path);
 
 #endif // ENDPOINTS_H

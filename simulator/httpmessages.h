@@ -9,7 +9,7 @@
 
 #include <functional>
 
-/*! A request that has arrived to its end. Headers are null where there are none. */
+/*! A request that has arrived completely. Missing headers are null. */
 struct HttpRequest
 {
     QByteArray method;
@@ -19,7 +19,7 @@ struct HttpRequest
     QByteArray authorization;
     QByteArray body;
     QElapsedTimer age; //!< started when it arrived
-    int number = 0;    //!< in the request log; 0: not noted yet
+    int number = 0;    //!< in the request log; 0 if it has not been recorded
 
     /*! Whether the header Host names this simulator: localhost, a name that ends in .test, \a listenAddress
         or any numeric address. A foreign page whose own name has been rebound to our address still sends that
@@ -34,13 +34,13 @@ struct HttpReply
     QByteArray body;
     const char *contentType = "application/json";
     const char *policy = "default-src 'none'"; //!< Content-Security-Policy: what a page may load and do
-    /*! Makes a stream of the reply: called again and again for what comes next, instead of the body. Returns
+    /*! If set, the reply is a stream without a body: this is called repeatedly for what comes next. It returns
         an empty text while there is nothing. */
     std::function<QByteArray()> next = {};
 };
 
 HttpReply jsonReply(const QJsonObject &object, int status = 200);
-/*! {"error": \a reason}, \a reason being one sentence for a person. */
+/*! {"error": \a reason}. The reason is a sentence for the user. */
 HttpReply refusal(int status, const QString &reason);
 /*! The answer to a request that is not for this simulator. */
 HttpReply unknownHostReply();

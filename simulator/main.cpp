@@ -15,18 +15,19 @@
 namespace {
 
 constexpr char description[] =
-    "Plays the backend of a charging yard: a group of wallboxes and the cars at them.\n"
+    "Simulates the backend of a charging yard: a group of wallboxes with cars.\n"
     "\n"
-    "From the start a three-phase 16 A car charges at EVSE-01, a one-phase 32 A car at EVSE-02,\n"
-    "a three-phase car at EVSE-03 is full (SuspendedEV), EVSE-04 is free; and so on from EVSE-05.\n"
-    "Without a limit a car gets what its wallbox and itself can take. A limit holds until the next.\n"
-    "Cars and faults are handled under URL/control/, beginning with: curl URL/control/state";
+    "At the start a three-phase 16 A car charges at EVSE-01, a one-phase 32 A car at EVSE-02,\n"
+    "a three-phase car at EVSE-03 is full (SuspendedEV), and EVSE-04 is free. EVSE-05 is like\n"
+    "EVSE-01, and so on. \"vela-simulator --wallboxes 32\" starts with 32 of them.\n"
+    "Without a limit, the maxima of car and wallbox count. A limit is valid until the next one.\n"
+    "Open the printed URL in a browser to see and control the yard, or use URL/control/ in\n"
+    "scripts, for example: curl URL/control/state";
 
-// What the command line asks for.
 struct SimulatorOptions
 {
-    Simulation simulation; // at the start
-    int port = 0;          // 0: any that is free
+    Simulation simulation; // in its initial state
+    int port = 0;          // 0 means any free one
 };
 
 SimulatorOptions readOptions()
@@ -54,7 +55,7 @@ SimulatorOptions readOptions()
     return options;
 }
 
-// One line that does not steer the terminal, whatever the user has entered.
+// Prints one line. Whatever the user has entered, it cannot control the terminal.
 void print(FILE *stream, const QString &line)
 {
     std::fprintf(stream, "%s\n", qUtf8Printable(printable(line)));

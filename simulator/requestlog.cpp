@@ -11,9 +11,9 @@
 namespace {
 
 constexpr std::size_t requestsKept = 200;
-constexpr int largestBodyKept = 64 * 1024; // bytes; two hundred large ones must not fill the memory
+constexpr int largestBodyKept = 64 * 1024; // bytes; 200 larger ones would take too much memory
 
-// Clients may put the secret anywhere by mistake; what is logged is shown on the page.
+// Clients may put the secret anywhere by mistake, and the page shows what is logged.
 QJsonValue withoutSecrets(const QJsonValue &value)
 {
     if (value.isArray()) {
@@ -32,7 +32,7 @@ QJsonValue withoutSecrets(const QJsonValue &value)
     return object;
 }
 
-// A body that cannot be read could hold the secret anywhere, so it is described instead of kept.
+// A body that is not JSON could contain the secret anywhere, so only its length is kept.
 QJsonValue masked(const QByteArray &body)
 {
     const QJsonDocument document = QJsonDocument::fromJson(body);
@@ -91,13 +91,13 @@ void RequestLog::end(const HttpRequest &request, const HttpReply &reply)
     const auto entry = m_entries.find(request.number);
     if (entry == m_entries.end())
         return; // It was held back for so long that newer requests have replaced it.
+    const bool succeeded = QJsonDocument::fromJson(reply.body)[QLatin1String("success")].toBool();
     auto &[change, record] = entry->second;
     change = ++m_changeCount;
-    record[QLatin1String("status")] = reply.status;
-    record[QLatin1String("durationMs")] = double(request.age.nsecsElapsed()) / 1e6;
-    record[QLatin1String("succeeded")] =
-        QJsonDocument::fromJson(reply.body)[QLatin1String("success")].toBool();
-    record[QLatin1String("reply")] = masked(reply.body);
+    record.insert(QStringLiteral("status"), reply.status);
+    record.insert(QStringLiteral("durationMs"), double(request.age.nsecsElapsed()) / 1e6);
+    record.insert(QStringLiteral("succeeded"), succeeded);
+    record.insert(QStringLiteral("reply"), masked(reply.body));
 }
 
 QJsonArray RequestLog::records() const

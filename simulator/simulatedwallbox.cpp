@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr Seconds preparationTime{3}; // long enough for the poll of every other second to see it
+constexpr Seconds preparationTime{3}; // long enough to be seen by a client that polls every 2 s
 
 QString noCar()
 {
@@ -68,8 +68,8 @@ void SimulatedWallbox::advance(Seconds elapsed)
 
 QString SimulatedWallbox::status() const
 {
-    // The order matters: what comes first hides what comes later. By OCPP a car is suspended by the wallbox
-    // as long as nothing is offered to it, whether or not it would take anything.
+    // The order matters, because several of these may be true. By OCPP the wallbox suspends a car to which it
+    // offers nothing, whether or not the car would draw anything.
     if (isBroken)
         return QStringLiteral("Faulted");
     if (!m_car)

@@ -10,16 +10,16 @@
 #include <chrono>
 #include <optional>
 
-/*! Model time: what has passed in the yard, which may run faster than the clock on the wall. */
+/*! Simulated time, which may run faster than the clock. */
 using Seconds = std::chrono::duration<double>;
 
-//! Below this current a car may not draw anything (IEC 61851-1), so that a lower limit means none.
+//! A car draws at least this current or none at all (IEC 61851-1), so a lower limit stops it.
 constexpr double minimumCurrent = 6; // A
-//! What the largest plug of IEC 62196 type 2 carries on each of three phases.
+//! The largest current of an IEC 62196 type 2 plug, on each of three phases.
 constexpr double maximumCurrent = 63; // A
 constexpr double phaseVoltage = 230;  // V
 
-/*! The car at the plug, as far as a wallbox can tell. */
+/*! The car that is plugged in, as far as a wallbox knows it. */
 struct Car
 {
     int phases = 3;         //!< 1 to 3
@@ -33,39 +33,38 @@ struct ChargeLimit
     QString time;  //!< when it arrived
 };
 
-/*! One wallbox with the car at its plug. A plain value that knows no clock: time passes by advance().
+/*! A wallbox with the car that is plugged in. It is a plain value without a clock: advance() lets time pass.
 
-    The user's actions return an empty text when done, otherwise the reason why they cannot be done in the
-    state the wallbox is in; then nothing has changed. */
+    The user's actions return an empty text on success. Otherwise they return why the state of the wallbox does
+    not allow them, and change nothing. */
 struct SimulatedWallbox
 {
-    int maxChargingCurrent = 32; //!< the installation's limit in whole ampere on each phase
-    /*! Holds until the next one, also from one car to the next. None: nothing but the maximum. */
+    int maxChargingCurrent = 32; //!< in whole ampere on each phase, set by the installer
+    /*! Valid until the next one arrives, also for the next car. Without a limit, only the maximum counts. */
     std::optional<ChargeLimit> limit;
-    bool isBroken = false; //!< "Faulted" until it is repaired: no current; car and session stay
-
-    /*! Opens a new session, whose meter starts at 0. The car takes 3 s ("Preparing") before it charges. */
+    bool isBroken = false; //!< "Faulted" until it is repaired: no current flows; the car and its session stay
+    /*! Starts a session, whose meter starts at 0. The car prepares for 3 s ("Preparing") before it charges. */
     QString plugIn(const Car &car);
-    /*! Ends the session; its energy stays on display until the next one. */
+    /*! Ends the session. sessionEnergy() keeps its value until the next one starts. */
     QString unplug();
-    /*! The car stops drawing current ("SuspendedEV"), as a full one does, until resume(). */
+    /*! The car draws no current ("SuspendedEV"), like a full one, until resume(). */
     QString pause() { return setPaused(true); }
     QString resume() { return setPaused(false); }
-    /*! Ends the session with the car still at the plug ("Finishing"); only unplugging leads on from there. */
+    /*! Ends the session with the car still plugged in ("Finishing"). The next step can only be unplug(). */
     QString finish();
 
-    /*! Lets \a elapsed pass: the car gets ready, the session's meter counts. */
+    /*! Lets \a elapsed pass, in which the car prepares and the meter counts. */
     void advance(Seconds elapsed);
 
-    /*! Connector status in the words of OCPP 1.6 (ChargePointStatus). */
+    /*! The connector status, ChargePointStatus of OCPP 1.6. */
     QString status() const;
     const std::optional<Car> &car() const { return m_car; }
-    bool isPaused() const { return m_paused; } //!< the car, if there is one
+    bool isPaused() const { return m_paused; } //!< says nothing without a car
 
     std::array<double, 3> currents() const; //!< ampere, phase 1 first
     double power() const;                   //!< W
-    double offeredPower() const;            //!< W the car could draw by limit and wallbox
-    /*! Wh of this session, or of the last one, to 0.001. */
+    double offeredPower() const;            //!< W that the limit and the maximum allow the car
+    /*! Wh of this session, or of the last one; rounded to 0.001. */
     double sessionEnergy() const;
 
 private:

@@ -9,7 +9,7 @@ constexpr int limitsKept = 1000;
 constexpr int samplesKept = 300;
 constexpr std::chrono::seconds samplePeriod{1};
 
-// So that the yard shows something from the start: what stands at the first four plugs, and at the next four.
+// The cars at the first four wallboxes, and at each following four.
 constexpr struct
 {
     Car car;
@@ -38,7 +38,7 @@ void Simulation::addFirstWallboxes(int count)
             wallbox.plugIn(car);
         if (isPaused)
             wallbox.pause();
-        while (wallbox.status() == QLatin1String("Preparing")) // it came before we did
+        while (wallbox.status() == QLatin1String("Preparing")) // its car has been there for a while
             wallbox.advance(Seconds(1));
     }
 }

@@ -11,28 +11,28 @@
 
 constexpr double fastestSpeed = 100000;
 
-/*! What the endpoints work on: the group, how its backend misbehaves, and what is remembered. Time stamps are
-    the clock's, whatever the speed. */
+/*! The group, the faults of its backend, and what has happened. The endpoints work on it. Time stamps are
+    always those of the clock, whatever the speed. */
 struct Simulation
 {
-    QString listenAddress; //!< a name under which clients may know us
+    QString listenAddress; //!< a host name that clients may use
     QString group;
     QString secret;
-    double speed = 1; //!< model seconds a second
+    double speed = 1; //!< simulated seconds in a second
     std::map<QString, SimulatedWallbox> wallboxes;
-    QJsonObject faults; //!< those of fault.h that are on
+    QJsonObject faults; //!< those that are set, see fault.h
     RequestLog log;
     QJsonArray limits;  //!< the last 1,000 received: {"number", "time", "id", "value", "applied"}
     QJsonArray history; //!< the last 300: {"time", "wallboxes": {ID: [drawn power, offered power]}}, in W
 
-    /*! Adds "EVSE-01" and so on, with cars at three of each four. */
+    /*! Adds "EVSE-01" and so on, with cars at three out of four. */
     void addFirstWallboxes(int count);
-    /*! The first id of that kind that is not taken. */
+    /*! The first id of this kind that is not in use. */
     QString freeId() const;
-    /*! Notes a limit, and applies it if the group has the wallbox \a id. */
+    /*! Records a limit, and applies it if the group has the wallbox \a id. */
     void receiveLimit(const QString &id, double ampere);
-    /*! Lets the time pass that has passed since the call before, and adds to the history once a second. Nothing
-        runs by itself: whoever uses the wallboxes calls this first. */
+    /*! Advances the wallboxes by the time since the previous call, and adds to the history once a second. Call
+        it before using the wallboxes. */
     void catchUp();
 
 private:
