@@ -27,7 +27,7 @@ const show = (node, isShown) => {
 const kilo = (value, digits = 2) => (value / 1000).toFixed(digits);
 const ampere = value => `${Math.round(value * 10) / 10} A`;
 const now = () => Date.now() + clockOffset;
-const clock = time => new Date(time).toLocaleTimeString([], {hour12: false});
+const clock = time => new Date(time).toLocaleTimeString([], {hourCycle: "h23"});
 const isDense = () => yard.wallboxes.length > mostCards;
 const sum = values => values.reduce((total, value) => total + value, 0);
 function age(time) {
@@ -391,7 +391,10 @@ let stream = null,
     lostSince = null;
 
 async function ask(path, options = {}) {
-    const response = await fetch(`/control/${path}`, {signal: AbortSignal.timeout(patienceMs), ...options});
+    const signal = AbortSignal.timeout(patienceMs);
+    const response = await fetch(`/control/${path}`, {signal, ...options}).catch(() => {
+        throw new Error("the simulator does not answer");
+    });
     const reply = await response.json();
     if (!response.ok) throw new Error(reply.error);
     return reply;
