@@ -31,8 +31,9 @@ HttpReply answerGroupInfo(Simulation &simulation, const QJsonObject & /*body*/)
 {
     QJsonObject info;
     for (const auto &[id, wallbox] : simulation.wallboxes) {
-        QJsonObject record;
-        record.insert(QStringLiteral("max_charging_current"), wallbox.maxChargingCurrent);
+        const QJsonObject record{
+            {QStringLiteral("max_charging_current"), wallbox.maxChargingCurrent}
+        };
         info.insert(id, record);
     }
     return success(QStringLiteral("evse_ids"), info);

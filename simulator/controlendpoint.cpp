@@ -59,8 +59,7 @@ QString plugIn(Simulation &simulation, const QString &id, const QJsonObject &bod
 
 QString configure(Simulation &simulation, const QString &id, const QJsonObject &body)
 {
-    const int maximum = body.value(QLatin1String("maxChargingCurrent")).toInt();
-    simulation.wallboxes[id].maxChargingCurrent = maximum;
+    simulation.wallboxes[id].maxChargingCurrent = body.value(QLatin1String("maxChargingCurrent")).toInt();
     return {};
 }
 

@@ -7,17 +7,17 @@ const windowMs = 5 * 60 * 1000,
     patienceMs = 4000,
     gapMs = 5000,
     keptRequests = 200,
-    mostCards = 8; // of more wallboxes, only the chosen one is shown in full
+    mostCards = 8; // if there are more wallboxes, only the chosen one is shown in full
 let yard = null; // the last state
-let clockOffset = 0; // the simulator's clock less this one, ms
-let faults = []; // the known ones, as the simulator describes them
+let clockOffset = 0; // the simulator's clock minus this one, ms
+let faults = []; // all that can be set, as the simulator describes them
 let samples = []; // {t, wallboxes: {id: [power, offered power]}}, W
 let plotSize = {width: 0, height: 0};
 let limits = []; // received in the last five minutes
 const requests = new Map(); // by number: {record, item}
 const cards = new Map(); // by wallbox id
 
-/* Text and numbers. Ids and replies may hold any text: it is never set as HTML. */
+/* Text and numbers. Ids and replies may hold any text: it is never parsed as HTML. */
 const setText = (node, text) => {
     if (node.textContent !== String(text)) node.textContent = text;
 };
@@ -214,7 +214,7 @@ function draw() {
     setText($("limit-age"), marks.length ? age(marks[0].t) : none);
 }
 
-// Where a time and a power are, in pixels.
+// The bounds of the plot, and functions that convert times and powers to pixels.
 function makeFrame(points) {
     const {width, height} = plotSize;
     const left = 40,
@@ -256,7 +256,7 @@ function drawAxes({left, right, height, end, step, most, x, y}) {
 }
 
 function drawMarks({top, floor, x}, marks) {
-    let labelled = Infinity; // labels keep their distance, the latest come first
+    let labelled = Infinity; // the latest labels come first, and keep a distance
     return marks.flatMap(mark => {
         const at = x(mark.t),
             isLabelled = mark.label && labelled - at > 36;
@@ -272,7 +272,7 @@ function drawMarks({top, floor, x}, marks) {
 function drawLines({floor, end, x, y}, points) {
     const lines = unbroken(points, end);
     show($("gap"), lines.length > 1);
-    // Steps. A value that stays needs no points in between.
+    // A curve of steps. A value that stays the same needs no points in between.
     const path = (line, name) =>
         line
             .map((point, index) => {
@@ -291,7 +291,7 @@ function drawLines({floor, end, x, y}, points) {
     ];
 }
 
-// A line for each time without a gap.
+// The parts of the curve between gaps.
 function unbroken(points, end) {
     const lines = [];
     points.forEach((point, index) => {
@@ -572,7 +572,7 @@ document.addEventListener("click", event => {
 document.addEventListener("visibilitychange", render);
 function plot(id) {
     $("plotted").value = id;
-    history.replaceState(null, "", `#${encodeURIComponent(id)}`); // for the next time, and for a link
+    history.replaceState(null, "", `#${encodeURIComponent(id)}`); // kept for a reload, and for links
     render();
 }
 $("plotted").addEventListener("change", event => plot(event.target.value));
