@@ -16,7 +16,7 @@ QJsonValue carRecord(const SimulatedWallbox &wallbox)
     return QJsonObject{
         {QStringLiteral("phases"),     wallbox.car()->phases    },
         {QStringLiteral("maxCurrent"), wallbox.car()->maxCurrent},
-        {QStringLiteral("paused"),     wallbox.isPaused()       }
+        {QStringLiteral("paused"),     wallbox.car()->isPaused  }
     };
 }
 

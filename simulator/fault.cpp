@@ -5,44 +5,20 @@
 
 namespace {
 
-constexpr std::chrono::hours untilLifted{24 * 365};
+constexpr std::chrono::hours untilEnded{24 * 365};
 
-void setStatus(FaultEffect &effect, const QJsonValue &value)
-{
-    const int status = value.toInt();
-    effect.reply =
-        refusal(status, QStringLiteral("the backend is told to answer with status %1").arg(status));
-}
-
-void setDelay(FaultEffect &effect, const QJsonValue &value)
-{
-    effect.hold = std::max(effect.hold, std::chrono::milliseconds(value.toInt()));
-}
-
-void setGarbage(FaultEffect &effect, const QJsonValue & /*value*/)
-{
-    const int status = effect.reply ? effect.reply->status : 200;
-    effect.reply = HttpReply{status, "\x1f<garbage \"values\": {["};
-}
-
-void setSilent(FaultEffect &effect, const QJsonValue & /*value*/)
-{
-    effect.hold = untilLifted;
-}
-
-// The control endpoint and the page read this table: a new fault needs a row here and a line in README.md. They
-// are applied in this order.
+// The control endpoint and the page read this table: a new fault needs a row here, its effect in effectOf() and a
+// line in README.md.
 constexpr struct
 {
     BodyMember member;
     const char *label; // of the page's field
     const char *says;
-    void (*apply)(FaultEffect &effect, const QJsonValue &value);
 } faultTable[] = {
-    {{"status", BodyMember::WholeNumber, 200, 599},           "Status",    "status %1",        &setStatus },
-    {{"delayMs", BodyMember::WholeNumber, 0, 10 * 60 * 1000}, "Delay, ms", "a delay of %1 ms", &setDelay  },
-    {{"garbage", BodyMember::Flag},                           "Garbage",   "garbage",          &setGarbage},
-    {{"silent", BodyMember::Flag},                            "No answer", "no answer",        &setSilent },
+    {{"status", BodyMember::WholeNumber, 200, 599},           "Status",    "status %1"       },
+    {{"delayMs", BodyMember::WholeNumber, 0, 10 * 60 * 1000}, "Delay, ms", "a delay of %1 ms"},
+    {{"garbage", BodyMember::Flag},                           "Garbage",   "garbage"         },
+    {{"silent", BodyMember::Flag},                            "No answer", "no answer"       },
 };
 
 } // namespace
@@ -57,18 +33,23 @@ std::vector<BodyMember> faultMembers()
 
 FaultEffect effectOf(const QJsonObject &faults)
 {
+    const QString refused = QStringLiteral("the backend is told to answer with status %1");
+    const int status = faults.value(QLatin1String("status")).toInt(200);
     FaultEffect effect;
-    for (const auto &fault : faultTable) {
-        if (faults.contains(QLatin1String(fault.member.name)))
-            fault.apply(effect, faults.value(QLatin1String(fault.member.name)));
-    }
+    effect.hold = std::chrono::milliseconds(faults.value(QLatin1String("delayMs")).toInt());
+    if (faults.contains(QLatin1String("silent")))
+        effect.hold = untilEnded;
+    if (faults.contains(QLatin1String("garbage")))
+        effect.reply = HttpReply{status, "\x1f<garbage \"values\": {["};
+    else if (faults.contains(QLatin1String("status")))
+        effect.reply = refusal(status, refused.arg(status));
     return effect;
 }
 
 QJsonArray describeFaults()
 {
     QJsonArray faults;
-    for (const auto &[member, label, says, apply] : faultTable)
+    for (const auto &[member, label, says] : faultTable)
         faults.append(QJsonObject{
             {QStringLiteral("name"),  QLatin1String(member.name)},
             {QStringLiteral("label"), QLatin1String(label)      },

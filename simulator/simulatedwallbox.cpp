@@ -23,7 +23,6 @@ QString SimulatedWallbox::plugIn(const Car &car)
         return QStringLiteral("a car is plugged in already: unplug it first");
     m_car = car;
     m_untilReady = preparationTime;
-    m_paused = false;
     m_finished = false;
     m_sessionEnergy = 0;
     return {};
@@ -43,7 +42,7 @@ QString SimulatedWallbox::setPaused(bool paused)
         return noCar();
     if (m_finished)
         return QStringLiteral("the session has ended: unplug the car first");
-    m_paused = paused;
+    m_car->isPaused = paused;
     return {};
 }
 
@@ -52,7 +51,7 @@ QString SimulatedWallbox::finish()
     if (!m_car)
         return noCar();
     m_finished = true;
-    m_paused = false;
+    m_car->isPaused = false;
     return {};
 }
 
@@ -80,7 +79,7 @@ QString SimulatedWallbox::status() const
         return QStringLiteral("Preparing");
     if (offeredCurrent() < minimumCurrent)
         return QStringLiteral("SuspendedEVSE");
-    return m_paused ? QStringLiteral("SuspendedEV") : QStringLiteral("Charging");
+    return m_car->isPaused ? QStringLiteral("SuspendedEV") : QStringLiteral("Charging");
 }
 
 std::array<double, 3> SimulatedWallbox::currents() const

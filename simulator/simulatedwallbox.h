@@ -24,6 +24,7 @@ struct Car
 {
     int phases = 3;         //!< 1 to 3
     double maxCurrent = 16; //!< ampere on each phase, minimumCurrent to maximumCurrent
+    bool isPaused = false;  //!< draws no current for now
 };
 
 /*! A limit that a wallbox has received. */
@@ -59,7 +60,6 @@ struct SimulatedWallbox
     /*! The connector status, ChargePointStatus of OCPP 1.6. */
     QString status() const;
     const std::optional<Car> &car() const { return m_car; }
-    bool isPaused() const { return m_paused; } //!< says nothing without a car
 
     std::array<double, 3> currents() const; //!< ampere, phase 1 first
     double power() const;                   //!< W
@@ -74,7 +74,6 @@ private:
 
     std::optional<Car> m_car;
     Seconds m_untilReady{0};
-    bool m_paused = false;
     bool m_finished = false;
     double m_sessionEnergy = 0;
 };

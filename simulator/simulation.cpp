@@ -10,16 +10,11 @@ constexpr int samplesKept = 300;
 constexpr std::chrono::seconds samplePeriod{1};
 
 // The cars at the first four wallboxes, and at each following four.
-constexpr struct
-{
-    Car car;
-    bool isThere;
-    bool isPaused;
-} firstCars[] = {
-    {{3, 16}, true,  false},
-    {{1, 32}, true,  false},
-    {{3, 32}, true,  true },
-    {{},      false, false},
+constexpr std::optional<Car> firstCars[] = {
+    Car{3, 16, false},
+    Car{1, 32, false},
+    Car{3, 32, true },
+    std::nullopt,
 };
 
 QString numberedId(int number)
@@ -32,12 +27,9 @@ QString numberedId(int number)
 void Simulation::addFirstWallboxes(int count)
 {
     for (int index = 0; index < count; ++index) {
-        const auto &[car, isThere, isPaused] = firstCars[size_t(index) % std::size(firstCars)];
         SimulatedWallbox &wallbox = wallboxes[numberedId(index + 1)];
-        if (isThere)
-            wallbox.plugIn(car);
-        if (isPaused)
-            wallbox.pause();
+        if (const std::optional<Car> &car = firstCars[size_t(index) % std::size(firstCars)])
+            wallbox.plugIn(*car);
         while (wallbox.status() == QLatin1String("Preparing")) // its car has been there for a while
             wallbox.advance(Seconds(1));
     }
