@@ -17,19 +17,18 @@ bool isNumber(const QVariant &value)
         || type == QMetaType::ULongLong || type == QMetaType::Float || type == QMetaType::Double;
 }
 
-QString requirement(QMetaType::Type type)
+QString kindName(QMetaType::Type type)
 {
     switch (type) {
     case QMetaType::Bool:
-        return QStringLiteral("must be true or false");
+        return QStringLiteral("true or false");
     case QMetaType::Int:
-        return QStringLiteral("must be a whole number");
     case QMetaType::UInt:
-        return QStringLiteral("must be a whole number, 0 or more");
+        return QStringLiteral("a whole number");
     case QMetaType::Double:
-        return QStringLiteral("must be a number");
+        return QStringLiteral("a number");
     default:
-        return QStringLiteral("must be a text");
+        return QStringLiteral("a text");
     }
 }
 
@@ -53,22 +52,11 @@ QVariant typed(const QVariant &value, QMetaType::Type type)
     return type == QMetaType::Double && std::isfinite(number) ? QVariant(number) : QVariant();
 }
 
-/*! What is wrong with the number \a value; empty if nothing is. */
-QString rangeError(const QVariant &value, const ParamType &rule)
+bool isWithinLimits(const QVariant &value, const ParamType &rule)
 {
-    const bool hasMin = rule.minValue.isValid();
-    const bool hasMax = rule.maxValue.isValid();
     const double number = value.toDouble();
-    if ((!hasMin || number >= rule.minValue.toDouble()) && (!hasMax || number <= rule.maxValue.toDouble()))
-        return QString();
-    const QString min = valueText(rule.minValue, rule.unit);
-    const QString max = valueText(rule.maxValue, rule.unit);
-    if (hasMin && hasMax && rule.minValue.toDouble() > rule.maxValue.toDouble())
-        return QStringLiteral("cannot be set now: its minimum, %1, is above its maximum, %2").arg(min, max);
-    if (hasMin && hasMax)
-        return QStringLiteral("must be from %1 to %2").arg(valueText(rule.minValue, Types::UnitNone), max);
-    return hasMin ? QStringLiteral("must be at least %1").arg(min)
-                  : QStringLiteral("must be at most %1").arg(max);
+    return (!rule.minValue.isValid() || number >= rule.minValue.toDouble())
+        && (!rule.maxValue.isValid() || number <= rule.maxValue.toDouble());
 }
 
 QString unitSuffix(Types::Unit unit)
@@ -80,14 +68,34 @@ QString unitSuffix(Types::Unit unit)
     return unit == Types::UnitAmpere ? QStringLiteral(" A") : QString();
 }
 
+/*! What a value must be, as in "a whole number from 6 to 32 A". */
+QString requirement(const ParamType &rule)
+{
+    const bool hasMin = rule.minValue.isValid() || rule.type == QMetaType::UInt;
+    const bool hasMax = rule.maxValue.isValid();
+    const QString min = valueText(rule.minValue.isValid() ? rule.minValue : 0, Types::UnitNone);
+    const QString max = valueText(rule.maxValue, rule.unit);
+    const QString kind = kindName(rule.type);
+    if (hasMin && hasMax)
+        return QStringLiteral("%1 from %2 to %3").arg(kind, min, max);
+    if (hasMin)
+        return QStringLiteral("%1, %2 or more").arg(kind, min + unitSuffix(rule.unit));
+    return hasMax ? QStringLiteral("%1, %2 or less").arg(kind, max) : kind;
+}
+
 } // namespace
 
 tl::expected<QVariant, QString> checkValue(const QVariant &value, const ParamType &rule)
 {
+    if (rule.minValue.isValid() && rule.maxValue.isValid()
+        && rule.minValue.toDouble() > rule.maxValue.toDouble())
+        return tl::unexpected(
+            QStringLiteral("cannot be set now: its minimum, %1, is above its maximum, %2")
+                .arg(valueText(rule.minValue, rule.unit), valueText(rule.maxValue, rule.unit)));
     const QVariant result = typed(value, rule.type);
-    const QString error = result.isValid() ? rangeError(result, rule) : requirement(rule.type);
-    if (!error.isEmpty())
-        return tl::unexpected(QStringLiteral("%1, not \"%2\"").arg(error, value.toString()));
+    if (!result.isValid() || !isWithinLimits(result, rule))
+        return tl::unexpected(
+            QStringLiteral("must be %1, not \"%2\"").arg(requirement(rule), value.toString()));
     return result;
 }
 
@@ -122,8 +130,9 @@ QString valueText(const QVariant &value, Types::Unit unit)
     if (unit == Types::UnitUnixTime)
         return QDateTime::fromSecsSinceEpoch(value.toLongLong())
             .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    // 15 digits hide the last bit's noise of a sum, as in 0.30000000000000004.
-    const QString text =
-        value.userType() == QMetaType::Double ? QString::number(value.toDouble(), 'g', 15) : value.toString();
-    return text + unitSuffix(unit);
+    if (value.userType() != QMetaType::Double)
+        return value.toString() + unitSuffix(unit);
+    // To 0.001, without trailing zeros. Adding 0 makes -0 a 0.
+    const double rounded = std::round(value.toDouble() * 1000) / 1000 + 0.0;
+    return QString::number(rounded, 'g', 15) + unitSuffix(unit);
 }
