@@ -11,7 +11,7 @@
 #include <chrono>
 #include <tl/expected.hpp>
 
-// What a line and a command's arguments mean, or the sentence that says what is wrong with them.
+// Reads a line and a command's arguments. The error is a sentence that says what is wrong with them.
 
 /*! Splits \a line as a shell does, without expanding anything: blanks separate, 'single' and "double" quotes
     and the backslash keep a word together, # at the start of a word begins a comment. */
@@ -25,13 +25,19 @@ tl::expected<std::chrono::milliseconds, QString> readSeconds(const QString &text
     lower case differ, as they do between wallboxes of a group. */
 tl::expected<Thing *, QString> findThing(const Things &things, const QString &text);
 
-/*! The names of whatever has a name, as in "power, state"; "none" without any. */
-template <typename List> QString namesOf(const List &list)
+/*! The names of the entries, in their order. */
+template <typename List> QStringList nameList(const List &list)
 {
     QStringList names;
     for (const auto &entry : list)
         names.append(entry.name);
-    return names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", "));
+    return names;
+}
+
+/*! The same for a sentence, as in "power, state"; "none" without any. */
+template <typename List> QString namesOf(const List &list)
+{
+    return list.isEmpty() ? QStringLiteral("none") : nameList(list).join(QStringLiteral(", "));
 }
 
 #endif // ARGUMENTS_H

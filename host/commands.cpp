@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr int mostPower = 10000000; // W
+
 tl::expected<Thing *, QString> thingNamed(const CommandContext *context, const QString &text)
 {
     return findThing(context->daemon->configuredThings(), text);
@@ -161,6 +163,22 @@ tl::expected<Pause, QString> letTimePass(CommandContext *, const QStringList &ar
     return readSeconds(arguments.first()).map([](auto time) { return Pause{time, false}; });
 }
 
+tl::expected<Message, QString> balanceLoad(CommandContext *context, const QStringList &arguments)
+{
+    if (arguments.first() == QLatin1String("off")) {
+        context->balancer->stop();
+        return Message{{}, {QStringLiteral("Currents are no longer set.")}};
+    }
+    bool isNumber = false;
+    const double power = arguments.first().toDouble(&isNumber);
+    if (!isNumber || !(power >= 0 && power <= mostPower))
+        return tl::unexpected(QStringLiteral("WATT must be a number from 0 to %1 or \"off\", not \"%2\".")
+                                  .arg(mostPower)
+                                  .arg(arguments.first()));
+    context->balancer->start(power);
+    return Message{{}, {QStringLiteral("The cars share %1 W; \"balance off\" ends it.").arg(power)}};
+}
+
 tl::expected<Message, QString> showHelp(CommandContext *, const QStringList &)
 {
     QJsonArray objects;
@@ -186,20 +204,40 @@ tl::expected<Message, QString> quitHost(CommandContext *, const QStringList &)
 const QVector<Command> &commands()
 {
     static const QVector<Command> table{
-        {"classes",  "",                        "list the plugin's thing classes",        listClasses   },
-        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",             discoverThings},
-        {"add",      "N",                       "add or reconfigure the N-th offer",      addOffer      },
-        {"things",   "",                        "list all things",                        listThings    },
-        {"show",     "THING",                   "show a thing's parameters and states",   showThing     },
-        {"set",      "THING STATE VALUE",       "set a writable state",                   setState      },
-        {"setup",    "THING",                   "run a thing's set-up again",             setUpThing    },
-        {"remove",   "THING",                   "remove a thing, its children first",     removeThing   },
-        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it", watchWallboxes},
-        {"wait",     "SECONDS",                 "let time pass",                          letTimePass   },
-        {"help",     "",                        "show this list",                         showHelp      },
-        {"quit",     "",                        "end the host; its things stay stored",   quitHost      },
+        {"classes",  "",                        "list the plugin's thing classes",          listClasses   },
+        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",               discoverThings},
+        {"add",      "N",                       "add or reconfigure the N-th offer",        addOffer      },
+        {"things",   "",                        "list all things",                          listThings    },
+        {"show",     "THING",                   "show a thing's parameters and states",     showThing     },
+        {"set",      "THING STATE VALUE",       "set a writable state",                     setState      },
+        {"setup",    "THING",                   "run a thing's set-up again",               setUpThing    },
+        {"remove",   "THING",                   "remove a thing, its children first",       removeThing   },
+        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",   watchWallboxes},
+        {"balance",  "WATT",                    "share a power among the cars, or \"off\"", balanceLoad   },
+        {"wait",     "SECONDS",                 "let time pass",                            letTimePass   },
+        {"help",     "",                        "show this list",                           showHelp      },
+        {"quit",     "",                        "end the host; its things stay stored",     quitHost      },
     };
     return table;
+}
+
+QStringList commandNames()
+{
+    QStringList names;
+    for (const Command &command : commands())
+        names.append(QLatin1String(command.name));
+    return names;
+}
+
+const Command *findCommand(const QString &name)
+{
+    const QString known = name == QLatin1String("?") ? QStringLiteral("help")
+        : name == QLatin1String("exit")              ? QStringLiteral("quit")
+                                                     : name;
+    const auto command = std::find_if(commands().cbegin(), commands().cend(), [&known](const Command &other) {
+        return known == QLatin1String(other.name);
+    });
+    return command == commands().cend() ? nullptr : &*command;
 }
 
 QString Command::usage() const
@@ -213,4 +251,14 @@ bool Command::takes(int argumentCount) const
     const int most = form.isEmpty() ? 0 : form.count(QLatin1Char(' ')) + 1;
     const int least = form.section(QLatin1Char('['), 0, 0).split(QLatin1Char(' '), Qt::SkipEmptyParts).size();
     return argumentCount >= least && (argumentCount <= most || form.contains(QLatin1String("...")));
+}
+
+QString Command::argument(int index) const
+{
+    QStringList names = QString(QLatin1String(arguments))
+                            .remove(QLatin1Char('['))
+                            .remove(QLatin1Char(']'))
+                            .split(QLatin1Char(' '));
+    const bool repeatsLast = names.removeAll(QStringLiteral("...")) > 0;
+    return names.value(repeatsLast ? std::min(index, names.size() - 1) : index);
 }

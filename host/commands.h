@@ -5,6 +5,7 @@
 #define COMMANDS_H
 
 #include "daemon.h"
+#include "loadbalancer.h"
 #include "messages.h"
 
 #include <functional>
@@ -16,11 +17,12 @@
 struct CommandContext
 {
     Daemon *daemon;
-    ThingDescriptors offers; //!< of the last discovery
+    LoadBalancer *balancer;
+    ThingDescriptors offers = {}; //!< of the last discovery
 };
 
-/*! A job that a command has started. Its end is the answer, to which \a message adds what the command has to
-    tell. */
+/*! A job that a command has started. The answer follows when it has finished; \a message returns the command's
+    part of it. */
 struct StartedJob
 {
     ThingJob *job;
@@ -49,10 +51,15 @@ struct Command
     std::variant<CommandFunction<Message>, CommandFunction<StartedJob>, CommandFunction<Pause>> run;
 
     QString usage() const;
+    /*! The name of the argument at \a index, counted from 0, without brackets; empty where there is none. */
+    QString argument(int index) const;
     bool takes(int argumentCount) const;
     bool startsJob() const { return std::holds_alternative<CommandFunction<StartedJob>>(run); }
 };
 
 const QVector<Command> &commands();
+QStringList commandNames();
+/*! The command of that name, for which there may be another one; null where there is none. */
+const Command *findCommand(const QString &name);
 
 #endif // COMMANDS_H

@@ -276,6 +276,7 @@ ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const Q
     if (thing->setupStatus() != Thing::ThingSetupStatusComplete)
         return refused(info, Thing::ThingErrorSetupFailed, tr("%1 is not set up.").arg(thing->name()));
     m_plugin->executeAction(info);
+    emit actionExecuted(thing);
     return info;
 }
 

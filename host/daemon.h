@@ -9,6 +9,7 @@
 
 #include <integrations/integrationplugin.h>
 
+#include <QDir>
 #include <QTimer>
 
 #include <chrono>
@@ -45,6 +46,8 @@ public:
     /*! The loaded plugin, ours; null before load(). */
     IntegrationPlugin *plugin() const { return m_plugin.get(); }
     ThingClasses thingClasses() const { return m_metadata.thingClasses(); }
+    /*! The path of the file \a name in the storage folder. */
+    QString storageFile(const QString &name) const { return QDir(m_folder.path()).filePath(name); }
     HardwareManager *hardwareManager() { return &m_hardwareManager; }
 
     Things configuredThings() const override { return m_things; }
@@ -75,6 +78,8 @@ Q_SIGNALS:
     void thingRemoved(Thing *thing);
     /*! A set-up has ended, also one that failed. */
     void setupFinished(ThingSetupInfo *info);
+    /*! The plugin has been asked to execute an action of \a thing. */
+    void actionExecuted(Thing *thing);
     void stateChanged(Thing *thing, const StateTypeId &stateTypeId, const QVariant &value);
 
 protected:

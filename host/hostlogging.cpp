@@ -12,17 +12,26 @@ Q_LOGGING_CATEGORY(dcHost, "Host")
 
 namespace {
 
+thread_local LogSink *logSink = nullptr;
+
 void writeRecord(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     QStringList lines = qFormatLogMessage(type, context, message).split(QLatin1Char('\n'));
     for (QString &line : lines)
         line = printable(line);
     const QByteArray record = lines.join(QLatin1String("\n    ")).toUtf8() + '\n';
+    if (logSink)
+        return logSink->writeRecord(type, message, record);
     // In one piece, so that records of several processes on one terminal do not mix.
     std::fwrite(record.constData(), 1, size_t(record.size()), stderr);
 }
 
 } // namespace
+
+void setLogSink(LogSink *sink)
+{
+    logSink = sink;
+}
 
 QString takeEnvironmentLogRules()
 {

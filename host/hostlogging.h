@@ -9,6 +9,18 @@
 /*! Category "Host": the host's own messages. */
 Q_DECLARE_LOGGING_CATEGORY(dcHost)
 
+/*! Where log records go instead of standard error. */
+class LogSink
+{
+public:
+    virtual ~LogSink() = default;
+    /*! Writes \a record, which ends with a line feed. \a message is its text alone. */
+    virtual void writeRecord(QtMsgType type, const QString &message, const QByteArray &record) = 0;
+};
+
+/*! Gives the records of the calling thread to \a sink, which must outlive them; null ends that. */
+void setLogSink(LogSink *sink);
+
 /*! Takes the logging rules out of the environment and returns them. There they would go before those of
     startLogging(). Call it before QCoreApplication exists. */
 QString takeEnvironmentLogRules();

@@ -14,26 +14,40 @@ namespace {
 constexpr double longestJob = 86400; // s
 
 constexpr char description[] =
-    R"(Loads an integration plugin and plays the nymea daemon for it: obeys commands on
-standard input, one a line, and prints what happens. "help" lists the commands.
+    R"(Loads an integration plugin and acts as the nymea daemon for it: carries out commands
+from standard input, one per line, and prints what happens. "help" lists the commands.
 
 To begin with:
   discover vela backendUrl=http://127.0.0.1:8080 groupId=yard groupSecret=s3cret
   add 1
   watch
 
-Things and plugin storage are kept in the storage folder: what has been reported
-is stored. Log lines go to standard error; without --log, those of the debug level
-only where that is not a terminal.
+Things and plugin storage are kept in the storage folder, and so is the history of
+the prompt. What has been reported is stored. Log records go to standard error;
+without --log, debug records only where that is not a terminal.
 
-Both streams must be read: when a pipe is full, the host and its plugin stand
-still until somebody reads on. A first SIGINT, SIGTERM or SIGHUP ends the host in
-good order as soon as it can write, a second one kills it at once (in a shell,
-status 130, 143 or 129). Neither loses what is stored.
+At a terminal, Ctrl-C ends a "watch", a "wait" or an unfinished line; Ctrl-D ends
+the host. Otherwise a first SIGINT, SIGTERM or SIGHUP ends the host in good order as
+soon as it can write, a second one kills it at once (in a shell, status 130, 143 or
+129). Nothing that is stored is lost. Both output streams must be read: when a pipe
+is full, the host and its plugin wait until it is read again.
 
 Exit status: 0 after "quit", end of input, SIGINT or SIGTERM; 1 when the plugin or
-the storage folder cannot be used, or when things, settings or output could not be
-written until the end; 2 for a wrong option.)";
+the storage folder cannot be used, when things, settings or output could not be
+written until the end, or when a command failed that was neither typed at a terminal
+nor read with --json; 2 for a wrong option.)";
+
+constexpr char pluginHelp[] = "The plugin; by default the one built with the host.";
+constexpr char storageHelp[] =
+    "Where things and plugin storage are kept, for one host at a time, a folder in which only its owner can "
+    "write; by default vela-host below $XDG_DATA_HOME or ~/.local/share.";
+constexpr char jsonHelp[] = "One JSON object a line on standard output, for programs.";
+constexpr char beginHelp[] = "A command to carry out before the first line is read.";
+constexpr char timeoutHelp[] =
+    "After how long a job that the plugin does not finish ends with ThingErrorTimeout (default 30).";
+constexpr char logHelp[] =
+    "Which log records to write, as Qt's logging rules: Vela.debug=true;Host.debug=false. "
+    "Goes before QT_LOGGING_RULES.";
 
 /*! The plugin that was built together with this program. */
 QString defaultPlugin()
@@ -46,26 +60,20 @@ QString defaultPlugin()
 
 HostOptions readHostOptions()
 {
-    CommandLine line(
-        description,
-        {
-            {"plugin",                                                                                         "The plugin; by default the one built with the host.",      "FILE"},
-            {"storage",
-             "Where things and plugin storage are kept, for one host at a time, a folder in which nobody "
-             "else can "
-             "write; by default vela-host below $XDG_DATA_HOME or ~/.local/share.",                                                                                        "DIR" },
-            {"json",                                                                                           "One JSON object a line on standard output, for programs."},
-            {"job-timeout",
-             "After how long a job that the plugin does not finish ends with ThingErrorTimeout (default 30).",                                                  "SECONDS",       "30"},
-            {"log",
-             "Which log records to write, as Qt's logging rules: Vela.debug=true;Host.debug=false. Goes "
-             "before "
-             "QT_LOGGING_RULES.",                                                                                                                                          "RULES"}
+    CommandLine line(description,
+                     {
+                         {"plugin",     pluginHelp,  "FILE"},
+                         {"storage",    storageHelp, "DIR" },
+                         {"json",       jsonHelp   },
+                         {"begin-with",   beginHelp,   "COMMAND"      },
+                         {"job-timeout", timeoutHelp,   "SECONDS", "30"},
+                         {"log",        logHelp,     "RULES"  },
     });
     line.read(QCoreApplication::arguments());
     HostOptions options;
     options.json = line.isSet("json");
     options.logRules = line.text("log");
+    options.firstCommand = line.text("begin-with");
     options.daemon.pluginFile = line.isSet("plugin") ? line.text("plugin") : defaultPlugin();
     options.daemon.storageFolder = line.isSet("storage")
         ? line.text("storage")

@@ -11,8 +11,10 @@ struct HostOptions
 {
     DaemonOptions daemon;
     bool json = false;
-    QString logRules; //!< empty: none are given
+    QString logRules;     //!< empty: none are given
+    QString firstCommand; //!< empty: none is given
 };
+
 /*! Reads the program's command line. Needs QCoreApplication; ends the process where the command line asks
     for that or has an error. */
 HostOptions readHostOptions();

@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 LineReader::LineReader(int fd, QObject *parent)
-    : QObject(parent)
+    : LineSource(parent)
     , m_fd(fd)
     , m_notifier(fd, QSocketNotifier::Read)
 {
@@ -18,8 +18,8 @@ LineReader::LineReader(int fd, QObject *parent)
 
 QString LineReader::takeLine()
 {
-    QString line = m_lines.dequeue();
-    m_notifier.setEnabled(m_lines.isEmpty() && !m_isAtEnd);
+    QString line = LineSource::takeLine();
+    m_notifier.setEnabled(!hasLine() && !m_isAtEnd);
     return line;
 }
 
@@ -40,7 +40,7 @@ void LineReader::read()
     QList<QByteArray> lines = m_rest.split('\n');
     m_rest = lines.takeLast();
     for (const QByteArray &line : qAsConst(lines))
-        m_lines.enqueue(QString::fromUtf8(line));
+        add(QString::fromUtf8(line));
     m_notifier.setEnabled(false);
     emit ready();
 }

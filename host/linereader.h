@@ -4,27 +4,20 @@
 #ifndef LINEREADER_H
 #define LINEREADER_H
 
-#include <QObject>
-#include <QQueue>
+#include "linesource.h"
+
 #include <QSocketNotifier>
 
 /*! Reads UTF-8 lines from a file descriptor as they arrive, without holding up the event loop. Reads no more
     while lines are waiting to be taken. */
-class LineReader : public QObject
+class LineReader : public LineSource
 {
     Q_OBJECT
 public:
     /*! \a fd stays the caller's: a terminal, pipe, FIFO, socket or file. */
     explicit LineReader(int fd, QObject *parent = nullptr);
 
-    bool hasLine() const { return !m_lines.isEmpty(); }
-    QString takeLine();
-    /*! Nothing follows: the input has ended, or cannot be read. */
-    bool isAtEnd() const { return m_isAtEnd && m_lines.isEmpty(); }
-
-Q_SIGNALS:
-    /*! There is a line, or the input has ended. */
-    void ready();
+    QString takeLine() override;
 
 private:
     void read();
@@ -32,8 +25,6 @@ private:
     const int m_fd;
     QSocketNotifier m_notifier;
     QByteArray m_rest; // of an unfinished line
-    QQueue<QString> m_lines;
-    bool m_isAtEnd = false;
 };
 
 #endif // LINEREADER_H

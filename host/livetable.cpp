@@ -4,6 +4,7 @@
 #include "livetable.h"
 
 #include "printable.h"
+#include "wallboxes.h"
 
 #include <algorithm>
 #include <array>
@@ -12,23 +13,128 @@
 
 namespace {
 
+/*! A wallbox, and what its cells depend on besides. */
+struct Row
+{
+    const Thing *wallbox;
+    bool isManaged; // there has been an action on a wallbox of its gateway
+    bool isConnected;
+    bool unicode;
+    int barWidth;
+    qint64 now;
+};
+
+QString decimals(double value, int count)
+{
+    return QString::number(value, 'f', count);
+}
+
+/*! A measured value of a wallbox that is not connected says nothing about now. */
+QString measured(const Row &row, const QString &text)
+{
+    return row.isConnected ? text : QStringLiteral("-");
+}
+
+/*! In A, of the phase that carries most. */
+double current(const Thing *wallbox)
+{
+    return std::max({number(wallbox, "currentPhaseA"), number(wallbox, "currentPhaseB"),
+                     number(wallbox, "currentPhaseC")});
+}
+
+QString nameText(const Row &row)
+{
+    return printable(row.wallbox->name());
+}
+
+QString stateText(const Row &row)
+{
+    return row.isConnected ? printable(row.wallbox->stateValue(QStringLiteral("state")).toString())
+                           : QStringLiteral("not connected");
+}
+
+/*! Not from the state "pluggedIn": that is true for every wallbox that the backend reports. */
+QString carText(const Row &row)
+{
+    if (isInState(row.wallbox, {"Charging"}))
+        return QStringLiteral("charging");
+    const bool hasCar = isInState(row.wallbox, {"Preparing", "SuspendedEV", "SuspendedEVSE", "Finishing"});
+    return hasCar ? QStringLiteral("plugged") : QStringLiteral("-");
+}
+
+QString barText(const Row &row)
+{
+    const double limit = number(row.wallbox, "maxChargingCurrent");
+    const double share =
+        row.isConnected && limit > 0 ? std::clamp(current(row.wallbox) / limit, 0.0, 1.0) : 0.0;
+    const int full = qRound(share * row.barWidth);
+    const QChar fullSign = row.unicode ? QChar(0x2588) : QLatin1Char('#');
+    const QChar emptySign = row.unicode ? QChar(0x2591) : QLatin1Char('.');
+    return QString(full, fullSign) + QString(row.barWidth - full, emptySign);
+}
+
+/*! The current and its limit: "off" for a wallbox that is limited to 0 A, "-" for one that is not limited.
+    The plugin limits wallboxes that are not enabled only after an action on one of them, some seconds later. */
+QString currentText(const Row &row)
+{
+    const double ampere = current(row.wallbox);
+    QString limit = row.isManaged && ampere == 0 ? QStringLiteral("off") : QStringLiteral("-");
+    if (isOn(row.wallbox, "power"))
+        limit = decimals(number(row.wallbox, "maxChargingCurrent"), 0);
+    return measured(row, decimals(ampere, 1)) + QLatin1Char('/') + limit;
+}
+
+QString powerText(const Row &row)
+{
+    return measured(row, decimals(number(row.wallbox, "currentPower") / 1000, 2));
+}
+
+QString sessionText(const Row &row)
+{
+    return decimals(number(row.wallbox, "sessionEnergy"), 2);
+}
+
+QString totalText(const Row &row)
+{
+    return decimals(number(row.wallbox, "totalEnergyConsumed"), 1);
+}
+
+QString ageText(const Row &row)
+{
+    const qint64 timestamp = row.wallbox->stateValue(QStringLiteral("timestamp")).toLongLong();
+    if (timestamp == 0)
+        return QStringLiteral("-"); // there are no values yet
+    const qint64 age = std::max<qint64>(0, row.now - timestamp);
+    constexpr std::pair<qint64, char> units[] = {
+        {86400, 'd'},
+        {3600,  'h'},
+        {60,    'm'}
+    };
+    for (const auto &[seconds, sign] : units) {
+        if (age >= 2 * seconds)
+            return QString::number(std::min<qint64>(99, age / seconds)) + QLatin1Char(sign);
+    }
+    return QString::number(std::min<qint64>(99, age)) + QLatin1Char('s');
+}
+
 constexpr struct
 {
     const char *title;
     const char *unit;
-    int width;      // for the name and the bar the least
-    bool isNumber;  // to the right
-    int importance; // the least important column goes first where there is no room
+    int width;      // of name and bar: the least
+    bool isNumber;  // aligned to the right
+    int importance; // the least important column is left out first
+    QString (*text)(const Row &row);
 } columns[] = {
-    {"Wallbox",    "",           7,  false, 9},
-    {"OCPP state", "",           13, false, 8},
-    {"Car",        "",           8,  false, 4},
-    {"",           "",           6,  false, 3},
-    {"Current",    "A of limit", 10, true,  7},
-    {"Power",      "kW",         6,  true,  6},
-    {"Session",    "kWh",        7,  true,  5},
-    {"Total",      "kWh",        8,  true,  1},
-    {"Age",        "",           3,  true,  2},
+    {"Wallbox",    "",           7,  false, 9, nameText   },
+    {"OCPP state", "",           13, false, 8, stateText  },
+    {"Car",        "",           8,  false, 4, carText    },
+    {"",           "",           6,  false, 2, barText    },
+    {"Current",    "A of limit", 10, true,  7, currentText},
+    {"Power",      "kW",         6,  true,  6, powerText  },
+    {"Session",    "kWh",        7,  true,  5, sessionText},
+    {"Total",      "kWh",        8,  true,  1, totalText  },
+    {"Age",        "",           3,  true,  3, ageText    },
 };
 constexpr int columnCount = std::size(columns);
 constexpr int nameColumn = 0;
@@ -91,75 +197,6 @@ QString line(const QStringList &cells, const Widths &widths, const TableStyle &s
     return result;
 }
 
-bool isOn(const Thing *wallbox, const char *state)
-{
-    return wallbox->stateValue(QLatin1String(state)).toBool();
-}
-
-double number(const Thing *wallbox, const char *state)
-{
-    return wallbox->stateValue(QLatin1String(state)).toDouble();
-}
-
-/*! In A, of the phase that carries most. */
-double current(const Thing *wallbox)
-{
-    return std::max({number(wallbox, "currentPhaseA"), number(wallbox, "currentPhaseB"),
-                     number(wallbox, "currentPhaseC")});
-}
-
-QString decimals(double value, int count)
-{
-    return QString::number(value, 'f', count);
-}
-
-QString stateText(const Thing *wallbox)
-{
-    return isOn(wallbox, "connected") ? printable(wallbox->stateValue(QStringLiteral("state")).toString())
-                                      : QStringLiteral("not connected");
-}
-
-QString carText(const Thing *wallbox)
-{
-    if (isOn(wallbox, "charging"))
-        return QStringLiteral("charging");
-    return isOn(wallbox, "pluggedIn") ? QStringLiteral("plugged") : QStringLiteral("-");
-}
-
-QString bar(const Thing *wallbox, int width, bool unicode)
-{
-    const double limit = number(wallbox, "maxChargingCurrent");
-    const double share = limit > 0 ? std::clamp(current(wallbox) / limit, 0.0, 1.0) : 0.0;
-    const int full = qRound(share * width);
-    const QChar fullSign = unicode ? QChar(0x2588) : QLatin1Char('#');
-    const QChar emptySign = unicode ? QChar(0x2591) : QLatin1Char('.');
-    return QString(full, fullSign) + QString(width - full, emptySign);
-}
-
-QString currentText(const Thing *wallbox)
-{
-    const QString limit =
-        isOn(wallbox, "power") ? decimals(number(wallbox, "maxChargingCurrent"), 0) : QStringLiteral("off");
-    return QStringLiteral("%1/%2").arg(decimals(current(wallbox), 1), limit);
-}
-
-QString ageText(qint64 timestamp, qint64 now)
-{
-    if (timestamp == 0)
-        return QStringLiteral("-"); // there are no values yet
-    const qint64 age = std::max<qint64>(0, now - timestamp);
-    constexpr std::pair<qint64, char> units[] = {
-        {86400, 'd'},
-        {3600,  'h'},
-        {60,    'm'}
-    };
-    for (const auto &[seconds, sign] : units) {
-        if (age >= 2 * seconds)
-            return QString::number(std::min<qint64>(99, age / seconds)) + QLatin1Char(sign);
-    }
-    return QString::number(std::min<qint64>(99, age)) + QLatin1Char('s');
-}
-
 QString stateColour(const QString &state)
 {
     constexpr std::pair<const char *, const char *> colours[] = {
@@ -179,18 +216,12 @@ QString stateColour(const QString &state)
     return QStringLiteral("2");
 }
 
-QString wallboxLine(const Thing *wallbox, const Widths &widths, const TableStyle &style, qint64 now)
+QString wallboxLine(const Row &row, const Widths &widths, const TableStyle &style)
 {
-    const QStringList cells{printable(wallbox->name()),
-                            stateText(wallbox),
-                            carText(wallbox),
-                            bar(wallbox, widths[barColumn], style.unicode),
-                            currentText(wallbox),
-                            decimals(number(wallbox, "currentPower") / 1000, 2),
-                            decimals(number(wallbox, "sessionEnergy"), 2),
-                            decimals(number(wallbox, "totalEnergyConsumed"), 1),
-                            ageText(wallbox->stateValue(QStringLiteral("timestamp")).toLongLong(), now)};
-    return line(cells, widths, style, style.colour ? stateColour(stateText(wallbox)) : QString());
+    QStringList cells;
+    for (const auto &column : columns)
+        cells.append(column.text(row));
+    return line(cells, widths, style, style.colour ? stateColour(stateText(row)) : QString());
 }
 
 double sum(const Things &wallboxes, const char *state)
@@ -203,14 +234,17 @@ double sum(const Things &wallboxes, const char *state)
 
 QString totalLine(const Things &wallboxes, const Widths &widths, const TableStyle &style)
 {
-    const auto charging = std::count_if(wallboxes.cbegin(), wallboxes.cend(),
+    Things connected;
+    std::copy_if(wallboxes.cbegin(), wallboxes.cend(), std::back_inserter(connected),
+                 [](const Thing *wallbox) { return isOn(wallbox, "connected"); });
+    const auto charging = std::count_if(connected.cbegin(), connected.cend(),
                                         [](const Thing *wallbox) { return isOn(wallbox, "charging"); });
     const QStringList cells{QStringLiteral("Total"),
                             QStringLiteral("%1 of %2").arg(charging).arg(wallboxes.size()),
                             QStringLiteral("charging"),
                             QString(),
                             QString(),
-                            decimals(sum(wallboxes, "currentPower") / 1000, 2),
+                            decimals(sum(connected, "currentPower") / 1000, 2),
                             decimals(sum(wallboxes, "sessionEnergy"), 2),
                             decimals(sum(wallboxes, "totalEnergyConsumed"), 1)};
     return line(cells, widths, style);
@@ -218,8 +252,10 @@ QString totalLine(const Things &wallboxes, const Widths &widths, const TableStyl
 
 } // namespace
 
-QStringList liveTable(const Things &wallboxes, const TableStyle &style, qint64 now)
+QStringList liveTable(const WallboxTable &table, const TableStyle &style)
 {
+    if (table.wallboxes.isEmpty())
+        return {QStringLiteral("There are no wallboxes yet.")};
     const Widths widths = widthsFor(style.width);
     QStringList titles;
     QStringList units;
@@ -228,13 +264,20 @@ QStringList liveTable(const Things &wallboxes, const TableStyle &style, qint64 n
         units.append(QLatin1String(column.unit));
     }
     QStringList lines{line(titles, widths, style), line(units, widths, style)};
-    const QList<Thing *> shown = wallboxes.mid(0, style.maxRows);
-    for (const Thing *wallbox : shown)
-        lines.append(wallboxLine(wallbox, widths, style, now));
-    if (wallboxes.size() > style.maxRows)
+    const QList<Thing *> shown = table.wallboxes.mid(0, style.maxRows);
+    for (const Thing *wallbox : shown) {
+        const Row row{wallbox,
+                      table.gateways.contains(wallbox->parentId()),
+                      isOn(wallbox, "connected"),
+                      style.unicode,
+                      widths[barColumn],
+                      table.now};
+        lines.append(wallboxLine(row, widths, style));
+    }
+    if (table.wallboxes.size() > style.maxRows)
         lines.append(QStringLiteral("and %1 more; a taller window shows them")
-                         .arg(wallboxes.size() - style.maxRows)
+                         .arg(table.wallboxes.size() - style.maxRows)
                          .left(style.width));
-    lines.append(totalLine(wallboxes, widths, style));
+    lines.append(totalLine(table.wallboxes, widths, style));
     return lines;
 }

@@ -6,7 +6,16 @@
 
 #include <integrations/thing.h>
 
+#include <QSet>
 #include <QStringList>
+
+/*! What the table shows. */
+struct WallboxTable
+{
+    Things wallboxes;
+    QSet<ThingId> gateways; //!< those with an action on one of their wallboxes
+    qint64 now;             //!< seconds since the epoch
+};
 
 struct TableStyle
 {
@@ -17,8 +26,8 @@ struct TableStyle
 };
 
 /*! Two lines of heading, a line for each wallbox and the total, none wider than the style allows. Where there
-    is little room, columns are left out. What is shown are the states of the platform's "evcharger" interface
-    and those that the plugin adds. \a now in seconds since the epoch. */
-QStringList liveTable(const Things &wallboxes, const TableStyle &style, qint64 now);
+    is little space, columns are left out. What is shown are the states of the platform's "evcharger" interface
+    and those that the plugin adds. */
+QStringList liveTable(const WallboxTable &table, const TableStyle &style);
 
 #endif // LIVETABLE_H

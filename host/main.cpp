@@ -1,10 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "commandline.h"
+#include "completion.h"
 #include "daemon.h"
 #include "endsignals.h"
 #include "hostlogging.h"
 #include "hostoptions.h"
+#include "linereader.h"
 #include "printable.h"
 #include "session.h"
 #include "standardstreams.h"
@@ -13,8 +16,45 @@
 
 #include <cstdio>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
+
+constexpr char greeting[] =
+    "\"help\" lists the commands, the Tab key completes words, and Ctrl-D ends the host.";
+
+int runSession(Session *session, LineSource *source, const QString &firstCommand)
+{
+    if (!firstCommand.isEmpty())
+        source->add(firstCommand);
+    QObject::connect(session, &Session::ended, qApp, &QCoreApplication::quit);
+    return QCoreApplication::exec();
+}
+
+int runPiped(Daemon *daemon, const HostOptions &options)
+{
+    LineReader reader(STDIN_FILENO);
+    Output output(options.json, nullptr);
+    Session session(daemon, &reader, &output);
+    const int status = runSession(&session, &reader, options.firstCommand);
+    return session.hasFailed() && !options.json ? Failed : status;
+}
+
+int runAtTerminal(Daemon *daemon, const HostOptions &options)
+{
+    Prompt prompt(daemon->storageFile(QStringLiteral("history")),
+                  [daemon](const QString &before) { return completionsFor(*daemon, before); });
+    Output output(false, &prompt);
+    Session session(daemon, &prompt, &output);
+    QObject::connect(&prompt, &Prompt::enterPressed, &session, &Session::enter);
+    QObject::connect(&prompt, &Prompt::interrupted, &session, &Session::interrupt);
+    QObject::connect(&prompt, &Prompt::choicesFound, &session, [&output](const QStringList &words) {
+        output.print({{}, {words.join(QStringLiteral("  "))}});
+    });
+    prompt.awaitCommand();
+    output.print({{}, {QLatin1String(greeting)}});
+    return runSession(&session, &prompt, options.firstCommand);
+}
 
 int run(const HostOptions &options)
 {
@@ -27,14 +67,11 @@ int run(const HostOptions &options)
         std::fprintf(stderr, "vela-host: %s\n", qUtf8Printable(printable(error)));
         return EXIT_FAILURE;
     }
-    Output output(options.json);
-    Session session(daemon, &output);
-    QObject::connect(&session, &Session::ended, qApp, &QCoreApplication::quit);
-    const int status = QCoreApplication::exec();
+    const bool isInteractive = !options.json && ::isatty(STDIN_FILENO) && ::isatty(STDOUT_FILENO);
+    const int status = isInteractive ? runAtTerminal(daemon, options) : runPiped(daemon, options);
     if (!daemon->commit()) {
         std::fflush(stdout);
-        // At once: when the plugin goes with the process, its settings would be written where there is no
-        // room.
+        // At once: at its end the plugin would write its settings where there is no space.
         std::_Exit(EXIT_FAILURE);
     }
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : EXIT_FAILURE;

@@ -3,10 +3,9 @@
 
 #include "output.h"
 
-#include "livetable.h"
 #include "printable.h"
+#include "prompt.h"
 
-#include <QDateTime>
 #include <QTextCodec>
 
 #include <algorithm>
@@ -16,17 +15,7 @@
 
 namespace {
 
-void put(const QByteArray &bytes)
-{
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
-    std::fflush(stdout);
-}
-
-void putLines(const QStringList &lines)
-{
-    for (const QString &line : lines)
-        put(printable(line).toUtf8() + '\n');
-}
+constexpr int mostWarningLines = 3;
 
 TableStyle styleFor(bool isTerminal)
 {
@@ -40,69 +29,95 @@ TableStyle styleFor(bool isTerminal)
         return style;
     const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
     style.width = isKnown ? size.ws_col : style.width;
-    style.maxRows = std::max(1, (isKnown ? size.ws_row : 24) - linesBesidesRows);
+    style.maxRows = (isKnown ? size.ws_row : 24) - linesBesidesRows;
     return style;
 }
 
 } // namespace
 
-Output::Output(bool isJson)
+Output::Output(bool isJson, Prompt *prompt)
     : m_isJson(isJson)
     , m_isTerminal(::isatty(STDOUT_FILENO))
-    , m_hasPrompt(!isJson && m_isTerminal && ::isatty(STDIN_FILENO))
+    , m_prompt(prompt)
 {
+    // Otherwise the log does not get between what is printed here.
+    if (m_isTerminal && ::isatty(STDERR_FILENO))
+        setLogSink(this);
 }
 
-void Output::awaitCommand()
+Output::~Output()
 {
-    if (!m_hasPrompt || m_atPrompt)
-        return;
-    put("vela> ");
-    m_atPrompt = true;
-}
-
-void Output::commandRead()
-{
-    m_atPrompt = false;
+    setLogSink(nullptr);
 }
 
 void Output::print(const Message &message)
 {
     if (m_isJson)
-        return put(printableJson(message.json) + '\n');
-    if (message.json.contains(QLatin1String("event")))
-        return printEvent(message.lines);
+        return write(printableJson(message.json) + '\n');
+    const bool isEvent = message.json.contains(QLatin1String("event"));
+    if (isEvent && m_drawnLines > 0)
+        return; // The table shows it already.
     m_drawnLines = 0;
-    putLines(message.lines);
+    writeLines(message.lines);
 }
 
-void Output::printEvent(const QStringList &lines)
-{
-    // The table shows it already, and would be torn.
-    if (lines.isEmpty() || m_drawnLines > 0)
-        return;
-    const bool atPrompt = m_atPrompt;
-    m_atPrompt = false;
-    if (atPrompt)
-        put("\r\x1b[K");
-    putLines(lines);
-    if (atPrompt)
-        awaitCommand();
-}
-
-void Output::draw(const Things &wallboxes)
+void Output::draw(const WallboxTable &table)
 {
     if (m_isJson)
-        return; // the events tell it all
-    if (wallboxes.isEmpty()) {
-        m_drawnLines = 0;
-        return putLines({QStringLiteral("There are no wallboxes yet.")});
-    }
-    const QStringList lines =
-        liveTable(wallboxes, styleFor(m_isTerminal), QDateTime::currentSecsSinceEpoch());
+        return; // The events contain the same values.
+    if (m_drawnLines == 0)
+        m_warningCount = 0;
+    TableStyle style = styleFor(m_isTerminal);
+    const QStringList warning = warningLines(style.width);
+    style.maxRows = std::max(1, style.maxRows - warning.size());
+    const QStringList lines = liveTable(table, style) + warning;
     if (!m_isTerminal)
-        return put(lines.join(QLatin1Char('\n')).toUtf8() + "\n\n");
+        return write(lines.join(QLatin1Char('\n')).toUtf8() + "\n\n");
     const QString up = m_drawnLines > 0 ? QStringLiteral("\x1b[%1F").arg(m_drawnLines) : QString();
-    put((up + lines.join(QLatin1String("\x1b[K\n"))).toUtf8() + "\x1b[K\n\x1b[J");
+    write((up + lines.join(QLatin1String("\x1b[K\n"))).toUtf8() + "\x1b[K\n\x1b[J");
     m_drawnLines = lines.size();
+}
+
+/*! What the log reports while the table is shown, which its records would tear. */
+QStringList Output::warningLines(int width) const
+{
+    if (m_warningCount == 0)
+        return {};
+    const qint64 age = m_lastWarningTime.secsTo(QDateTime::currentDateTimeUtc());
+    const QString heading = m_warningCount == 1
+        ? QStringLiteral("A warning, %1 s ago:").arg(age)
+        : QStringLiteral("%1 warnings, the last one %2 s ago:").arg(m_warningCount).arg(age);
+    QStringList lines{heading.left(width)};
+    for (int i = 0; i < mostWarningLines && i * width < m_lastWarning.size(); ++i)
+        lines.append(m_lastWarning.mid(i * width, width));
+    return lines;
+}
+
+void Output::writeRecord(QtMsgType type, const QString &message, const QByteArray &record)
+{
+    if (m_drawnLines == 0)
+        return write(record);
+    if (type != QtWarningMsg && type != QtCriticalMsg)
+        return;
+    ++m_warningCount;
+    m_lastWarning = printable(message.simplified());
+    m_lastWarningTime = QDateTime::currentDateTimeUtc();
+}
+
+void Output::write(const QByteArray &bytes)
+{
+    const bool hasPrompt = m_prompt && m_prompt->hide();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    std::fflush(stdout);
+    if (hasPrompt)
+        m_prompt->show();
+}
+
+void Output::writeLines(const QStringList &lines)
+{
+    QByteArray bytes;
+    for (const QString &line : lines)
+        bytes += printable(line).toUtf8() + '\n';
+    if (!lines.isEmpty())
+        write(bytes);
 }

@@ -4,33 +4,42 @@
 #ifndef OUTPUT_H
 #define OUTPUT_H
 
+#include "hostlogging.h"
+#include "livetable.h"
 #include "messages.h"
 
-#include <integrations/thing.h>
+#include <QDateTime>
 
-/*! Standard output: one JSON object a line for programs, or text for people, with a prompt and a table that is
-    redrawn in place where they sit at a terminal. */
-class Output
+class Prompt;
+
+/*! Standard output: one JSON object a line for programs, or text for people. On a terminal, a table is redrawn
+    in place, and everything else, log records included, is printed above the prompt. */
+class Output : public LogSink
 {
 public:
-    explicit Output(bool isJson);
-
-    /*! The next command is awaited, or has been read. */
-    void awaitCommand();
-    void commandRead();
+    /*! \a prompt, which must outlive this object, is null where nobody types at a terminal. */
+    Output(bool isJson, Prompt *prompt);
+    ~Output() override;
 
     void print(const Message &message);
-    /*! Draws the table of "watch" for people, over the last one where nothing else has been answered since. */
-    void draw(const Things &wallboxes);
+    /*! Draws \a table for people, over the last one where nothing else has been answered since. */
+    void draw(const WallboxTable &table);
 
 private:
-    void printEvent(const QStringList &lines);
+    void writeRecord(QtMsgType type, const QString &message, const QByteArray &record) override;
+    void write(const QByteArray &bytes);
+    void writeLines(const QStringList &lines);
+    QStringList warningLines(int width) const;
 
     const bool m_isJson;
     const bool m_isTerminal; // standard output
-    const bool m_hasPrompt;  // and somebody types
-    bool m_atPrompt = false; // the prompt is the last that has been written
-    int m_drawnLines = 0;    // of the table above the cursor of a terminal; 0: no table is shown
+    Prompt *const m_prompt;
+    int m_drawnLines = 0; // of the table above the cursor of a terminal; 0: no table is shown
+
+    // Since the first table was drawn
+    int m_warningCount = 0;
+    QString m_lastWarning;
+    QDateTime m_lastWarningTime;
 };
 
 #endif // OUTPUT_H

@@ -5,38 +5,27 @@
 
 #include "arguments.h"
 #include "thingjson.h"
+#include "wallboxes.h"
 
-#include <algorithm>
-#include <unistd.h>
+#include <QDateTime>
 
 using namespace std::chrono_literals;
 
-namespace {
-
-QString commandNames()
-{
-    QStringList names;
-    for (const Command &command : commands())
-        names.append(QLatin1String(command.name));
-    return names.join(QStringLiteral(", "));
-}
-
-} // namespace
-
-Session::Session(Daemon *daemon, Output *output, QObject *parent)
+Session::Session(Daemon *daemon, LineSource *source, Output *output, QObject *parent)
     : QObject(parent)
     , m_daemon(daemon)
+    , m_source(source)
     , m_output(output)
-    , m_context{daemon, {}}
-    , m_reader(STDIN_FILENO)
+    , m_balancer(daemon)
+    , m_context{daemon, &m_balancer}
 {
     m_pauseTimer.setSingleShot(true);
     m_pauseTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_pauseTimer, &QTimer::timeout, this, &Session::endPause);
     connect(&m_drawTimer, &QTimer::timeout, this, &Session::drawWallboxes);
-    connect(&m_reader, &LineReader::ready, this, &Session::executeNext);
+    connect(m_source, &LineSource::ready, this, &Session::executeNext);
     reportEvents();
-    m_output->awaitCommand();
+    QMetaObject::invokeMethod(this, &Session::executeNext, Qt::QueuedConnection);
 }
 
 void Session::reportEvents()
@@ -47,6 +36,8 @@ void Session::reportEvents()
             [this](const Thing *thing) { m_output->print(thingRemovedEvent(thing)); });
     connect(m_daemon, &Daemon::setupFinished, this,
             [this](const ThingSetupInfo *info) { m_output->print(setupFinishedEvent(info)); });
+    connect(m_daemon, &Daemon::actionExecuted, this,
+            [this](const Thing *thing) { m_managedGateways.insert(thing->parentId()); });
     connect(m_daemon, &Daemon::stateChanged, this,
             [this](const Thing *thing, const StateTypeId &id, const QVariant &value) {
                 m_output->print(stateChangedEvent(thing, id, value));
@@ -56,17 +47,16 @@ void Session::reportEvents()
 void Session::executeNext()
 {
     for (;;) {
-        if (m_isOpenEnded && (m_reader.hasLine() || m_reader.isAtEnd()))
+        if (m_isOpenEnded && (m_source->hasLine() || m_source->isAtEnd()))
             endPause();
-        if (m_quit || m_isPending || !m_reader.hasLine())
+        if (m_quit || m_isPending || !m_source->hasLine())
             break;
-        m_output->commandRead();
-        execute(m_reader.takeLine());
+        execute(m_source->takeLine());
     }
-    if (m_quit || (m_reader.isAtEnd() && !m_isPending))
+    if (m_quit || (m_source->isAtEnd() && !m_isPending))
         emit ended();
     else if (!m_isPending)
-        m_output->awaitCommand();
+        m_source->awaitCommand();
 }
 
 void Session::execute(const QString &line)
@@ -75,15 +65,12 @@ void Session::execute(const QString &line)
     if (words && words->isEmpty())
         return;
     m_name = words ? words->first() : line.trimmed().section(QLatin1Char(' '), 0, 0);
-    const auto command = std::find_if(commands().cbegin(), commands().cend(), [this](const Command &known) {
-        return m_name == QLatin1String(known.name);
-    });
-    m_command = command == commands().cend() ? nullptr : &*command;
+    m_command = findCommand(m_name);
     if (!words)
         return refuse(words.error());
     if (!m_command)
-        return refuse(
-            QStringLiteral("There is no command \"%1\"; there are %2.").arg(m_name, commandNames()));
+        return refuse(QStringLiteral("There is no command \"%1\"; there are %2.")
+                          .arg(m_name, commandNames().join(QStringLiteral(", "))));
     const QStringList arguments = words->mid(1);
     if (!m_command->takes(arguments.size()))
         return refuse(QStringLiteral("Usage: ") + m_command->usage().trimmed());
@@ -118,6 +105,18 @@ void Session::answer(const Pause &pause)
     }
 }
 
+void Session::interrupt()
+{
+    if (m_pauseTimer.isActive() || m_isOpenEnded)
+        endPause();
+}
+
+void Session::enter()
+{
+    if (m_isOpenEnded)
+        endPause();
+}
+
 void Session::endPause()
 {
     m_isOpenEnded = false;
@@ -149,6 +148,7 @@ void Session::answer(Message message, const QString &error)
     message.json.insert(QStringLiteral("answer"), m_name);
     message.json.insert(QStringLiteral("ok"), error.isEmpty());
     if (!error.isEmpty()) {
+        m_hasFailed = true;
         message.json.insert(QStringLiteral("error"), error);
         message.lines = QStringList{QStringLiteral("Error: ") + error};
     }
@@ -161,13 +161,6 @@ void Session::answer(Message message, const QString &error)
 
 void Session::drawWallboxes()
 {
-    Things wallboxes;
-    const Things things = m_daemon->configuredThings();
-    for (Thing *thing : things) {
-        if (thing->thingClass().interfaces.contains(QLatin1String("evcharger")))
-            wallboxes.append(thing);
-    }
-    std::sort(wallboxes.begin(), wallboxes.end(),
-              [](const Thing *a, const Thing *b) { return a->name() < b->name(); });
-    m_output->draw(wallboxes);
+    m_output->draw(
+        {wallboxesOf(m_daemon->configuredThings()), m_managedGateways, QDateTime::currentSecsSinceEpoch()});
 }

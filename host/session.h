@@ -5,19 +5,26 @@
 #define SESSION_H
 
 #include "commands.h"
-#include "linereader.h"
+#include "linesource.h"
 #include "output.h"
 
 #include <QTimer>
 
-/*! Reads commands from standard input, has them carried out one after the other, and prints their answers and
+/*! Takes commands from a source of lines, has them carried out one after the other, and prints their answers and
     the daemon's events. */
 class Session : public QObject
 {
     Q_OBJECT
 public:
-    /*! Both must outlive this object. */
-    Session(Daemon *daemon, Output *output, QObject *parent = nullptr);
+    /*! All of them must outlive this object. */
+    Session(Daemon *daemon, LineSource *source, Output *output, QObject *parent = nullptr);
+
+    /*! Ends the wait or the table of the command that is being carried out. */
+    void interrupt();
+    /*! The same, only where the command has no end of its own. */
+    void enter();
+    /*! Whether a command has failed so far. */
+    bool hasFailed() const { return m_hasFailed; }
 
 Q_SIGNALS:
     /*! By "quit", or at the end of the input once the last command is answered. */
@@ -40,10 +47,13 @@ private:
     void drawWallboxes();
 
     Daemon *const m_daemon;
+    LineSource *const m_source;
     Output *const m_output;
+    LoadBalancer m_balancer;
     CommandContext m_context;
-    LineReader m_reader;
+    QSet<ThingId> m_managedGateways; // with an action on one of their wallboxes since the start
     bool m_quit = false;
+    bool m_hasFailed = false;
 
     // The last command
     QString m_name;

@@ -44,7 +44,7 @@ QString ownerError(const QString &path)
 QString linkError(const QString &path)
 {
     const QStringList ours{QLatin1String(lockFileName), QStringLiteral("things.json*"),
-                           QStringLiteral("pluginconfig-*")};
+                           QStringLiteral("pluginconfig-*"), QStringLiteral("history")};
     // QDir::System: links to nowhere as well.
     const QFileInfoList files =
         QDir(path).entryInfoList(ours, QDir::Files | QDir::Dirs | QDir::System | QDir::Hidden);

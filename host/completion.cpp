@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "completion.h"
+
+#include "arguments.h"
+#include "commands.h"
+
+namespace {
+
+/*! Where the last word of \a text begins. */
+int lastWord(const QString &text)
+{
+    int begin = 0;
+    QChar quote;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar character = text.at(i);
+        if (!quote.isNull())
+            quote = character == quote ? QChar() : quote;
+        else if (character == QLatin1Char('"') || character == QLatin1Char('\''))
+            quote = character;
+        else if (character == QLatin1Char(' '))
+            begin = i + 1;
+    }
+    return begin;
+}
+
+QString quoted(const QString &word)
+{
+    return word.contains(QLatin1Char(' ')) ? QStringLiteral("\"%1\"").arg(word) : word;
+}
+
+QStringList thingNames(const Things &things)
+{
+    QStringList result;
+    for (const Thing *thing : things)
+        result.append(thing->name());
+    return result;
+}
+
+QStringList valuesOf(const Thing *thing, const QString &stateName)
+{
+    if (thing->state(stateName).value().userType() != QMetaType::Bool)
+        return {};
+    return {QStringLiteral("true"), QStringLiteral("false")};
+}
+
+QStringList assignmentsOf(const ThingClass &thingClass)
+{
+    QStringList result = nameList(thingClass.discoveryParamTypes);
+    for (QString &name : result)
+        name += QLatin1Char('=');
+    return result;
+}
+
+/*! What can follow \a words, by the name of the next argument in the command's usage. */
+QStringList nextWords(const Daemon &daemon, const QStringList &words)
+{
+    if (words.isEmpty())
+        return commandNames();
+    const Command *command = findCommand(words.constFirst());
+    const QString argument = command ? command->argument(words.size() - 1) : QString();
+    if (argument == QLatin1String("CLASS"))
+        return nameList(daemon.thingClasses());
+    if (argument == QLatin1String("PARAM=VALUE"))
+        return assignmentsOf(daemon.thingClasses().findByName(words.at(1)));
+    if (argument == QLatin1String("THING"))
+        return thingNames(daemon.configuredThings());
+    const auto thing = findThing(daemon.configuredThings(), words.value(1));
+    if (!thing)
+        return {};
+    if (argument == QLatin1String("STATE"))
+        return nameList((*thing)->thingClass().actionTypes);
+    return argument == QLatin1String("VALUE") ? valuesOf(*thing, words.at(2)) : QStringList();
+}
+
+} // namespace
+
+Completions completionsFor(const Daemon &daemon, const QString &before)
+{
+    const int begin = lastWord(before);
+    const auto words = splitWords(before.left(begin));
+    QString typed = before.mid(begin);
+    Completions result{typed.size(), {}};
+    typed.remove(QLatin1Char('"')).remove(QLatin1Char('\''));
+    const QStringList candidates = nextWords(daemon, words.value_or(QStringList()));
+    for (const QString &word : candidates) {
+        if (word.startsWith(typed))
+            result.words.append(quoted(word));
+    }
+    return result;
+}

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#include "loadbalancer.h"
+
+#include "wallboxes.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr double voltage = 230; // V, of each phase
+
+/*! In W. A car that does not charge yet may use all three phases. */
+double powerAt(const Thing *wallbox, const QVariant &ampere)
+{
+    const double phases = isOn(wallbox, "charging") ? number(wallbox, "phaseCount") : 3;
+    return ampere.toDouble() * phases * voltage;
+}
+
+State limitOf(const Thing *wallbox)
+{
+    return wallbox->state(QStringLiteral("maxChargingCurrent"));
+}
+
+} // namespace
+
+LoadBalancer::LoadBalancer(Daemon *daemon, QObject *parent)
+    : QObject(parent)
+    , m_daemon(daemon)
+{
+    m_timer.setInterval(10s);
+    connect(&m_timer, &QTimer::timeout, this, &LoadBalancer::balance);
+}
+
+void LoadBalancer::start(double power)
+{
+    m_power = power;
+    m_timer.start();
+    balance();
+}
+
+void LoadBalancer::balance()
+{
+    Things cars;
+    double left = m_power;
+    const Things wallboxes = wallboxesOf(m_daemon->configuredThings());
+    for (Thing *wallbox : wallboxes) {
+        if (!isInState(wallbox, {"Preparing", "Charging", "SuspendedEVSE"}))
+            continue;
+        const double least = powerAt(wallbox, limitOf(wallbox).minValue());
+        if (least <= left) {
+            cars.append(wallbox);
+            left -= least;
+        } else if (isOn(wallbox, "power")) {
+            m_daemon->execute(wallbox, QStringLiteral("power"), false);
+        }
+    }
+    share(cars, left);
+}
+
+/*! Shares \a left, in W, among \a cars, in addition to the least that each of them needs. */
+void LoadBalancer::share(Things cars, double left)
+{
+    // The car that can take least comes first, so that the others get what it leaves.
+    std::sort(cars.begin(), cars.end(), [](const Thing *a, const Thing *b) {
+        return powerAt(a, limitOf(a).maxValue()) < powerAt(b, limitOf(b).maxValue());
+    });
+    for (int i = 0; i < cars.size(); ++i) {
+        const State limit = limitOf(cars.at(i));
+        const double least = limit.minValue().toDouble();
+        const double share = std::floor(left / (cars.size() - i) / powerAt(cars.at(i), 1));
+        const double ampere = std::min(least + share, limit.maxValue().toDouble());
+        left -= powerAt(cars.at(i), ampere - least);
+        m_daemon->execute(cars.at(i), QStringLiteral("maxChargingCurrent"), ampere);
+    }
+}

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef LOADBALANCER_H
+#define LOADBALANCER_H
+
+#include "daemon.h"
+
+/*! A small energy manager: shares a power among the cars that charge or wait for it, by setting the currents of
+    their wallboxes every 10 s. A car for which less than the least current is left has to wait. */
+class LoadBalancer : public QObject
+{
+    Q_OBJECT
+public:
+    /*! \a daemon must outlive this object. */
+    explicit LoadBalancer(Daemon *daemon, QObject *parent = nullptr);
+
+    /*! Shares \a power, in W, from now on. */
+    void start(double power);
+    /*! Sets no more currents; those in force stay. */
+    void stop() { m_timer.stop(); }
+
+private:
+    void balance();
+    void share(Things cars, double left);
+
+    Daemon *const m_daemon;
+    double m_power = 0; // W
+    QTimer m_timer;
+};
+
+#endif // LOADBALANCER_H

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 The Vela authors
+// SPDX-License-Identifier: MIT
+
+#ifndef PROMPT_H
+#define PROMPT_H
+
+#include "linesource.h"
+
+#include <QSocketNotifier>
+#include <QStringList>
+
+#include <functional>
+#include <histedit.h>
+#include <memory>
+
+/*! The words that can complete a line. */
+struct Completions
+{
+    int typed = 0;     //!< characters before the cursor that such a word replaces
+    QStringList words; //!< quoted where they need it
+};
+
+/*! The prompt of a terminal, where a command is typed with line editing, history and completion. It reads
+    standard input, writes to standard output and has the terminal in raw mode while it exists. */
+class Prompt : public LineSource
+{
+    Q_OBJECT
+public:
+    using Completer = std::function<Completions(const QString &before)>;
+
+    /*! Keeps the history in \a historyFile. \a completer gets the text before the cursor. */
+    Prompt(const QString &historyFile, Completer completer, QObject *parent = nullptr);
+
+    QString takeLine() override;
+    void awaitCommand() override;
+
+    /*! Removes prompt and unfinished line from the screen, so that something can be printed above them.
+        Returns whether they were there; then show() must follow. */
+    bool hide();
+    void show();
+
+Q_SIGNALS:
+    /*! The completion key has been pressed, and there are several \a words. */
+    void choicesFound(const QStringList &words);
+    /*! While the prompt is not shown: Enter or Ctrl-C has been pressed. */
+    void enterPressed();
+    void interrupted();
+
+private:
+    void read();
+    void handleKeys();
+    void editLine();
+    void acceptLine(const QString &line);
+    unsigned char completeWord();
+
+    static char *text(EditLine *editor);
+    static int nextKey(EditLine *editor, wchar_t *key);
+
+    const QByteArray m_historyFile;
+    const Completer m_completer;
+    const std::unique_ptr<History, void (*)(History *)> m_history;
+    const std::unique_ptr<EditLine, void (*)(EditLine *)> m_editor;
+    QSocketNotifier m_notifier;
+    std::wstring m_keys; // typed, not handled yet
+    bool m_isShown = false;
+    QString m_line;     // unfinished; current while the prompt is not shown
+    int m_position = 0; // of the cursor in it
+};
+
+#endif // PROMPT_H
