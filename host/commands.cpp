@@ -101,7 +101,7 @@ tl::expected<Message, QString> listThings(CommandContext *context, const QString
     const Things things = context->daemon->configuredThings();
     for (const Thing *thing : things) {
         objects.append(thingObject(thing));
-        rows.append({thing->name(), thing->thingClass().name, setupText(thing), mainStates(thing)});
+        rows.append({thing->name(), setupText(thing), mainStates(thing)});
     }
     if (rows.isEmpty())
         rows.append({QStringLiteral("There are no things yet.")});

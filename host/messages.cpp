@@ -115,14 +115,17 @@ QString mainStates(const Thing *thing)
     const StateTypes types = thing->thingClass().stateTypes;
     QStringList texts;
     const auto add = [&](const StateType &type) {
-        if (!type.id.isNull())
-            texts.append(
-                QStringLiteral("%1 %2").arg(type.name, valueText(thing->stateValue(type.id), type.unit)));
+        const QString value = valueText(thing->stateValue(type.id), type.unit);
+        const bool isClear = type.type == QMetaType::QString || type.unit != Types::UnitNone;
+        texts.append(isClear ? value : type.name + QLatin1Char(' ') + value);
     };
-    for (const char *name : {"connected", "state", "power", "maxChargingCurrent", "currentPower"})
-        add(types.findByName(QLatin1String(name)));
-    if (texts.isEmpty())
-        add(types.value(0));
+    for (const char *name : {"connected", "state", "power", "maxChargingCurrent", "currentPower"}) {
+        const StateType type = types.findByName(QLatin1String(name));
+        if (!type.id.isNull())
+            add(type);
+    }
+    if (texts.isEmpty() && !types.isEmpty())
+        add(types.constFirst());
     return texts.join(QStringLiteral(", "));
 }
 

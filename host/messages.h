@@ -14,7 +14,7 @@
 struct Message
 {
     QJsonObject json;    //!< a line with --json; an event has a member "event"
-    QStringList lines;   //!< the same for people; none where there is nothing to tell
+    QStringList lines;   //!< the same for people; none where people need none
     bool isLast = false; //!< the host ends
 };
 
@@ -32,7 +32,7 @@ Message stateChangedEvent(const Thing *thing, const StateTypeId &stateTypeId, co
 QStringList aligned(const QVector<QStringList> &rows);
 
 QString setupText(const Thing *thing);
-/*! The states by which people know how a thing is; the first one for an unknown kind of thing. */
+/*! The most important states, in one line; the first one for an unknown kind of thing. */
 QString mainStates(const Thing *thing);
 /*! All about \a thing; \a parent may be null. */
 QStringList description(const Thing *thing, const Thing *parent);
