@@ -4,7 +4,8 @@
 find_program(VELA_HELP2MAN help2man DOC "Creates the manual pages; without it there are none")
 find_program(VELA_GZIP gzip REQUIRED)
 
-# Creates and installs the manual page of PROGRAM from its --help output. SUMMARY is its one-line description.
+# Creates the manual page of PROGRAM from its --help output, next to the program. SUMMARY is its one-line description.
+# With a third argument, the page is installed in that component.
 function(vela_man_page program summary)
   if(NOT VELA_HELP2MAN)
     return()
@@ -21,5 +22,7 @@ function(vela_man_page program summary)
     VERBATIM
   )
   add_custom_target(${program}_man_page ALL DEPENDS ${page}.gz)
-  install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT plugin)
+  if(ARGC GREATER 2)
+    install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${ARGV2})
+  endif()
 endfunction()

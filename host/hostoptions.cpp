@@ -17,10 +17,9 @@ constexpr char description[] =
     R"(Loads an integration plugin and acts as the nymea daemon for it: carries out commands
 from standard input, one per line, and prints what happens. "help" lists the commands.
 
-To begin with:
-  discover vela backendUrl=http://127.0.0.1:8080 groupId=yard groupSecret=s3cret
-  add 1
-  watch
+The first commands for a simulator are
+"discover vela backendUrl=http://127.0.0.1:8080 groupId=yard groupSecret=s3cret",
+then "add 1" and "watch".
 
 Things and plugin storage are kept in the storage folder, and so is the history of
 the prompt. What has been reported is stored. Log records go to standard error;
