@@ -30,7 +30,7 @@ QString idText(const Thing *thing)
     return thing->id().toString(QUuid::WithoutBraces);
 }
 
-/*! A few of the things by name, and by id where the name alone would not tell. */
+/*! Names a few of the things, with their ids where a name occurs more than once. */
 QString listed(const Things &things)
 {
     constexpr int most = 8;
@@ -65,7 +65,8 @@ tl::expected<QStringList, QString> splitWords(const QString &line)
     const QStringList result = shellWords(text, &isRefused);
     if (!isRefused)
         return result;
-    // GLib's own message is in the language of the environment. What completes the line tells what it lacks.
+    // GLib's own message is in the language of the environment. So find out which character would complete the
+    // line.
     shellWords(text + 'x', &isRefused);
     if (!isRefused)
         return tl::unexpected(QStringLiteral("Trailing backslash."));

@@ -85,7 +85,7 @@ tl::expected<StartedJob, QString> addOffer(CommandContext *context, const QStrin
     ThingSetupInfo *info = context->daemon->add(context->offers[index]);
     return StartedJob{
         info, [context, info, index] {
-            // The offer stands for what it has become: adding it again reconfigures that.
+            // The offer is now for this thing: adding it again reconfigures the thing.
             if (info->status() == Thing::ThingErrorNoError)
                 context->offers[index].setThingId(info->thing()->id());
             const bool isKept = context->daemon->configuredThings().contains(info->thing());

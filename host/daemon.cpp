@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 settingsRoom = 16384; // bytes; a new file with the plugin's settings, and its lock
+constexpr qint64 settingsSpace = 16384; // bytes; a new file with the plugin's settings, and its lock
 
 /*! The sentence that says that the file of \a settings cannot be used; empty when it can. */
 QString errorIn(const QSettings &settings)
@@ -288,7 +288,7 @@ void Daemon::remove(Thing *thing)
     commit();
     const bool wasKept = m_things.removeOne(thing);
     if (!wasKept && !m_newThings.removeOne(thing))
-        return; // the plugin has had it removed while it heard of a child's end
+        return; // the plugin has had it removed when it was told about a child
 
     forget(thing);
     m_plugin->thingRemoved(thing);
@@ -330,7 +330,7 @@ bool Daemon::commit()
     });
     store();
     m_reports += changes;
-    // One by one from the front: whoever hears of a change may have others reported.
+    // One by one from the front, because a receiver of the signal may cause further reports.
     while (!m_reports.isEmpty()) {
         const StateChange change = m_reports.takeFirst();
         emit stateChanged(change.thing, change.stateTypeId, change.value);
@@ -363,16 +363,16 @@ void Daemon::storeSettings()
     QCoreApplication::sendPostedEvents(settings, QEvent::UpdateRequest);
     if (!m_settingsChanged)
         return;
-    // QSettings in Qt 5 does not notice when the content of its new file finds no room, and replaces the old
-    // file by an empty one. So it may write only where there is room. Quotas and limits of the process are
-    // not seen.
+    // QSettings in Qt 5 does not notice a full disk when it writes its new file, and replaces the old file by
+    // an empty one. So it may write only where there is free space. Quotas and limits of the process are not
+    // considered.
     const ino_t oldFile = fileNumber(*settings);
-    const bool hasRoom = m_folder.room() >= settingsRoom;
-    if (hasRoom)
+    const bool hasSpace = m_folder.freeSpace() >= settingsSpace;
+    if (hasSpace)
         settings->sync();
     // QSettings does not forget an error. A new file shows that this attempt has succeeded.
     const bool isStored =
-        hasRoom && (settings->status() == QSettings::NoError || fileNumber(*settings) != oldFile);
+        hasSpace && (settings->status() == QSettings::NoError || fileNumber(*settings) != oldFile);
     m_settingsChanged = !isStored;
     const QString error = QStringLiteral("Cannot write the plugin's storage %1; the disk may be full.");
     logStoring(isStored ? QString() : error.arg(settings->fileName()), &m_settingsError,

@@ -23,13 +23,13 @@ struct DaemonOptions
     std::chrono::milliseconds jobTimeout = std::chrono::seconds(30); //!< 0: jobs may wait for ever
 };
 
-/*! Plays the daemon for one plugin: owns the things and the storage, calls the plugin and takes its news.
+/*! Acts as the daemon for one plugin: owns the things and the storage, and calls the plugin.
 
     Jobs: each operation returns a job that finishes later, from the event loop, with the plugin's answer,
     with ThingErrorTimeout after the time limit, or, where the request is refused without asking the plugin,
     with an error and a message that says what would be right. A job deletes itself after finished().
 
-    What a signal or a job's finished() reports has been stored before, where there was room. State changes
+    What a signal or a job's finished() reports has been stored before, unless the disk is full. State changes
     are reported together once a turn of the event loop, and always before any report that follows them. */
 class Daemon : public ThingManager
 {
@@ -66,15 +66,15 @@ public:
         objects are deleted later. */
     void remove(Thing *thing);
 
-    /*! Stores whatever has changed, then reports the state changes so far. Whoever reports something else
-        calls it before, to keep the order. Returns whether all is stored. What could not be stored is
+    /*! Stores what has changed, then reports the state changes so far. Call it before reporting something
+        else, to keep the order. Returns whether all is stored. What could not be stored is
         reported nevertheless, with a warning, and tried again from the event loop. */
     bool commit();
 
 Q_SIGNALS:
     /*! A new thing is kept: its first set-up has finished without error. */
     void thingAdded(Thing *thing);
-    /*! \a thing is gone; its object lives until the event loop runs again. */
+    /*! \a thing has been removed; its object is deleted when the event loop runs again. */
     void thingRemoved(Thing *thing);
     /*! A set-up has ended, also one that failed. */
     void setupFinished(ThingSetupInfo *info);

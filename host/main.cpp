@@ -59,8 +59,8 @@ int runAtTerminal(Daemon *daemon, const HostOptions &options)
 int run(const HostOptions &options)
 {
     quitAtEndSignals();
-    // Never deleted, as the platform's daemon lives as long as its process: a plugin may free its last
-    // objects only with its last thing.
+    // Never deleted, like the platform's daemon, which exists as long as its process: a plugin may free its
+    // last objects only with its last thing.
     static auto *const daemon = new Daemon(options.daemon);
     const QString error = daemon->load();
     if (!error.isEmpty()) {

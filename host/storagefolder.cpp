@@ -84,7 +84,7 @@ QString StorageFolder::claim()
     return error;
 }
 
-qint64 StorageFolder::room() const
+qint64 StorageFolder::freeSpace() const
 {
     struct statvfs disk;
     if (::statvfs(QFile::encodeName(m_path).constData(), &disk) != 0)

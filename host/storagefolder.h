@@ -11,7 +11,7 @@
 constexpr char newFileSuffix[] = ".vela-host-new";
 
 /*! Opens \a file for \a mode and with the \a flags of open(2), unless it is a symbolic link. A new one is for
-    its owner alone. errno tells why it failed. Afterwards \a file no longer knows its name. */
+    its owner alone. After a failure errno is set. Afterwards \a file has no name. */
 bool openNoFollow(QFile *file, QIODevice::OpenMode mode, int flags);
 
 /*! The folder that holds a daemon's things and its plugin's storage, for one daemon at a time. */
@@ -20,15 +20,15 @@ class StorageFolder
 public:
     explicit StorageFolder(const QString &path);
 
-    /*! Creates the folder where it is missing, locks it until this object ends, and removes what a killed
-        predecessor left half done. The folder holds secrets: it must be ours, nobody else may write in it,
-        and none of its files may be a link. Returns an empty text, or the sentence that says what is wrong.
-     */
+    /*! Creates the folder if it is missing, locks it until this object is deleted, and removes the unfinished
+        files of a host that was killed. The folder holds secrets: it must belong to this user, only its owner
+        may write in it, and none of its files may be a link. Returns an empty text, or the sentence that says
+        what is wrong. */
     [[nodiscard]] QString claim();
 
     QString path() const { return m_path; }
-    /*! Bytes that can still be written there; the greatest number where the system does not tell. */
-    qint64 room() const;
+    /*! In bytes; the greatest number if the system does not say. */
+    qint64 freeSpace() const;
 
 private:
     QString lock();

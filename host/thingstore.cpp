@@ -50,8 +50,8 @@ QJsonObject toJson(const Thing *thing)
     };
 }
 
-/*! What \a values hold under \a id, if that is what \a rule wants: invalid when it is missing, and with a
-    warning when it does not fit. */
+/*! The value of \a id in \a values. Invalid if it is missing, or if it does not follow \a rule, which logs a
+    warning. */
 QVariant storedValue(const QJsonObject &values, const QUuid &id, const ParamType &rule)
 {
     if (!values.contains(key(id)))
@@ -77,7 +77,7 @@ Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *
     }
     const QJsonObject states = json.value(QLatin1String("states")).toObject();
     for (const StateType &type : thingClass.stateTypes) {
-        // Of its type is enough: the limits bind actions, and the plugin moves them.
+        // Only the type is checked: limits are for actions, and the plugin changes them.
         ParamType rule;
         rule.type = type.type;
         const QVariant value = storedValue(states, type.id, rule);
@@ -87,7 +87,7 @@ Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *
     return thing;
 }
 
-/*! \a things, each after its parent. Where parents form a circle, one of them loses its parent. */
+/*! \a things, each after its parent. If parents form a circle, one of them loses its parent. */
 Things parentsFirst(Things things)
 {
     Things sorted;
@@ -140,8 +140,7 @@ QString replaceFile(const QString &name, const QByteArray &content)
         && file.write(content) == content.size()
         && (::fsync(file.handle()) == 0 || errno == EINVAL) // EINVAL: the file system cannot sync
         && std::rename(QFile::encodeName(newName).constData(), QFile::encodeName(name).constData()) == 0;
-    // Of the first step that failed, read before anything else is called. QFile has no error for content of
-    // which it has written a part.
+    // Read now, before another call changes it. QFile reports no error if it has written a part of the content.
     const int error = errno;
     if (isDone)
         return QString();
@@ -185,7 +184,7 @@ void ThingStore::restore(const QJsonObject &entry, const ThingClasses &classes, 
     const ThingClass thingClass = classes.findById(classId);
     if (!thingClass.id.isNull())
         return things->append(fromJson(entry, thingClass, owner));
-    m_strangers.append(entry);
+    m_unknownThings.append(entry);
     qCWarning(dcHost).noquote() << "The plugin has no class for the stored thing"
                                 << entry.value(QLatin1String("name")).toString()
                                 << "- it stays stored and is not set up.";
@@ -196,8 +195,8 @@ QString ThingStore::write(const Things &things)
     QJsonArray entries;
     for (const Thing *thing : things)
         entries.append(toJson(thing));
-    for (const QJsonValue &stranger : qAsConst(m_strangers))
-        entries.append(stranger);
+    for (const QJsonValue &unknownThing : qAsConst(m_unknownThings))
+        entries.append(unknownThing);
     const QJsonObject document{
         {QStringLiteral("things"), entries}
     };

@@ -29,8 +29,8 @@ private:
     void restore(const QJsonObject &entry, const ThingClasses &classes, QObject *owner, Things *things);
 
     const QString m_fileName;
-    QByteArray m_content;   // of the file
-    QJsonArray m_strangers; // stored things of classes that the plugin does not have
+    QByteArray m_content;       // of the file
+    QJsonArray m_unknownThings; // stored things of classes that the plugin does not have
 };
 
 #endif // THINGSTORE_H
