@@ -153,7 +153,7 @@ int usedWidth(const Widths &widths)
     return used;
 }
 
-Widths widthsFor(int screenWidth)
+Widths widthsFor(const Things &wallboxes, int screenWidth)
 {
     Widths widths;
     for (int i = 0; i < columnCount; ++i)
@@ -162,8 +162,11 @@ Widths widthsFor(int screenWidth)
         for (int i = 0; i < columnCount; ++i)
             widths[i] = columns[i].importance == importance ? 0 : widths[i];
     }
-    int spare = std::max(0, screenWidth - usedWidth(widths));
-    const int forName = std::min(spare, mostForName - widths[nameColumn]);
+    int longestName = widths[nameColumn];
+    for (const Thing *wallbox : wallboxes)
+        longestName = std::max(longestName, std::min(wallbox->name().size(), mostForName));
+    const int spare = std::max(0, screenWidth - usedWidth(widths));
+    const int forName = std::min(spare, longestName - widths[nameColumn]);
     widths[nameColumn] += forName;
     if (widths[barColumn] > 0)
         widths[barColumn] += std::min(spare - forName, mostForBar - widths[barColumn]);
@@ -256,7 +259,7 @@ QStringList liveTable(const WallboxTable &table, const TableStyle &style)
 {
     if (table.wallboxes.isEmpty())
         return {QStringLiteral("There are no wallboxes yet.")};
-    const Widths widths = widthsFor(style.width);
+    const Widths widths = widthsFor(table.wallboxes, style.width);
     QStringList titles;
     QStringList units;
     for (const auto &column : columns) {
