@@ -170,6 +170,7 @@ void Prompt::handleKeys()
 
 void Prompt::editLine()
 {
+    el_resize(m_editor.get()); // The terminal may have another size by now.
     int length = 0;
     const wchar_t *line = el_wgets(m_editor.get(), &length);
     if (!line || length == 0)
