@@ -9,10 +9,12 @@
 #include "replies.h"
 #include "report.h"
 #include "transport.h"
+#include "wallboxbounds.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QSslSocket>
 #include <QTimer>
 
 namespace {
@@ -37,6 +39,23 @@ void readReply(Step &step, QNetworkReply *reply)
     if (reply->isOpen()) // not after an abort
         step.reply = reply->readAll();
     step.json = QJsonDocument::fromJson(step.reply, &step.notJson);
+}
+
+/*! Tries a TLS handshake with the backend, even for http://, because the failed request of \a step does not say what
+    is wrong. Nothing is sent over the connection. */
+void tryHandshake(Step &step, const ProbeOptions &options)
+{
+    const QUrl url(options.url, QUrl::TolerantMode);
+    const bool isHttps = url.scheme() == QLatin1String("https");
+    QSslSocket socket;
+    socket.setPeerVerifyMode(QSslSocket::QueryPeer); // goes on even if the certificate is not trusted
+    socket.connectToHostEncrypted(url.host(), quint16(url.port(isHttps ? 443 : 80)));
+    step.speaksTls = socket.waitForEncrypted(int(options.timeout.count()));
+    if (isHttps && !step.speaksTls)
+        step.errorText = socket.errorString();
+    const QList<QSslError> errors = socket.sslHandshakeErrors();
+    for (const QSslError &error : errors)
+        step.certificateErrors.append(error.errorString());
 }
 
 } // namespace
@@ -111,7 +130,8 @@ void Probe::askGroupInfo(Step &step)
 
 void Probe::askValues(Step &step)
 {
-    const QStringList wallboxes = m_maxCurrents.keys();
+    // As many as the plugin has things for; it takes them in the order of the group info.
+    const QStringList wallboxes = m_maxCurrents.keys().mid(0, wallboxCount);
     const QJsonObject body = BackendApi::valuesBody(QJsonArray::fromStringList(wallboxes));
     if (post(step, BackendApi::valuesPath(m_options.groupId), body))
         readValues(step, wallboxes, QDateTime::currentDateTimeUtc());
@@ -160,6 +180,8 @@ bool Probe::post(Step &step, const QString &path, const QJsonObject &body)
     step.duration = step.timedOut ? m_options.timeout : std::chrono::milliseconds(clock.elapsed());
     if (step.timedOut)
         connectHandler(); // ends the request: its callback, which refers to local variables, never runs
+    if (mayBeDueToTls(step))
+        tryHandshake(step, m_options);
     judgeAnswer(step);
     return step.succeeded() && !step.isRedirect();
 }

@@ -148,8 +148,8 @@ QMap<QString, int> readGroupInfo(Step &step)
         step.problem(
             "too-many-wallboxes",
             "the group lists %1 wallboxes; it should not list more than %2. At first the others get no "
-            "thing, but each restart of nymea creates up to %2 more, and several then share a thing "
-            "class",
+            "thing, and the probe does not ask for their values either. But each restart of nymea creates "
+            "up to %2 more, and several then share a thing class",
             {QString::number(evseIds.size()), QString::number(wallboxCount)});
     QMap<QString, int> maxCurrents;
     for (auto it = evseIds.begin(); it != evseIds.end(); ++it) {

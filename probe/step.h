@@ -67,7 +67,9 @@ struct Step
     QJsonDocument json;      //!< the same; null if it is not JSON
     QJsonParseError notJson; //!< why it is null
     bool setsCookie = false;
-    bool timedOut = false; //!< the probe gave up waiting; there is no answer
+    bool timedOut = false;  //!< the probe gave up waiting; there is no answer
+    bool speaksTls = false; //!< a TLS handshake has succeeded; it is tried if the failure may be due to TLS
+    QStringList certificateErrors; //!< why the certificate of that handshake is not trusted
     std::chrono::milliseconds duration{0};
 
     // The outcome.

@@ -37,12 +37,11 @@ constexpr Meaning httpMeanings[] = {
 
 using Error = QNetworkReply::NetworkError;
 constexpr Meaning networkMeanings[] = {
-    {Error::ConnectionRefusedError,  "unreachable",       "nothing is listening there: is the port right?"},
-    {Error::HostNotFoundError,       "unreachable",       "unknown host name: is it spelt right?"         },
-    {Error::TimeoutError,            "unreachable",       "nothing answers there: is the address right?"  },
-    {Error::ProtocolUnknownError,    "unusable-url",      "the URL is neither http nor https"             },
-    {Error::SslHandshakeFailedError, "tls-failed",        "no TLS at this port, or no trusted certificate"},
-    {Error::RemoteHostClosedError,   "connection-closed", "the backend closed the connection"             },
+    {Error::ConnectionRefusedError, "unreachable",       "nothing is listening there: is the port right?"},
+    {Error::HostNotFoundError,      "unreachable",       "unknown host name: is it spelt right?"         },
+    {Error::TimeoutError,           "unreachable",       "nothing answers there: is the address right?"  },
+    {Error::ProtocolUnknownError,   "unusable-url",      "the URL is neither http nor https"             },
+    {Error::RemoteHostClosedError,  "connection-closed", "the backend closed the connection"             },
 };
 
 template <std::size_t size> const Meaning *find(const Meaning (&meanings)[size], int number)
@@ -80,9 +79,35 @@ void judgeNetworkError(Step &step)
         step.extend("; Qt sometimes takes a reply that was cut for a complete one").extend(groupLossWarning);
 }
 
+bool isHttps(const Step &step)
+{
+    return step.url.startsWith(QLatin1String("https:"));
+}
+
+/*! Whether the TLS handshake has shown why \a step failed. */
+bool hasTlsFault(const Step &step)
+{
+    return mayBeDueToTls(step) && (step.speaksTls != isHttps(step) || !step.certificateErrors.isEmpty());
+}
+
+void judgeTlsFault(Step &step)
+{
+    if (!isHttps(step))
+        step.problem("needs-https", "that port speaks TLS: did you mean https://?");
+    else if (step.speaksTls)
+        step.problem("untrusted-certificate", "the backend's certificate is not trusted: %1",
+                     {step.certificateErrors.join(QLatin1String("; "))});
+    else if (step.errorText.contains(QLatin1String("alert"))) // which is a message of TLS
+        step.problem("tls-failed", "the backend refuses the TLS handshake: %1", {step.errorText});
+    else
+        step.problem("no-tls", "no TLS is spoken there: did you mean http://? (%1)", {step.errorText});
+}
+
 void judgeFailure(Step &step)
 {
-    if (step.timedOut) {
+    if (hasTlsFault(step)) {
+        judgeTlsFault(step);
+    } else if (step.timedOut) {
         step.problem("no-answer", "no answer within %1 s", {seconds(step)});
         if (step.stage != Step::OnlineCheck)
             step.extend("; the plugin would go on waiting, without a message");
@@ -160,6 +185,15 @@ void judgeUrl(Step &step, const QString &url)
         step.warning("query-kept", "the URL has a query or fragment, which is part of every request");
 }
 
+bool mayBeDueToTls(const Step &step)
+{
+    if (step.error == QNetworkReply::SslHandshakeFailedError)
+        return true;
+    // If only one side speaks TLS, the backend closes the connection, or answers plain HTTP with status 400.
+    return step.status == 0 ? step.error == QNetworkReply::RemoteHostClosedError
+                            : step.status == 400 && !isHttps(step);
+}
+
 void judgeAnswer(Step &step)
 {
     judgeFailure(step);
@@ -178,5 +212,6 @@ void judgeAnswer(Step &step)
 bool isUnreachable(const Step &step)
 {
     // A closed connection may be the fault of one path; the other meanings hold for all.
-    return find(networkMeanings, step.error) && step.error != QNetworkReply::RemoteHostClosedError;
+    return hasTlsFault(step)
+        || (find(networkMeanings, step.error) && step.error != QNetworkReply::RemoteHostClosedError);
 }

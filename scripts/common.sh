@@ -5,6 +5,7 @@
 # Shared by demo, test, .ci/run and other scripts: installs missing packages and builds. It is sourced, not run.
 
 build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libexpected-dev libglib2.0-dev libmicrohttpd-dev libedit-dev)
+test_packages=(curl openssl tmux) # requests, certificates, the terminal for the host's prompt
 
 say() { printf '\n== %s\n' "$*"; }
 

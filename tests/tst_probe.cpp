@@ -165,7 +165,7 @@ void TestProbe::findings_data()
     row("online check cut", failure(Step::OnlineCheck, QNetworkReply::RemoteHostClosedError),
         "warning connection-closed");
     row("unknown host", failure(Step::GroupInfo, QNetworkReply::HostNotFoundError), "problem unreachable");
-    row("no TLS", failure(Step::GroupInfo, QNetworkReply::SslHandshakeFailedError), "problem tls-failed");
+    row("TLS", failure(Step::GroupInfo, QNetworkReply::SslHandshakeFailedError), "problem network-error");
     row("other failure", failure(Step::GroupInfo, QNetworkReply::ProxyNotFoundError),
         "problem network-error");
 
