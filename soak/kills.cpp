@@ -3,30 +3,40 @@
 
 #include "commandline.h"
 #include "killedhosts.h"
-#include "simulatorprocess.h"
 #include "soak.h"
+
+#include <QProcess>
 
 #include <cstdio>
 
 void soakWithKills(const QStringList &arguments)
 {
-    const auto *const nearlyFull = "On a file system of 64 kB, nearly full in every other life; takes root.";
-    CommandLine line("Kills the host at random moments, and checks what the next one finds.",
-                     {
-                         {"kills",       "How often to kill.",                  "N",     "200"  },
-                         {"seed",        "The same moments, as far as may be.", "N",     "1"    },
-                         {"nearly-full", nearlyFull,                            nullptr, nullptr},
+    // clang-format off
+    CommandLine line("Kills the host at random moments, and checks what the next one finds.", {
+        {"kills", "How often to kill.", "N", "200"},
+        {"seed", "With the same number, the host is killed at the same moments, as far as possible.", "N", "1"},
+        {"nearly-full", "Use a file system of 64 kB that is nearly full for every other host. Needs root."},
     });
+    // clang-format on
     line.read(arguments);
     const int kills = line.wholeNumber("kills", 1, 1000000);
-    const SimulatorProcess simulator(
-        {"--speed", "600", "--wallboxes", QString::number(KilledHosts::wallboxCount)});
-    KilledHosts hosts(simulator.url().toString(), unsigned(line.wholeNumber("seed", 0, 1000000)));
+    QProcess simulator;
+    simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // A run that is killed leaves no simulator behind.
+    simulator.start("setpriv",
+                    {"--pdeathsig=KILL", VELA_SIMULATOR, "--port=0", "--speed=600",
+                     "--wallboxes=" + QString::number(KilledHosts::wallboxCount)});
+    require(simulator.waitForReadyRead(), "The simulator does not start.");
+    KilledHosts hosts(simulator.readLine().trimmed(), unsigned(line.wholeNumber("seed", 0, 1000000)));
     if (line.isSet("nearly-full"))
         hosts.mountSmallDisk();
     for (int i = 0; i < kills; ++i)
         hosts.live();
     hosts.lastStart();
+    simulator.terminate();
+    require(simulator.waitForFinished() && simulator.exitStatus() == QProcess::NormalExit
+                && simulator.exitCode() == 0,
+            "The simulator does not end well.");
     for (auto it = hosts.counts.cbegin(); it != hosts.counts.cend(); ++it)
         std::printf("%6d %s\n", it.value(), qPrintable(it.key()));
 }
