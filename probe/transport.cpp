@@ -187,6 +187,8 @@ void judgeUrl(Step &step, const QString &url)
 
 bool mayBeDueToTls(const Step &step)
 {
+    if (step.stage != Step::OnlineCheck)
+        return false;
     if (step.error == QNetworkReply::SslHandshakeFailedError)
         return true;
     // If only one side speaks TLS, the backend closes the connection, or answers plain HTTP with status 400.

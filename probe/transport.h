@@ -22,7 +22,7 @@ void judgeUrl(Step &step, const QString &url);
 bool mayHaveWrongScheme(const Step &step);
 
 /*! Whether \a step may have failed because only one side speaks TLS, or because of a certificate. Then a TLS
-    handshake shows more. */
+    handshake shows more. That concerns all requests, so only the first one is examined. */
 bool mayBeDueToTls(const Step &step);
 
 /*! Adds to \a step what its answer shows apart from the content: whether and when the backend answered. The

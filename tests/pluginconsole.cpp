@@ -104,6 +104,16 @@ void PluginConsole::addBackendCommands()
         backend.answer(operation(words.value(0)), words.value(1).toInt(), words.mid(2).join(' ').toUtf8());
     };
     m_commands["normal"] = [&](const Words &words) { backend.answerNormally(operation(words.value(0))); };
+    m_commands["endless"] = [&](const Words &words) {
+        backend.sendRaw(operation(words.value(0)),
+                        "HTTP/1.1 200 OK\r\nSet-Cookie: a=b\r\n\r\n" + QByteArray(65 << 20, ' '));
+    };
+    m_commands["serve"] = [&](const Words &words) {
+        QTextStream(stdout) << backend.url() << '\n';
+        const int before = backend.requests(operation(words.value(0))).size();
+        if (!waitFor([&] { return backend.requests(operation(words.value(0))).size() > before; }))
+            qFatal("Another program has not sent \"%s\".", qPrintable(words.value(0)));
+    };
     m_commands["hold"] = [&](const Words &words) { backend.hold(operation(words.value(0))); };
     m_commands["release"] = [&](const Words &words) { backend.releaseAll(operation(words.value(0))); };
 }

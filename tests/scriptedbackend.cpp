@@ -165,7 +165,12 @@ void ScriptedBackend::setStatus(const QString &infraId, const QString &status)
 
 void ScriptedBackend::answer(Operation operation, int status, const QByteArray &body)
 {
-    m_scripts[operation] = [bytes = response(status, body)](QTcpSocket *socket) { socket->write(bytes); };
+    sendRaw(operation, response(status, body));
+}
+
+void ScriptedBackend::sendRaw(Operation operation, const QByteArray &bytes)
+{
+    m_scripts[operation] = [bytes](QTcpSocket *socket) { socket->write(bytes); };
 }
 
 void ScriptedBackend::answerInTurn(Operation operation, const QList<QByteArray> &bodies)

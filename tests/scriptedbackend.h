@@ -52,6 +52,8 @@ public:
 
     /*! Answers \a operation in this way until told otherwise. */
     void answer(Operation operation, int status, const QByteArray &body = "{}");
+    /*! Sends \a bytes in place of a response, and keeps the connection open. */
+    void sendRaw(Operation operation, const QByteArray &bytes);
     /*! Answers \a operation with one of \a bodies after the other, and from the first again. */
     void answerInTurn(Operation operation, const QList<QByteArray> &bodies);
     /*! Sends \a bytes in place of a response, and closes the connection with the same packet. */
