@@ -117,7 +117,7 @@ void judgeRecord(Step &step, const QJsonValue &value, const LiveValues &values, 
         return step.problem("no-record", "its values are %1; the plugin reads an object", {inWords(value)});
     const QJsonObject record = value.toObject();
     const QJsonValue status = record.value(QLatin1String("status"));
-    if (!status.isString() || status.toString() != values.state)
+    if (status.toString() != values.state)
         step.problem("unknown-status",
                      "\"status\" is %1, which is no connector status of OCPP 1.6 in its exact spelling; the "
                      "plugin shows \"Unavailable\" and no current",

@@ -12,10 +12,17 @@
 #include <QDir>
 #include <QJsonArray>
 #include <QMetaEnum>
+#include <QLoggingCategory>
 #include <QMetaMethod>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTextStream>
 #include <QTimer>
+
+#include <atomic>
+#include <ctime>
+#include <dlfcn.h>
+#include <netdb.h>
 
 namespace {
 
@@ -41,7 +48,74 @@ QString compact(const QJsonObject &object)
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
+#ifdef VELA_SANITIZED
+constexpr int slowness = 10;  // of a program with sanitizers
+constexpr int smallness = 50; // of its repetitions: allocating is slower still
+#else
+constexpr int slowness = 1;
+constexpr int smallness = 1;
+#endif
+
+/*! The bytes that \a words stand for: "<<3 x TEXT>>" is a repetition, in which # is the number; then come the escapes
+    \r, \n and \xHH. */
+QByteArray bytes(const QStringList &words)
+{
+    static const QRegularExpression repetition("<<(\\d+) x (.+?)>>");
+    QString text = words.join(' ');
+    for (auto match = repetition.match(text); match.hasMatch(); match = repetition.match(text)) {
+        QString repeated;
+        for (int i = 0; i < match.captured(1).toInt() / smallness; ++i)
+            repeated += match.captured(2).replace('#', QString::number(i));
+        text.replace(match.capturedStart(), match.capturedLength(), repeated);
+    }
+    QByteArray result = text.toUtf8().replace("\\r", "\r").replace("\\n", "\n");
+    for (int at = result.indexOf("\\x"); at >= 0; at = result.indexOf("\\x", at))
+        result.replace(at, 4, QByteArray::fromHex(result.mid(at + 2, 2)));
+    return result;
+}
+
+/*! The time that this thread has used, in ms: neither another process nor the backend's work counts. */
+double threadTime()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+bool isBackend(const QObject *object)
+{
+    while (object && !qobject_cast<const QTcpServer *>(object))
+        object = object->parent();
+    return object;
+}
+
+std::atomic<bool> namesResolve{true};
+
 } // namespace
+
+// Qt asks this for addresses; the program's own comes before the C library's.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the C library's names are reserved
+extern "C" int getaddrinfo(const char *name, const char *service, const addrinfo *hints, addrinfo **result)
+{
+    if (!namesResolve)
+        return EAI_AGAIN;
+    using Function = int (*)(const char *, const char *, const addrinfo *, addrinfo **);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "getaddrinfo"));
+    const bool isMadeUp = name && QByteArray(name).endsWith(".test");
+    return original(isMadeUp ? "127.0.0.1" : name, service, hints, result);
+}
+
+bool WatchedApplication::notify(QObject *receiver, QEvent *event)
+{
+    if (m_isBusy || isBackend(receiver))
+        return QCoreApplication::notify(receiver, event);
+    m_isBusy = true;
+    const double start = threadTime();
+    const bool result = QCoreApplication::notify(receiver, event);
+    longest = std::max(longest, threadTime() - start);
+    m_isBusy = false;
+    return result;
+}
 
 PluginConsole::PluginConsole()
 {
@@ -101,7 +175,7 @@ void PluginConsole::addBackendCommands()
     m_commands["group"] = [&](const Words &words) { backend.wallboxes = json(words.join(' ').toUtf8()); };
     m_commands["values"] = [&](const Words &words) { backend.values = json(words.join(' ').toUtf8()); };
     m_commands["answer"] = [&](const Words &words) {
-        backend.answer(operation(words.value(0)), words.value(1).toInt(), words.mid(2).join(' ').toUtf8());
+        backend.answer(operation(words.value(0)), words.value(1).toInt(), bytes(words.mid(2)));
     };
     m_commands["normal"] = [&](const Words &words) { backend.answerNormally(operation(words.value(0))); };
     m_commands["endless"] = [&](const Words &words) {
@@ -126,9 +200,13 @@ void PluginConsole::addFaultCommands()
     m_commands["close"] = [&](const Words &) { backend.closeConnections(); };
     m_commands["reset"] = [&](const Words &words) { backend.reset(operation(words.value(0))); };
     m_commands["hangup"] = [&](const Words &words) {
-        QByteArray bytes = words.mid(1).join(' ').toUtf8();
-        backend.hangUp(operation(words.value(0)), bytes.replace("\\r", "\r").replace("\\n", "\n"));
+        backend.hangUp(operation(words.value(0)), bytes(words.mid(1)));
     };
+    m_commands["part"] = [&](const Words &words) {
+        if (!backend.sendPart(operation(words.value(0)), bytes(words.mid(1))))
+            qFatal("No \"%s\" is held.", qPrintable(words.value(0)));
+    };
+    m_commands["names"] = [](const Words &words) { namesResolve = words.value(0) == "resolve"; };
     // Uses all six connections that Qt opens to a host: later polls then bring no new objects.
     m_commands["census"] = [&](const Words &) {
         backend.hold(ScriptedBackend::Values);
@@ -213,6 +291,13 @@ void PluginConsole::addOtherCommands()
             m_site.tick();
             rest();
         }
+    };
+    m_commands["quiet"] = [](const Words &) { QLoggingCategory::setFilterRules("Vela.debug=false"); };
+    m_commands["busy"] = [&](const Words &words) {
+        auto *application = static_cast<WatchedApplication *>(QCoreApplication::instance());
+        if (!words.isEmpty() && words.first().toDouble() * slowness < application->longest)
+            print(QString("busy for %1 ms").arg(application->longest));
+        application->longest = 0;
     };
     m_commands["renew"] = [&](const Words &) { m_site.fireChargeLimitTimer(); };
     m_commands["zone"] = [](const Words &words) { qputenv("TZ", words.value(0).toUtf8()); };
@@ -436,7 +521,7 @@ Thing *PluginConsole::thing(const QString &name, const Words &states) const
 
 int main(int argc, char *argv[])
 {
-    const QCoreApplication application(argc, argv);
+    const WatchedApplication application(argc, argv);
     qputenv("TMPDIR", QFile::encodeName(QDir::currentPath())); // which a transcript removes, whatever happens
     PluginConsole console;
     QTextStream input(stdin);

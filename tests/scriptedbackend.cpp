@@ -8,10 +8,7 @@
 #include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
-
-#include <linux/sockios.h>
 
 namespace {
 
@@ -217,14 +214,6 @@ bool ScriptedBackend::sendPart(Operation operation, const QByteArray &bytes)
 {
     const QPointer<QTcpSocket> socket = m_held.value(operation).value(0);
     return socket && socket->write(bytes) > 0;
-}
-
-bool ScriptedBackend::isSent(Operation operation) const
-{
-    const QPointer<QTcpSocket> socket = m_held.value(operation).value(0);
-    int unacknowledged = 1;
-    return socket && socket->bytesToWrite() == 0
-        && ioctl(int(socket->socketDescriptor()), SIOCOUTQ, &unacknowledged) == 0 && unacknowledged == 0;
 }
 
 QList<ScriptedBackend::Request> ScriptedBackend::requests(Operation operation) const

@@ -72,8 +72,6 @@ public:
     /*! Sends \a bytes to the client whose request of \a operation is the oldest held, and goes on holding
         it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
-    /*! Whether all that sendPart() has sent has arrived at the other side. */
-    bool isSent(Operation operation) const;
 
     QList<Request> requests() const { return m_requests; }
     QList<Request> requests(Operation operation) const;
