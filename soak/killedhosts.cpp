@@ -50,7 +50,10 @@ KilledHosts::KilledHosts(const QString &backend, unsigned seed)
 
 KilledHosts::~KilledHosts()
 {
-    m_host.reset();
+    if (m_host) {
+        m_host->closeWriteChannel();
+        m_host->waitForFinished();
+    }
     if (m_diskIsSmall)
         umount2(QFile::encodeName(m_folder.path()).constData(), MNT_DETACH);
 }
@@ -101,10 +104,11 @@ void KilledHosts::live()
     while (!end.hasExpired())
         next(int(end.remainingTime()));
     m_host->kill();
+    m_host->waitForFinished();
     while (!next().isEmpty()) // what is still in the pipe has been reported as well
         continue;
     ++counts["killed after " + m_activity];
-    const bool diskWasFull = m_host->log().contains("Cannot store the things");
+    const bool diskWasFull = m_host->readAllStandardError().contains("Cannot store the things");
     counts["hosts that could not store something"] += diskWasFull;
     m_diskWasFull = m_diskWasFull || diskWasFull;
     checkFiles();
@@ -130,9 +134,10 @@ void KilledHosts::start()
     static const int ownNamespace = open("/proc/self/ns/pid", O_RDONLY | O_CLOEXEC);
     if (m_hasNamespaces)
         unshare(CLONE_NEWPID); // for the next process, not for this one
-    m_host = std::make_unique<HostProcess>(
-        VELA_PLUGIN_FILE, m_folder.path(), QStringList{"--log", "*.debug=false"},
-        m_hasNamespaces ? std::make_unique<ProcessOne>() : std::make_unique<QProcess>());
+    m_host = m_hasNamespaces ? std::make_unique<ProcessOne>() : std::make_unique<QProcess>();
+    m_host->start(
+        VELA_HOST,
+        {"--json", "--plugin", VELA_PLUGIN_FILE, "--storage", m_folder.path(), "--log", "*.debug=false"});
     if (m_hasNamespaces)
         setns(ownNamespace, CLONE_NEWPID);
 }
@@ -217,14 +222,18 @@ void KilledHosts::checkFiles()
 
 void KilledHosts::send(const QString &line, const QString &thing)
 {
-    m_host->send(line);
+    m_host->write(line.toUtf8() + '\n');
     m_pending.append(thing);
 }
 
 /*! The next object of the host's output, of which it takes note. Empty when none has come in time. */
 QJsonObject KilledHosts::next(int milliseconds)
 {
-    QJsonObject object = m_host->next(milliseconds);
+    while (!m_host->canReadLine()) {
+        if (!m_host->waitForReadyRead(milliseconds))
+            return {};
+    }
+    const QJsonObject object = QJsonDocument::fromJson(m_host->readLine()).object();
     const QString event = object.value("event").toString();
     const QJsonObject thing = object.value("thing").toObject();
     const QString id = thing.value("id").toString();

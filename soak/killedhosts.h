@@ -4,12 +4,14 @@
 #ifndef KILLEDHOSTS_H
 #define KILLEDHOSTS_H
 
-#include "hostprocess.h"
-
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QMap>
+#include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
 
+#include <memory>
 #include <random>
 
 /*! Kills hosts on one storage folder, and checks what the next one finds there. */
@@ -39,7 +41,7 @@ private:
     void checkStates(const QJsonObject &before, const QJsonObject &now);
     void checkFiles();
     void send(const QString &line, const QString &thing = QString());
-    QJsonObject next(int milliseconds = HostProcess::patience);
+    QJsonObject next(int milliseconds = 60000);
 
     bool chance(unsigned percent) { return m_random() % 100 < percent; }
 
@@ -49,7 +51,7 @@ private:
     QTemporaryDir m_folder;
     bool m_diskIsSmall = false;
     bool m_diskWasFull = false; // for a host since the last checkStart()
-    std::unique_ptr<HostProcess> m_host;
+    std::unique_ptr<QProcess> m_host;
     QString m_activity;                  // the command that was answered last, or "polling"
     QStringList m_pending;               // the things of the commands that are not answered, in their order
     QStringList m_undecided;             // the same of hosts that died since the last checkStart()
