@@ -23,7 +23,7 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vela-probe"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELA_VERSION));
-    // The report tells what the client does. QT_LOGGING_RULES can enable its debug messages again.
+    // The report says what the client does. QT_LOGGING_RULES can enable its debug messages again.
     QLoggingCategory::setFilterRules(QStringLiteral("Vela.debug=false"));
 
     const ProbeOptions options = readOptions(QCoreApplication::arguments());

@@ -30,6 +30,14 @@ void Mask::hide(const QString &secret)
               [](const QString &left, const QString &right) { return left.size() > right.size(); });
 }
 
+QString Mask::quoted(const QString &text) const
+{
+    constexpr int longest = 200; // characters
+    // Masked before it is cut: half a secret would not be recognised.
+    const QString masked = (*this)(text);
+    return masked.size() > longest ? masked.left(longest) + QStringLiteral("…") : masked;
+}
+
 QString Mask::operator()(const QString &text) const
 {
     QString masked = text;

@@ -18,11 +18,11 @@ constexpr char description[] =
     "variable VELA_SECRET, else from the terminal. It is never printed.\n"
     "\n"
     "PROBLEM marks what keeps the plugin from working with the backend or with one\n"
-    "of its wallboxes; warning marks what it can live with. The exit status is 0\n"
-    "without a problem, 1 with one, and 2 for a mistake in the command line.\n"
+    "of its wallboxes. With what is marked as a warning, it works. The exit status\n"
+    "is 0 without a problem, 1 with one, and 2 for a mistake in the command line.\n"
     "\n"
     "Nothing is changed at the backend, unless --set-limit sends a charge limit:\n"
-    "that limit stays in force until nymea or somebody else sets another.\n"
+    "that limit stays in force until another one is set.\n"
     "\n"
     "Example: vela-probe --secret-file secret.txt http://192.168.1.20:8080 yard";
 

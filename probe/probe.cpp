@@ -36,9 +36,12 @@ void readReply(Step &step, QNetworkReply *reply)
     step.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     step.redirect = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl().toDisplayString();
     step.setsCookie = reply->hasRawHeader(QByteArrayLiteral("Set-Cookie"));
-    if (reply->isOpen()) // not after an abort
-        step.reply = reply->readAll();
-    step.json = QJsonDocument::fromJson(step.reply, &step.notJson);
+    const QByteArray body = reply->isOpen() ? reply->readAll() : QByteArray(); // not open after an abort
+    step.json = QJsonDocument::fromJson(body, &step.notJson);
+    // JSON is shown in Qt's own spelling, so that no escape sequence hides a secret.
+    step.mask.hide(QString::fromLatin1(reply->request().rawHeader(QByteArrayLiteral("Authorization"))));
+    step.reply = step.mask.quoted(
+        QString::fromUtf8(step.json.isNull() ? body : step.json.toJson(QJsonDocument::Compact)));
 }
 
 /*! Tries a TLS handshake with the backend, even for http://, because the failed request of \a step does not say what
@@ -63,7 +66,6 @@ void tryHandshake(Step &step, const ProbeOptions &options)
 Probe::Probe(const ProbeOptions &options)
     : m_options(options)
 {
-    m_mask.hide(options.secret);
     QCoreApplication::instance()->installEventFilter(this);
     connectHandler();
 }
@@ -95,10 +97,11 @@ Report Probe::run(const std::function<void(const Step &)> &stepDone)
             break;
         Step step;
         step.stage = stage;
+        step.mask.hide(m_options.secret);
         step.skipped = m_obstacle;
         if (m_obstacle.isEmpty())
             (this->*take)(step);
-        report.append(masked(step, m_mask));
+        report.append(step);
         stepDone(report.last());
     }
     return report;
@@ -106,8 +109,10 @@ Report Probe::run(const std::function<void(const Step &)> &stepDone)
 
 void Probe::checkUrl(Step &step)
 {
-    step.details = QStringList{displayUrl(m_options.url), QLatin1String("group ") + m_options.groupId};
-    step.details.removeAll(QString()); // an unreadable URL cannot be shown: it may hide a password anywhere
+    const QString url = displayUrl(m_options.url);
+    if (!url.isEmpty()) // an unreadable URL cannot be shown: it may hide a password anywhere
+        step.detail(url);
+    step.detail(QLatin1String("group ") + m_options.groupId);
     judgeUrl(step, m_options.url);
     if (step.count(Problem) > 0)
         m_obstacle = QStringLiteral("no request can be sent to such a URL");
@@ -117,7 +122,7 @@ void Probe::checkOnline(Step &step)
 {
     post(step, BackendApi::onlinePath());
     if (isUnreachable(step))
-        m_obstacle = QStringLiteral("the backend is out of reach");
+        m_obstacle = QStringLiteral("the backend cannot be reached");
 }
 
 void Probe::askGroupInfo(Step &step)
@@ -162,15 +167,16 @@ void Probe::sendLimit(Step &step)
     matters here: the status, the time, and a body that they cannot read. */
 bool Probe::post(Step &step, const QString &path, const QJsonObject &body)
 {
-    step.url = displayUrl(m_options.url, path);
-    step.body = body;
+    step.url = step.mask(displayUrl(m_options.url, path));
+    const QByteArray shownBody = QJsonDocument(body).toJson(QJsonDocument::Compact);
+    step.body = QJsonDocument::fromJson(step.mask(QString::fromUtf8(shownBody)).toUtf8()).object();
+    step.body.insert(QStringLiteral("secret"), QStringLiteral("***"));
     step.timedOut = true; // until the answer comes
     QEventLoop loop;
     QElapsedTimer clock;
     clock.start();
     QJsonObject sent = body; // the handler adds the secret
-    m_handler->sendRequestPost(path, sent, [this, &step, &loop](QNetworkReply *reply) {
-        m_mask.hide(QString::fromLatin1(reply->request().rawHeader(QByteArrayLiteral("Authorization"))));
+    m_handler->sendRequestPost(path, sent, [&step, &loop](QNetworkReply *reply) {
         step.timedOut = false;
         readReply(step, reply);
         loop.quit();

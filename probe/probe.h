@@ -4,7 +4,6 @@
 #ifndef PROBE_H
 #define PROBE_H
 
-#include "mask.h"
 #include "options.h"
 #include "step.h"
 
@@ -23,8 +22,8 @@ public:
     explicit Probe(const ProbeOptions &options);
     ~Probe() override;
 
-    /*! Takes one step after the other, in an event loop of its own. \a stepDone is called after each. What
-        it is given, and what is returned, is free of secrets. To be called once. */
+    /*! Takes one step after the other, in an event loop of its own. \a stepDone is called after each. Call
+        it once. */
     Report run(const std::function<void(const Step &)> &stepDone);
 
 protected:
@@ -41,7 +40,6 @@ private:
     void connectHandler();
 
     const ProbeOptions m_options;
-    Mask m_mask;
     std::unique_ptr<NetworkHandler> m_handler; // replaced when it has to forget a request
     QMap<QString, int> m_maxCurrents;          // of the group's wallboxes, in A, once they are known
     QString m_obstacle; // why the remaining steps are skipped; empty while they are not

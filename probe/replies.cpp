@@ -155,7 +155,7 @@ QMap<QString, int> readGroupInfo(Step &step)
     for (auto it = evseIds.begin(); it != evseIds.end(); ++it) {
         const QJsonValue maxCurrent = it.value().toObject().value(QLatin1String("max_charging_current"));
         maxCurrents.insert(it.key(), maxCurrent.toInt());
-        step.details.append(it.key() + QStringLiteral(": up to %1 A").arg(maxCurrent.toInt()));
+        step.detail(it.key() + QStringLiteral(": up to %1 A").arg(maxCurrent.toInt()));
         step.wallbox = it.key();
         judgeMaxCurrent(step, maxCurrent);
     }
@@ -178,7 +178,7 @@ void readValues(Step &step, const QStringList &asked, const QDateTime &now)
         const QJsonValue record = records->value(wallbox);
         const LiveValues values = mapLiveValues(record.toObject());
         if (!record.isUndefined())
-            step.details.append(shown(wallbox, values));
+            step.detail(shown(wallbox, values));
         step.wallbox = wallbox;
         if (asked.contains(wallbox))
             judgeRecord(step, record, values, now);

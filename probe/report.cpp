@@ -3,7 +3,6 @@
 
 #include "report.h"
 
-#include "mask.h"
 #include "printable.h"
 
 #include <QJsonArray>
@@ -13,8 +12,6 @@
 #include <numeric>
 
 namespace {
-
-constexpr int longestText = 200; // characters of anything that the backend or the user said
 
 constexpr struct
 {
@@ -31,11 +28,6 @@ constexpr struct
 QString errorName(const Step &step)
 {
     return QString::fromLatin1(QMetaEnum::fromType<QNetworkReply::NetworkError>().valueToKey(step.error));
-}
-
-QString compact(const QJsonDocument &json)
-{
-    return QString::fromUtf8(json.toJson(QJsonDocument::Compact));
 }
 
 QString answerText(const Step &step)
@@ -69,7 +61,7 @@ QJsonObject toJson(const Finding &finding)
     QJsonObject json{
         {QStringLiteral("kind"), QLatin1String(finding.severity == Problem ? "problem" : "warning")},
         {QStringLiteral("code"), finding.code                                                      },
-        {QStringLiteral("text"), finding.sentence()                                                },
+        {QStringLiteral("text"), finding.text                                                      },
     };
     if (!finding.wallbox.isEmpty())
         json.insert(QStringLiteral("wallbox"), finding.wallbox);
@@ -89,7 +81,7 @@ QJsonObject requestJson(const Step &step)
     if (step.error != QNetworkReply::NoError)
         json.insert(QStringLiteral("error"), errorName(step));
     if (isReplyOfInterest(step))
-        json.insert(QStringLiteral("reply"), QString::fromUtf8(step.reply));
+        json.insert(QStringLiteral("reply"), step.reply);
     return json;
 }
 
@@ -112,29 +104,6 @@ QJsonObject toJson(const Step &step)
 
 } // namespace
 
-Step masked(Step step, const Mask &mask)
-{
-    // Masked before it is cut: half a secret would not be recognised.
-    const auto clean = [&mask](const QString &text) {
-        const QString masked = mask(text);
-        return masked.size() > longestText ? masked.left(longestText) + QStringLiteral("…") : masked;
-    };
-    step.url = mask(step.url);
-    step.body = QJsonDocument::fromJson(mask(compact(QJsonDocument(step.body))).toUtf8()).object();
-    step.body.insert(QStringLiteral("secret"), QStringLiteral("***"));
-    // JSON is shown in Qt's own spelling, so that no escape sequence hides a secret.
-    step.reply = clean(step.json.isNull() ? QString::fromUtf8(step.reply) : compact(step.json)).toUtf8();
-    step.json = {};
-    step.errorText.clear(); // quoted by the findings, as is the redirect
-    step.redirect.clear();
-    std::transform(step.details.begin(), step.details.end(), step.details.begin(), clean);
-    for (Finding &finding : step.findings) {
-        std::transform(finding.quotes.begin(), finding.quotes.end(), finding.quotes.begin(), clean);
-        finding.wallbox = clean(finding.wallbox);
-    }
-    return step;
-}
-
 int count(const Report &report, Severity severity)
 {
     return std::accumulate(report.begin(), report.end(), 0,
@@ -146,17 +115,17 @@ QString stepText(const Step &step)
     QString text = QLatin1String(stepNames[step.stage].title) + QLatin1Char('\n');
     if (!step.url.isEmpty()) {
         text += line("sent", QLatin1String("POST ") + step.url);
-        text += line("", compact(QJsonDocument(step.body)));
+        text += line("", QString::fromUtf8(QJsonDocument(step.body).toJson(QJsonDocument::Compact)));
         text += line("answer", answerText(step));
     }
     for (const QString &detail : step.details)
         text += line("", detail);
     for (const Finding &finding : step.findings) {
         const QString subject = finding.wallbox.isEmpty() ? QString() : finding.wallbox + QLatin1String(": ");
-        text += line(finding.severity == Problem ? "PROBLEM" : "warning", subject + finding.sentence());
+        text += line(finding.severity == Problem ? "PROBLEM" : "warning", subject + finding.text);
     }
     if (isReplyOfInterest(step))
-        text += line("reply", QString::fromUtf8(step.reply));
+        text += line("reply", step.reply);
     if (!step.skipped.isEmpty())
         text += line("skipped", step.skipped);
     else if (step.findings.isEmpty())

@@ -6,12 +6,6 @@
 
 #include "step.h"
 
-class Mask;
-
-/*! \a step without secrets, and with the backend's text, the body of its answer too, cut to a readable
-    length. */
-Step masked(Step step, const Mask &mask);
-
 /*! How many findings of all steps have that severity. Without a problem the plugin would work. */
 int count(const Report &report, Severity severity);
 

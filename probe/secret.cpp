@@ -64,7 +64,7 @@ QString askForSecret()
     std::fputs("Group secret: ", stderr); // not before input is no longer echoed
     std::string line;
     std::getline(std::cin, line);
-    std::fputc('\n', stderr); // the user's own was not echoed either
+    std::fputc('\n', stderr); // the line break that the user has typed was not echoed
     restoreTerminal();
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);

@@ -5,18 +5,13 @@
 
 #include <algorithm>
 
-QString Finding::sentence() const
-{
-    QString sentence = text;
-    // The first quote is put in last, because it may contain a "%2" of its own.
-    for (int i = quotes.size(); i > 0; --i)
-        sentence.replace(QLatin1Char('%') + QString::number(i), quotes.at(i - 1));
-    return sentence;
-}
-
 void Step::problem(const char *code, const char *text, const QStringList &quotes)
 {
-    findings.append({Problem, QString::fromLatin1(code), QString::fromUtf8(text), quotes, wallbox});
+    QString sentence = QString::fromUtf8(text);
+    // The first quote is put in last, because it may contain a "%2" of its own.
+    for (int i = quotes.size(); i > 0; --i)
+        sentence.replace(QLatin1Char('%') + QString::number(i), mask.quoted(quotes.at(i - 1)));
+    findings.append({Problem, QString::fromLatin1(code), sentence, mask.quoted(wallbox)});
 }
 
 void Step::warning(const char *code, const char *text, const QStringList &quotes)

@@ -4,6 +4,8 @@
 #ifndef STEP_H
 #define STEP_H
 
+#include "mask.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkReply>
@@ -13,23 +15,20 @@
 
 enum Severity {
     Problem, //!< the plugin would not work with this backend, or not with one of its wallboxes
-    Warning, //!< it would work, but not quite as one might expect
+    Warning, //!< it would work, but the installer should check this
 };
 
 /*! Something about the backend that the installer should know. */
 struct Finding
 {
-    /*! The text with its quotes. */
-    QString sentence() const;
-
     Severity severity = Problem;
-    QString code;       //!< for machines; stays the same when the text is reworded
-    QString text;       //!< for people; %1 and so on stand for the quotes
-    QStringList quotes; //!< the first is what the backend said or the user entered; may repeat a secret
-    QString wallbox;    //!< infrastructure id; empty when the finding is about the backend as a whole
+    QString code;    //!< for machines; stays the same when the text is reworded
+    QString text;    //!< for people
+    QString wallbox; //!< infrastructure id; empty when the finding is about the backend as a whole
 };
 
-/*! One step of the check: what was asked, what was answered, and what that means. A plain value type. */
+/*! One step of the check: what was asked, what was answered, and what that means. A plain value type. What it shows,
+    such as url, body, reply, details and findings, contains no secret. */
 struct Step
 {
     enum Stage {
@@ -40,10 +39,13 @@ struct Step
         ChargeLimit,
     };
 
+    /*! Adds a finding. In \a text, %1 and so on stand for \a quotes: what the backend said or the user entered. */
     void problem(const char *code, const char *text, const QStringList &quotes = {});
     void warning(const char *code, const char *text, const QStringList &quotes = {});
     /*! Adds \a text to the last finding. */
     Step &extend(const char *text);
+    /*! Adds a line about what the plugin reads. */
+    void detail(const QString &text) { details.append(mask.quoted(text)); }
     int count(Severity severity) const;
 
     /*! Whether the plugin would read the reply: all it requires is an end without error. */
@@ -52,6 +54,7 @@ struct Step
     bool isRedirect() const { return status / 100 == 3 && !json.isObject(); }
 
     Stage stage = Url;
+    Mask mask;
     QString skipped; //!< why the step was skipped; empty if it was not
 
     // The request. A step without one has an empty URL.
@@ -63,9 +66,9 @@ struct Step
     QString errorText;       //!< Qt's description of the error
     int status = 0;          //!< of HTTP; 0 without any response
     QString redirect;        //!< the target of a 3xx status
-    QByteArray reply;        //!< the body as received, even beside an error
-    QJsonDocument json;      //!< the same; null if it is not JSON
+    QJsonDocument json;      //!< the body, even beside an error; null if it is not JSON
     QJsonParseError notJson; //!< why it is null
+    QString reply;           //!< the body to be shown
     bool setsCookie = false;
     bool timedOut = false;  //!< the probe gave up waiting; there is no answer
     bool speaksTls = false; //!< a TLS handshake has succeeded; it is tried if the failure may be due to TLS
@@ -73,7 +76,7 @@ struct Step
     std::chrono::milliseconds duration{0};
 
     // The outcome.
-    QStringList details; //!< what the plugin reads, one line each
+    QStringList details;
     QVector<Finding> findings;
     QString wallbox; //!< the infrastructure id that the next findings are about; empty for the backend
 };

@@ -173,8 +173,8 @@ void judgeUrl(Step &step, const QString &url)
         return step.problem("unusable-url", "the URL has no host, or is invalid otherwise");
     if (isClear && !isThisMachine(parsed.host()))
         step.warning("clear-text",
-                     "http:// sends the group's secret in clear text with every request; whoever sees the "
-                     "traffic can read it");
+                     "http:// sends the group's secret in clear text with every request; anyone who sees "
+                     "the traffic can read it");
     if (!parsed.path().isEmpty() && parsed.path() != QLatin1String("/"))
         step.warning(
             "path-replaced",

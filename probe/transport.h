@@ -17,17 +17,12 @@ constexpr char groupLossWarning[] =
 /*! Adds to \a step what is wrong with \a url as the user would enter it in nymea. */
 void judgeUrl(Step &step, const QString &url);
 
-/*! Whether the answer of \a step may be due to http:// in place of https:// or the reverse, so that a TLS handshake
-    would tell. Only the first request asks. */
-bool mayHaveWrongScheme(const Step &step);
-
 /*! Whether \a step may have failed because only one side speaks TLS, or because of a certificate. Then a TLS
     handshake shows more. That concerns all requests, so only the first one is examined. */
 bool mayBeDueToTls(const Step &step);
 
 /*! Adds to \a step what its answer shows apart from the content: whether and when the backend answered. The
-    plugin does not use the online check, so that a failure there is a warning unless nothing can get
-    through. */
+    plugin does not use the online check, so a failure there is a warning unless every other request would fail too. */
 void judgeAnswer(Step &step);
 
 /*! Whether the error of \a step will meet every other request as well. */
