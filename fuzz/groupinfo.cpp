@@ -5,6 +5,7 @@
 
 #include "answeredsite.h"
 #include "fuzzing.h"
+#include "wallboxbounds.h"
 
 #include <QJsonDocument>
 #include <QSet>
@@ -12,8 +13,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr int wallboxClassCount = 32;
 
 /*! As Qt reads them: without a byte order mark in front, so that two members may have the same name. */
 QSet<QString> listedIds(const QByteArray &reply)
@@ -86,7 +85,7 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static auto *site = new UnstoredSite; // lives to the end of the process
+    static auto *site = new UnstoredSite; // exists until the end of the process
     site->renewGateway("{}");
     const QList<QByteArray> replies = inputReplies(data, size);
     for (const QByteArray &reply : replies) {
@@ -94,7 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const QSet<QString> listed = listedIds(reply);
         const QSet<QString> present = site->checkedIds();
         require(listed.contains(present), "only listed wallboxes stay");
-        require(present.size() == std::min(listed.size(), wallboxClassCount),
+        require(present.size() == std::min(listed.size(), wallboxCount),
                 "every listed wallbox has a thing while there are classes");
         site->poll(reply);
     }

@@ -93,7 +93,7 @@ void rewind(AnsweredSite &site)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static auto *site = new AnsweredSite; // lives to the end of the process
+    static auto *site = new AnsweredSite; // exists until the end of the process
     const Things wallboxes = site->wallboxes();
     for (Thing *wallbox : wallboxes)
         wallbox->disconnect(); // else the daemon would store each change

@@ -12,9 +12,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto pollPeriod = 2s; // the plugin's
+constexpr auto pluginPollPeriod = 2s;
 // Qt opens six connections to a host. If answers are slower than this, polls wait in ever longer queues.
-constexpr auto longestBearable = 6 * pollPeriod;
+constexpr auto longestBearable = 6 * pluginPollPeriod;
 // Replies overtake each other once their delays differ by a poll period. The one that was measured may be
 // among the faster ones, hence less.
 constexpr auto longestPunctual = 1500ms;

@@ -45,7 +45,7 @@ KilledHosts::KilledHosts(const QString &backend, unsigned seed)
     , m_hasNamespaces(QProcess::execute("unshare", {"--pid", "--fork", "--mount-proc", "true"}) == 0)
 {
     std::printf(m_hasNamespaces ? "each host is process 1 of a namespace of its own\n"
-                                : "SKIPPED: hosts that all have the process id 1; this takes root\n");
+                                : "SKIPPED: hosts that all have the process id 1, which needs root\n");
 }
 
 KilledHosts::~KilledHosts()
@@ -65,7 +65,7 @@ void KilledHosts::mountSmallDisk()
     require(m_diskIsSmall, "The small file system cannot be mounted.");
 }
 
-/*! Leaves one to three pages free in every other life: too few for some files, or for all. */
+/*! In half of the rounds, leaves one to three pages free: too few for some files, or for all. */
 void KilledHosts::fillDisk()
 {
     QFile file(m_folder.filePath(filler));
@@ -78,9 +78,9 @@ void KilledHosts::fillDisk()
         file.write(QByteArray(int(pages * qint64(disk.f_frsize)), '0'));
 }
 
-void KilledHosts::live()
+void KilledHosts::killOne()
 {
-    // The last thing that the host has done for sure.
+    // What the host has certainly done before it is killed.
     static const char *const moments[] = {"start", "things", "discover", "add", "set", "polling"};
     const QString moment = moments[m_random() % std::size(moments)];
     start();
@@ -98,7 +98,7 @@ void KilledHosts::live()
              name);
     }
     while (m_activity != moment)
-        require(!next().isEmpty(), "The host stops working.");
+        require(!next().isEmpty(), "The host does not respond.");
     // Around the next poll, which comes 2 s after the last, or while the host executes the next commands.
     const QDeadlineTimer end(int(m_random() % 40) + (moment == "polling" ? 1980 : 0));
     while (!end.hasExpired())
@@ -233,7 +233,7 @@ QJsonObject KilledHosts::next(int milliseconds)
         if (!m_host->waitForReadyRead(milliseconds))
             return {};
     }
-    const QJsonObject object = QJsonDocument::fromJson(m_host->readLine()).object();
+    QJsonObject object = QJsonDocument::fromJson(m_host->readLine()).object();
     const QString event = object.value("event").toString();
     const QJsonObject thing = object.value("thing").toObject();
     const QString id = thing.value("id").toString();

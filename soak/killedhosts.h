@@ -23,11 +23,11 @@ public:
     ~KilledHosts();
     Q_DISABLE_COPY(KilledHosts)
 
-    /*! From now on the folder is a file system of 64 kB, nearly full in every other life. Takes root. */
+    /*! Mounts a file system of 64 kB as the folder. It is nearly full in half of the rounds. Needs root. */
     void mountSmallDisk();
-    /*! One life of a host, from its start to its violent end at a random moment. */
-    void live();
-    /*! Starts a host that may live, and checks what it finds and that it works. */
+    /*! One round: starts a host, and kills it at a random moment. */
+    void killOne();
+    /*! Starts a host that is not killed, and checks what it finds and that it works. */
     void lastStart();
 
     static constexpr int wallboxCount = 8;
@@ -54,7 +54,7 @@ private:
     std::unique_ptr<QProcess> m_host;
     QString m_activity;                  // the command that was answered last, or "polling"
     QStringList m_pending;               // the things of the commands that are not answered, in their order
-    QStringList m_undecided;             // the same of hosts that died since the last checkStart()
+    QStringList m_undecided;             // the same of hosts that were killed since the last checkStart()
     QMap<QString, QJsonObject> m_things; // by id, as reported last
     QSet<QString> m_removed;             // ids of things
     QSet<QString> m_found;               // ids of the things that were there at the last checkStart()

@@ -22,7 +22,7 @@ void soakWithKills(const QStringList &arguments)
     const int kills = line.wholeNumber("kills", 1, 1000000);
     QProcess simulator;
     simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    // A run that is killed leaves no simulator behind.
+    // The simulator ends with this process, even if that is killed.
     simulator.start("setpriv",
                     {"--pdeathsig=KILL", VELA_SIMULATOR, "--port=0", "--speed=600",
                      "--wallboxes=" + QString::number(KilledHosts::wallboxCount)});
@@ -31,12 +31,12 @@ void soakWithKills(const QStringList &arguments)
     if (line.isSet("nearly-full"))
         hosts.mountSmallDisk();
     for (int i = 0; i < kills; ++i)
-        hosts.live();
+        hosts.killOne();
     hosts.lastStart();
     simulator.terminate();
     require(simulator.waitForFinished() && simulator.exitStatus() == QProcess::NormalExit
                 && simulator.exitCode() == 0,
-            "The simulator does not end well.");
+            "The simulator fails at its end.");
     for (auto it = hosts.counts.cbegin(); it != hosts.counts.cend(); ++it)
         std::printf("%6d %s\n", it.value(), qPrintable(it.key()));
 }

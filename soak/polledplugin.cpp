@@ -5,6 +5,7 @@
 
 #include "soak.h"
 #include "waiting.h"
+#include "wallboxbounds.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
@@ -16,11 +17,9 @@ using Backend = ScriptedBackend;
 
 namespace {
 
-constexpr int wallboxCount = 32;
-constexpr int connections = 6;       // that Qt opens to one backend
-constexpr qint64 never = 1714564800; // s since the last action while there has been none
+constexpr qint64 never = 1714564800; // s since the last action if there was none, since the epoch
 
-// Polls under each are answered badly, until the next is to be answered normally.
+// Each makes the polls fail until the backend answers normally again.
 void (*const faults[])(Backend &) = {
     [](Backend &backend) { backend.answer(Backend::Values, 503); },
     [](Backend &backend) { backend.hangUp(Backend::Values); },
@@ -56,15 +55,15 @@ QJsonObject limit(double ampere)
 
 } // namespace
 
-void PolledPlugin::live(int polls)
+void PolledPlugin::run(int polls)
 {
     m_silence = never;
     m_site.backend.setWallbox(infraIdOf(1), 32);
     const QString error = m_site.addGateway();
-    require(error.isEmpty(), "The gateway does not come back: " + error);
+    require(error.isEmpty(), "The gateway cannot be added: " + error);
     setUp(1);
     pollFor(polls / 2);
-    poll(connections); // uses all of them
+    poll(connectionsOfQt); // uses all of them
     working.append(Census::takeSettled());
     setUp(wallboxCount / 2);
     setUp(1); // the others come back as new things
@@ -117,7 +116,7 @@ void PolledPlugin::pollFor(int polls)
             moveClock(chance(50) ? 3600 : -3600);
         if (m_faultyPolls == 0 && chance(2))
             strike();
-        poll(chance(3) ? 2 + int(m_random() % (connections - 1)) : 1);
+        poll(chance(3) ? 2 + int(m_random() % (connectionsOfQt - 1)) : 1);
     }
 }
 
@@ -162,7 +161,7 @@ void PolledPlugin::moveClock(int seconds)
     m_silence += seconds;
 }
 
-/*! Polls once, or \a ticks times before the first reply unless there is a fault, and checks what has come of it. */
+/*! Polls once, or \a ticks times before the first reply unless there is a fault, and checks the result. */
 void PolledPlugin::poll(int ticks)
 {
     m_site.log.clear();
@@ -224,12 +223,11 @@ void PolledPlugin::pass()
     const Things wallboxes = m_site.wallboxes();
     for (const Thing *wallbox : wallboxes) {
         const int meter = meterAt(wallbox, m_time);
-        const QJsonObject record{
-            {"timestamp", QDateTime::fromSecsSinceEpoch(m_time, Qt::UTC).toString(Qt::ISODate)},
-            {"status",           meter % 5 == 0 ? "SuspendedEV" : "Charging"                                       },
-            {"phase_1",           6 + meter % 10},
-            {"meter_value",           meter                                   },
-        };
+        QJsonObject record;
+        record["timestamp"] = QDateTime::fromSecsSinceEpoch(m_time, Qt::UTC).toString(Qt::ISODate);
+        record["status"] = meter % 5 == 0 ? "SuspendedEV" : "Charging";
+        record["phase_1"] = 6 + meter % 10;
+        record["meter_value"] = meter;
         m_site.backend.values.insert(infraIdOf(wallbox), record);
     }
     moveClock(2);

@@ -11,8 +11,7 @@
 
 #include <random>
 
-/*! A daemon with the plugin and 32 wallboxes, checked after each poll. A life begins with the discovery of the
-    gateway and ends with its removal. Actions, renewals of limits, jumps of the clock and faults come at random. */
+/*! A daemon with the plugin and 32 wallboxes, checked after each poll. Actions, renewals of limits, jumps of the clock and faults come at random. */
 class PolledPlugin
 {
 public:
@@ -21,11 +20,12 @@ public:
     {
     }
 
-    /*! Polls \a polls times at least. Half of the wallboxes leave the group and come back. */
-    void live(int polls);
+    /*! Adds the gateway, polls at least \a polls times, and removes it. Half of the wallboxes leave the group and come
+        back. */
+    void run(int polls);
 
-    QVector<Census> working;      //!< in the middle of each life, with all wallboxes and connections
-    QVector<Census> resting;      //!< at its end, after the last thing has gone
+    QVector<Census> working;      //!< in the middle of each run, with all wallboxes and connections
+    QVector<Census> resting;      //!< at its end, after the last thing was removed
     QMap<QString, double> counts; //!< of what has happened, by name
 
 private:

@@ -14,7 +14,7 @@
 namespace {
 
 /*! By how much the least of the last ten censuses is above the greatest of the first ten. A single one may count
-    buffers that come and go, some 50 kB of them; what leaks is still there in the next. */
+    buffers that come and go, some 50 kB of them; what leaks is also in the next one. */
 qint64 growthOf(const QVector<Census> &censuses, qint64 Census::*amount)
 {
     constexpr int compared = 10;
@@ -26,7 +26,7 @@ qint64 growthOf(const QVector<Census> &censuses, qint64 Census::*amount)
 
 void checkGrowth(const char *when, const QVector<Census> &censuses)
 {
-    // From one end to the other. A leak of 16 bytes a poll is beyond that in the short form already.
+    // For the whole run. Even in the short form, a leak of 16 bytes in each poll exceeds this.
     constexpr qint64 heapAllowance = qint64(32) * 1024;
     constexpr qint64 residentAllowance = qint64(1024) * 1024;
     std::printf("%s   objects  descriptors   heap kB  resident kB\n", when);
@@ -45,21 +45,22 @@ void checkGrowth(const char *when, const QVector<Census> &censuses)
 
 void soakWithPolls(const QStringList &arguments)
 {
-    CommandLine line("Polls the plugin as fast as the answers come, and checks what it does and holds.",
-                     {
-                         {"polls", "Polls at least.",                             "N", "200000"},
-                         {"seed",  "The same random events for the same number.", "N", "1"     },
+    // clang-format off
+    CommandLine line("Polls the plugin as fast as the answers come, and checks what it does and holds.", {
+        {"polls", "How often to poll, at least.", "N", "200000"},
+        {"seed", "With the same number, the same random events occur.", "N", "1"},
     });
+    // clang-format on
     line.read(arguments);
     // The daemon stores its things after each poll.
     if (qEnvironmentVariableIsEmpty("TMPDIR") && QFileInfo("/dev/shm").isWritable())
         qputenv("TMPDIR", "/dev/shm");
     QLoggingCategory::setFilterRules("Vela.debug=false");
     PolledPlugin plugin(unsigned(line.wholeNumber("seed", 0, 1000000)));
-    constexpr int lives = 40;
-    const int pollsPerLife = line.wholeNumber("polls", 400, 100000000) / lives;
-    for (int life = 0; life < lives; ++life)
-        plugin.live(pollsPerLife);
+    constexpr int runs = 40;
+    const int pollsPerRun = line.wholeNumber("polls", 400, 100000000) / runs;
+    for (int i = 0; i < runs; ++i)
+        plugin.run(pollsPerRun);
     for (auto it = plugin.counts.cbegin(); it != plugin.counts.cend(); ++it)
         std::printf("%9.0f %s\n", it.value(), qPrintable(it.key()));
     checkGrowth("working", plugin.working);

@@ -3,6 +3,7 @@
 
 #include "census.h"
 #include "commandline.h"
+#include "json.h"
 #include "site.h"
 #include "soak.h"
 #include "waiting.h"
@@ -27,11 +28,10 @@ void print(const char *when, const Census &census)
 /*! Sends \a polls polls that the backend keeps, on as many connections as Qt opens. */
 void pollInSilence(Site &site, int polls)
 {
-    constexpr int connections = 6;
     site.backend.hold(Backend::Values);
     for (int i = 0; i < polls; ++i)
         site.tick();
-    const auto arrived = [&site] { return site.backend.requests(Backend::Values).size() == connections; };
+    const auto arrived = [&site] { return site.backend.requests(Backend::Values).size() == connectionsOfQt; };
     require(waitFor(arrived), "The backend does not receive six polls.");
 }
 
@@ -72,22 +72,23 @@ void keepSilent(Site &site, int polls, const char *name, const std::function<voi
 
 void soakInSilence(const QStringList &arguments)
 {
-    CommandLine line("Measures what polls cost while the backend accepts and never answers.",
-                     {
-                         {"polls",     "Polls in silence, 1800 at least: an hour.", "N", "1800"},
-                         {"wallboxes", "Wallboxes, 32 at most.",                    "N", "4"   },
+    // clang-format off
+    CommandLine line("Measures what polls cost while the backend accepts and never answers.", {
+        {"polls", "Polls without an answer; 1800, an hour's, at least.", "N", "1800"},
+        {"wallboxes", "Wallboxes, 32 at most.", "N", "4"},
     });
+    // clang-format on
     line.read(arguments);
     const int polls = line.wholeNumber("polls", 1800, 1000000);
     QLoggingCategory::setFilterRules("Vela.debug=false");
     Site site;
     for (int i = 1; i <= line.wholeNumber("wallboxes", 1, 32); ++i) {
         site.backend.setWallbox(infraIdOf(i), 16);
-        site.backend.setStatus(infraIdOf(i), "Charging");
+        site.backend.values.insert(infraIdOf(i), json(R"({"status": "Charging"})"));
     }
     const QString error = site.addGateway();
     require(error.isEmpty(), error);
-    pollInSilence(site, 6); // from now on there are as many connections as there can be
+    pollInSilence(site, connectionsOfQt); // from now on there are as many connections as there can be
     site.backend.releaseAll(Backend::Values);
     site.backend.forgetRequests();
     keepSilent(site, polls, "the backend answers", [&site] { site.backend.releaseAll(Backend::Values); });

@@ -7,10 +7,10 @@
 #include <QString>
 #include <QStringList>
 
-// The modes of vela-soak. Each reads its own options from \a arguments, the mode's name first, and ends with a
-// std::runtime_error when it has found something wrong.
+// The modes of vela-soak. Each reads its own options from \a arguments, the mode's name first, and throws a
+// std::runtime_error if it finds something wrong.
 
-/*! Polls the plugin as fast as the answers come, through many lives of the gateway. */
+/*! Polls the plugin as fast as the answers come, while the gateway is added and removed many times. */
 void soakWithPolls(const QStringList &arguments);
 /*! Measures what polls cost while the backend accepts and never answers. */
 void soakInSilence(const QStringList &arguments);

@@ -67,6 +67,6 @@ Census Census::take()
 Census Census::takeSettled()
 {
     if (!settle())
-        qFatal("The program does not come to rest.");
+        qFatal("The program does not become idle.");
     return take();
 }

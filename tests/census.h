@@ -15,7 +15,7 @@ struct Census
     qint64 resident = 0; //!< bytes of memory in use, the allocator's reserve included
 
     static Census take();
-    /*! The same once the program has come to rest: what is due for deletion has gone. */
+    /*! The same once the program is idle, and deferred deletions are done. */
     static Census takeSettled();
 };
 

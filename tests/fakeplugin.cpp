@@ -15,7 +15,7 @@ ThingClass classNamed(const PluginMetadata &metadata, const char *name)
     return metadata.thingClasses().findByName(QLatin1String(name));
 }
 
-/*! Ends the host at once: whoever misspells something is not to wait for what never happens. */
+/*! Ends the host, so that a test with a misspelt name does not wait for something that cannot happen. */
 [[noreturn]] void refuse(const char *kind, const QString &name)
 {
     qFatal("The fake plugin has no %s \"%s\".", kind, qPrintable(name));
@@ -29,7 +29,7 @@ Param paramOf(const ParamTypes &types, const QString &name, const QVariant &valu
     return Param(id, value);
 }
 
-// How a bridge's set-up goes.
+// The ways in which a bridge can be set up.
 constexpr struct
 {
     const char *name;
@@ -53,8 +53,8 @@ void count(Thing *thing, const QString &state)
 
 } // namespace
 
-/*! Offers one thing, the existing one where the address is known; "nobody" answers nothing, "broken" an
-    error. */
+/*! Offers one thing; the existing one if there is one with this address. With the address "nobody" the discovery
+    does not finish, and with "broken" it fails. */
 void FakePlugin::discoverThings(ThingDiscoveryInfo *info)
 {
     const ThingClass thingClass = metadata().thingClasses().findById(info->thingClassId());
@@ -114,12 +114,12 @@ void FakePlugin::setupBridge(ThingSetupInfo *info)
         announceNonsense(info->thing());
 }
 
-/*! Those that are missing among the bridge's lamps. */
+/*! Announces the lamps that the bridge should have and that do not exist yet. */
 void FakePlugin::announceLamps(const Thing *bridge)
 {
     const ThingClass lamp = classNamed(metadata(), "lamp");
     const uint lamps = bridge->paramValue(QStringLiteral("children")).toUInt();
-    const uint known = static_cast<uint>(myThings().filterByParentId(bridge->id()).size());
+    const auto known = uint(myThings().filterByParentId(bridge->id()).size());
     for (uint i = known + 1; i <= lamps; ++i) {
         ThingDescriptor descriptor(lamp.id, QStringLiteral("Lamp %1").arg(i), QString(), bridge->id());
         descriptor.setParams(QList<Param>{paramOf(lamp.paramTypes, QStringLiteral("number"), i)});

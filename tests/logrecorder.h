@@ -8,7 +8,7 @@
 
 #include <functional>
 
-/*! Keeps what is logged in one category, for as long as it lives; other messages go their usual way.
+/*! Records what is logged in one category, from its construction to its destruction. Other messages are not affected.
     One recorder at a time. */
 class LogRecorder
 {

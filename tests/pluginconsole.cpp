@@ -139,7 +139,7 @@ PluginConsole::PluginConsole()
 
 PluginConsole::~PluginConsole()
 {
-    m_shown.clear(); // nobody has asked for what the end brings
+    m_shown.clear(); // what happens while the site is taken down is not printed
 }
 
 void PluginConsole::run(const QString &line)
@@ -157,8 +157,9 @@ void PluginConsole::run(const QString &line)
 
 void PluginConsole::rest() const
 {
-    if (!settle())
-        qFatal("The program does not come to rest.");
+    // A large reply may be under way in the kernel alone.
+    if (!waitFor([this] { return settle() && m_site.backend.isAllSent(); }) || !settle())
+        qFatal("The program does not become idle.");
 }
 
 void PluginConsole::addBackendCommands()
@@ -207,10 +208,10 @@ void PluginConsole::addFaultCommands()
             qFatal("No \"%s\" is held.", qPrintable(words.value(0)));
     };
     m_commands["names"] = [](const Words &words) { namesResolve = words.value(0) == "resolve"; };
-    // Uses all six connections that Qt opens to a host: later polls then bring no new objects.
+    // Uses all connections, so that later polls bring no new objects.
     m_commands["census"] = [&](const Words &) {
         backend.hold(ScriptedBackend::Values);
-        for (int i = 0; i < 6; ++i)
+        for (int i = 0; i < connectionsOfQt; ++i)
             m_site.tick();
         rest();
         backend.releaseAll(ScriptedBackend::Values);

@@ -24,9 +24,8 @@ private:
     bool m_isBusy = false;
 };
 
-/*! Drives a site by typed commands and prints what happens, for transcripts: transcripts/plugin/README.md
-    describes the commands. All that a command leads to has happened and is printed before the next one is
-    read. */
+/*! Drives a site by typed commands and prints what happens, for transcripts: transcripts/README.md
+    describes the commands. All effects of a command are printed before the next one is read. */
 class PluginConsole : public QObject
 {
     Q_OBJECT
@@ -73,7 +72,7 @@ private:
     QMap<QString, std::function<void(const Words &)>> m_commands;
     ScriptedBackend m_other;
     NetworkHandler m_client; // without a plugin
-    Site m_site;             // last: it calls this object until it has gone
+    Site m_site;             // the last member: until it is destroyed, it calls this object
 };
 
 #endif // PLUGINCONSOLE_H

@@ -8,7 +8,10 @@
 #include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
+
+#include <linux/sockios.h>
 
 namespace {
 
@@ -59,7 +62,7 @@ void identify(ScriptedBackend::Request &request)
         requireMembers(limit.toObject(), {"unit", "value"}, request.target);
 }
 
-/*! Ends the connection at once: nothing that is on its way counts any more. */
+/*! Resets the connection. What has been sent and not received yet is lost. */
 void resetConnection(QTcpSocket *socket)
 {
     const linger atOnce{1, 0};
@@ -123,7 +126,7 @@ void ScriptedBackend::shutDown()
         return;
     const quint16 port = m_server.serverPort();
     m_server.close();
-    // Bound, yet not listening: nobody else gets the port meanwhile.
+    // A bound port, even if nothing listens, is not given to another program.
     m_reservation.bind(QHostAddress::LocalHost, port, QAbstractSocket::ReuseAddressHint);
     closeConnections();
 }
@@ -149,14 +152,6 @@ void ScriptedBackend::setWallbox(const QString &infraId, int maxChargingCurrent)
     wallboxes.insert(infraId,
                      QJsonObject{
                          {"max_charging_current", maxChargingCurrent}
-    });
-}
-
-void ScriptedBackend::setStatus(const QString &infraId, const QString &status)
-{
-    values.insert(infraId,
-                  QJsonObject{
-                      {"status", status}
     });
 }
 
@@ -214,6 +209,16 @@ bool ScriptedBackend::sendPart(Operation operation, const QByteArray &bytes)
 {
     const QPointer<QTcpSocket> socket = m_held.value(operation).value(0);
     return socket && socket->write(bytes) > 0;
+}
+
+bool ScriptedBackend::isAllSent() const
+{
+    const auto sockets = m_server.findChildren<QTcpSocket *>();
+    return std::all_of(sockets.cbegin(), sockets.cend(), [](const QTcpSocket *socket) {
+        int unacknowledged = 0;
+        ioctl(int(socket->socketDescriptor()), SIOCOUTQ, &unacknowledged);
+        return socket->bytesToWrite() == 0 && unacknowledged == 0;
+    });
 }
 
 QList<ScriptedBackend::Request> ScriptedBackend::requests(Operation operation) const

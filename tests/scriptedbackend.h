@@ -14,8 +14,8 @@
 
     Without a script it accepts everything: it is online, answers with the wallboxes and values below and
     takes all limits. It is strict about what it is sent: an unknown path, an unknown or missing member of the
-    body ends the program with a message that names it. Connections are kept alive. It lives in the thread
-    that created it and listens on a free port of the loopback interface. */
+    body ends the program with a message that names it. Connections are kept alive. It listens on
+    a free port of the loopback interface. */
 class ScriptedBackend : public QObject
 {
     Q_OBJECT
@@ -46,9 +46,8 @@ public:
 
     /*! What the default answers are made of: both by infrastructure id. */
     QJsonObject wallboxes; //!< the group; max_charging_current
-    QJsonObject values;    //!< live-value records, sent whole, whatever ids were asked for
+    QJsonObject values;    //!< live-value records, all of them are sent, whatever ids were asked for
     void setWallbox(const QString &infraId, int maxChargingCurrent);
-    void setStatus(const QString &infraId, const QString &status);
 
     /*! Answers \a operation in this way until told otherwise. */
     void answer(Operation operation, int status, const QByteArray &body = "{}");
@@ -72,6 +71,9 @@ public:
     /*! Sends \a bytes to the client whose request of \a operation is the oldest held, and goes on holding
         it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
+
+    /*! Whether everything that was sent has arrived at the other side. */
+    bool isAllSent() const;
 
     QList<Request> requests() const { return m_requests; }
     QList<Request> requests(Operation operation) const;

@@ -16,6 +16,8 @@ class PluginTimer;
 class PluginTimerManager;
 class QTimer;
 
+constexpr int connectionsOfQt = 6; //!< that it opens to one backend
+
 /*! How a job has ended. */
 struct Outcome
 {
@@ -36,7 +38,7 @@ public:
     Q_DISABLE_COPY(Site)
 
     /*! Discovers the gateway, adds it, if need be as another one, and waits until it and all wallboxes are
-        set up. Returns what has gone wrong, else an empty text. */
+        set up. Returns what went wrong, or an empty text. */
     QString addGateway();
     /*! Ends the daemon as it is, and starts another on the same storage. */
     void restart();

@@ -14,7 +14,7 @@
 
 namespace {
 
-/*! A program under test, with what it has printed and nobody has compared yet. */
+/*! A program under test, with the part of its output that has not been compared yet. */
 struct Program
 {
     QProcess process;
@@ -190,7 +190,7 @@ QString Player::expectStatus(int status)
     const QByteArray rest = m_program->skips ? QByteArray() : process.readAllStandardOutput();
     if (!rest.isEmpty())
         return "printed is also\n  " + QString::fromUtf8(rest);
-    // As a shell tells of a program that a signal has ended.
+    // A shell reports a program that a signal has ended in the same way.
     const int ended =
         process.exitStatus() == QProcess::CrashExit ? 128 + process.exitCode() : process.exitCode();
     return ended == status ? QString()

@@ -130,7 +130,7 @@ void TestCatalogue::versionOutlivesTheLibrary()
     QVERIFY(version);
     const QString text = version();
     QVERIFY(library.unload());
-    QVERIFY(!dlopen(VELA_PLUGIN_FILE, RTLD_LAZY | RTLD_NOLOAD)); // really gone
+    QVERIFY(!dlopen(VELA_PLUGIN_FILE, RTLD_LAZY | RTLD_NOLOAD)); // it is unloaded
     QCOMPARE(text, "7.4.0");
 }
 

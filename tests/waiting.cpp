@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/*! Handles what is due. True if there was nothing. */
+/*! Handles all pending events. True if there were none. */
 bool isIdle()
 {
     const bool handled = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
