@@ -114,7 +114,7 @@ void Probe::checkUrl(Step &step)
         step.detail(url);
     step.detail(QLatin1String("group ") + m_options.groupId);
     judgeUrl(step, m_options.url);
-    if (step.count(Problem) > 0)
+    if (count({step}, Problem) > 0)
         m_obstacle = QStringLiteral("no request can be sent to such a URL");
 }
 

@@ -9,7 +9,6 @@
 #include <QMetaEnum>
 
 #include <algorithm>
-#include <numeric>
 
 namespace {
 
@@ -106,8 +105,12 @@ QJsonObject toJson(const Step &step)
 
 int count(const Report &report, Severity severity)
 {
-    return std::accumulate(report.begin(), report.end(), 0,
-                           [severity](int sum, const Step &step) { return sum + step.count(severity); });
+    int count = 0;
+    for (const Step &step : report) {
+        for (const Finding &finding : step.findings)
+            count += finding.severity == severity ? 1 : 0;
+    }
+    return count;
 }
 
 QString stepText(const Step &step)

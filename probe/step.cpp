@@ -3,8 +3,6 @@
 
 #include "step.h"
 
-#include <algorithm>
-
 void Step::problem(const char *code, const char *text, const QStringList &quotes)
 {
     QString sentence = QString::fromUtf8(text);
@@ -24,10 +22,4 @@ Step &Step::extend(const char *text)
 {
     findings.last().text += QString::fromUtf8(text);
     return *this;
-}
-
-int Step::count(Severity severity) const
-{
-    return int(std::count_if(findings.begin(), findings.end(),
-                             [severity](const Finding &finding) { return finding.severity == severity; }));
 }

@@ -46,7 +46,6 @@ struct Step
     Step &extend(const char *text);
     /*! Adds a line about what the plugin reads. */
     void detail(const QString &text) { details.append(mask.quoted(text)); }
-    int count(Severity severity) const;
 
     /*! Whether the plugin would read the reply: all it requires is an end without error. */
     bool succeeded() const { return !timedOut && error == QNetworkReply::NoError; }

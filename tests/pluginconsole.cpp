@@ -23,6 +23,7 @@
 #include <ctime>
 #include <dlfcn.h>
 #include <netdb.h>
+#include <utility>
 
 namespace {
 
@@ -477,11 +478,20 @@ void PluginConsole::printFinishedJobs()
     m_jobs = pending;
 }
 
+/*! Shows each change of a state as "THING STATE VALUE", and of its maximum as "THING STATE max VALUE". */
 void PluginConsole::watch(Thing *thing)
 {
-    auto *changes = new StateWatch(
-        thing, [this, thing](const QString &change) { show("changes", thing->name() + ' ' + change); });
-    changes->setParent(thing);
+    QHash<StateTypeId, QVariant> maxima;
+    const States states = thing->states();
+    for (const State &state : states)
+        maxima.insert(state.stateTypeId(), state.maxValue());
+    connect(thing, &Thing::stateValueChanged, this,
+            [this, thing, maxima](const StateTypeId &id, const QVariant &value, const QVariant &,
+                                  const QVariant &max) mutable {
+                const QString name = thing->name() + ' ' + thing->thingClass().stateTypes.findById(id).name;
+                const bool hasMoved = std::exchange(maxima[id], max) != max;
+                show("changes", name + (hasMoved ? " max " + max.toString() : ' ' + value.toString()));
+            });
 }
 
 QString PluginConsole::describe(const ThingDescriptor &descriptor) const

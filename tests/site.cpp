@@ -216,21 +216,3 @@ PluginTimerManager *Site::timerManager() const
 {
     return daemon->hardwareManager()->pluginTimerManager();
 }
-
-StateWatch::StateWatch(Thing *thing, const std::function<void(const QString &change)> &heard)
-{
-    QHash<StateTypeId, QVariant> maxima;
-    const States states = thing->states();
-    for (const State &state : states)
-        maxima.insert(state.stateTypeId(), state.maxValue());
-    connect(thing, &Thing::stateValueChanged, this,
-            [this, thing, heard, maxima](const StateTypeId &id, const QVariant &value, const QVariant &,
-                                         const QVariant &max) mutable {
-                const QString name = thing->thingClass().stateTypes.findById(id).name;
-                const bool moved = maxima.value(id) != max;
-                maxima[id] = max;
-                changes.append(name + (moved ? " max " + max.toString() : ' ' + value.toString()));
-                if (heard)
-                    heard(changes.constLast());
-            });
-}

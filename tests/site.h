@@ -86,12 +86,4 @@ private:
     QTemporaryDir m_storage;
 };
 
-/*! Notes every change of \a thing's states as "NAME VALUE", and of a maximum as "NAME max VALUE". */
-class StateWatch : public QObject
-{
-public:
-    explicit StateWatch(Thing *thing, const std::function<void(const QString &change)> &heard = {});
-    QStringList changes;
-};
-
 #endif // SITE_H
