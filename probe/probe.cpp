@@ -53,9 +53,13 @@ void tryHandshake(Step &step, const ProbeOptions &options)
     QSslSocket socket;
     socket.setPeerVerifyMode(QSslSocket::QueryPeer); // goes on even if the certificate is not trusted
     socket.connectToHostEncrypted(url.host(), quint16(url.port(isHttps ? 443 : 80)));
-    step.speaksTls = socket.waitForEncrypted(int(options.timeout.count()));
-    if (isHttps && !step.speaksTls)
+    const bool hasSucceeded = socket.waitForEncrypted(int(options.timeout.count()));
+    if (isHttps && !hasSucceeded)
         step.errorText = socket.errorString();
+    // This is OpenSSL's text for bytes that are not TLS. It has others for a handshake that either side refuses.
+    step.speaksTls = hasSucceeded
+        || (socket.error() == QAbstractSocket::SslHandshakeFailedError
+            && !socket.errorString().contains(QLatin1String("wrong version number")));
     const QList<QSslError> errors = socket.sslHandshakeErrors();
     for (const QSslError &error : errors)
         step.certificateErrors.append(error.errorString());

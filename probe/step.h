@@ -69,9 +69,9 @@ struct Step
     QJsonParseError notJson; //!< why it is null
     QString reply;           //!< the body to be shown
     bool setsCookie = false;
-    bool timedOut = false;  //!< the probe gave up waiting; there is no answer
-    bool speaksTls = false; //!< a TLS handshake has succeeded; it is tried if the failure may be due to TLS
-    QStringList certificateErrors; //!< why the certificate of that handshake is not trusted
+    bool timedOut = false;         //!< the probe gave up waiting; there is no answer
+    bool speaksTls = false;        //!< at the backend's port; examined only if the failure may be due to TLS
+    QStringList certificateErrors; //!< why the certificate that was found there is not trusted
     std::chrono::milliseconds duration{0};
 
     // The outcome.

@@ -87,20 +87,22 @@ bool isHttps(const Step &step)
 /*! Whether the TLS handshake has shown why \a step failed. */
 bool hasTlsFault(const Step &step)
 {
-    return mayBeDueToTls(step) && (step.speaksTls != isHttps(step) || !step.certificateErrors.isEmpty());
+    return mayBeDueToTls(step)
+        && (step.speaksTls != isHttps(step) || !step.certificateErrors.isEmpty()
+            || step.error == QNetworkReply::SslHandshakeFailedError);
 }
 
 void judgeTlsFault(Step &step)
 {
     if (!isHttps(step))
         step.problem("needs-https", "that port speaks TLS: did you mean https://?");
-    else if (step.speaksTls)
+    else if (!step.speaksTls)
+        step.problem("no-tls", "no TLS is spoken there: did you mean http://? (%1)", {step.errorText});
+    else if (step.certificateErrors.isEmpty())
+        step.problem("tls-failed", "the TLS handshake failed: %1", {step.errorText});
+    else
         step.problem("untrusted-certificate", "the backend's certificate is not trusted: %1",
                      {step.certificateErrors.join(QLatin1String("; "))});
-    else if (step.errorText.contains(QLatin1String("alert"))) // which is a message of TLS
-        step.problem("tls-failed", "the backend refuses the TLS handshake: %1", {step.errorText});
-    else
-        step.problem("no-tls", "no TLS is spoken there: did you mean http://? (%1)", {step.errorText});
 }
 
 void judgeFailure(Step &step)
