@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
-// Replies to the set-ups of a gateway, one after the other, and the wallbox things that come and go with them.
+// Replies to the set-ups of a gateway, one after the other, and the wallbox things that come and go with
+// them.
 
 #include "answeredsite.h"
 #include "fuzzing.h"

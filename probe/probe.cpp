@@ -44,8 +44,8 @@ void readReply(Step &step, QNetworkReply *reply)
         QString::fromUtf8(step.json.isNull() ? body : step.json.toJson(QJsonDocument::Compact)));
 }
 
-/*! Tries a TLS handshake with the backend, even for http://, because the failed request of \a step does not say what
-    is wrong. Nothing is sent over the connection. */
+/*! Tries a TLS handshake with the backend, even for http://, because the failed request of \a step does not
+    say what is wrong. Nothing is sent over the connection. */
 void tryHandshake(Step &step, const ProbeOptions &options)
 {
     const QUrl url(options.url, QUrl::TolerantMode);
@@ -56,7 +56,8 @@ void tryHandshake(Step &step, const ProbeOptions &options)
     const bool hasSucceeded = socket.waitForEncrypted(int(options.timeout.count()));
     if (isHttps && !hasSucceeded)
         step.errorText = socket.errorString();
-    // This is OpenSSL's text for bytes that are not TLS. It has others for a handshake that either side refuses.
+    // This is OpenSSL's text for bytes that are not TLS. It has others for a handshake that either side
+    // refuses.
     step.speaksTls = hasSucceeded
         || (socket.error() == QAbstractSocket::SslHandshakeFailedError
             && !socket.errorString().contains(QLatin1String("wrong version number")));

@@ -27,8 +27,8 @@ struct Finding
     QString wallbox; //!< infrastructure id; empty when the finding is about the backend as a whole
 };
 
-/*! One step of the check: what was asked, what was answered, and what that means. A plain value type. What it shows,
-    such as url, body, reply, details and findings, contains no secret. */
+/*! One step of the check: what was asked, what was answered, and what that means. A plain value type. What it
+    shows, such as url, body, reply, details and findings, contains no secret. */
 struct Step
 {
     enum Stage {
@@ -39,7 +39,8 @@ struct Step
         ChargeLimit,
     };
 
-    /*! Adds a finding. In \a text, %1 and so on stand for \a quotes: what the backend said or the user entered. */
+    /*! Adds a finding. In \a text, %1 and so on stand for \a quotes: what the backend said or the user
+        entered. */
     void problem(const char *code, const char *text, const QStringList &quotes = {});
     void warning(const char *code, const char *text, const QStringList &quotes = {});
     /*! Adds \a text to the last finding. */

@@ -22,7 +22,8 @@ void judgeUrl(Step &step, const QString &url);
 bool mayBeDueToTls(const Step &step);
 
 /*! Adds to \a step what its answer shows apart from the content: whether and when the backend answered. The
-    plugin does not use the online check, so a failure there is a warning unless every other request would fail too. */
+    plugin does not use the online check, so a failure there is a warning unless every other request would
+    fail too. */
 void judgeAnswer(Step &step);
 
 /*! Whether the error of \a step will meet every other request as well. */

@@ -159,8 +159,8 @@ void KilledHosts::checkStart()
     m_diskWasFull = false;
 }
 
-/*! Compares the \a things that the host has at its start with what was reported. After a host whose disk was full,
-    nothing may be missing of what that host had at its own start. */
+/*! Compares the \a things that the host has at its start with what was reported. After a host whose disk was
+    full, nothing may be missing of what that host had at its own start. */
 void KilledHosts::checkThings(const QJsonArray &things)
 {
     const QMap<QString, QJsonObject> reported = std::exchange(m_things, {});

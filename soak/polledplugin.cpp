@@ -240,8 +240,8 @@ bool PolledPlugin::shows(qint64 time) const
     return m_site.state(infraIdOf(wallboxCount), "timestamp").toLongLong() == time;
 }
 
-/*! The readings of \a time have arrived. Each adds the energy by which it is above the one before, unless that
-    was 0. So where replies overtake each other, some energy counts twice. */
+/*! The readings of \a time have arrived. Each adds the energy by which it is above the one before, unless
+    that was 0. So where replies overtake each other, some energy counts twice. */
 void PolledPlugin::arrive(qint64 time)
 {
     const Things wallboxes = m_site.wallboxes();
@@ -258,8 +258,8 @@ void PolledPlugin::arrive(qint64 time)
     }
 }
 
-/*! Waits for the \a expected limits, and checks what has arrived since the last poll. Under a fault, Qt sends a
-    request again when its connection ends before any answer; at times it gives up at once. */
+/*! Waits for the \a expected limits, and checks what has arrived since the last poll. Under a fault, Qt sends
+    a request again when its connection ends before any answer; at times it gives up at once. */
 void PolledPlugin::checkLimits(const QJsonObject &expected)
 {
     const bool isDisturbed = m_faultyPolls > 0;

@@ -11,7 +11,8 @@
 
 #include <random>
 
-/*! A daemon with the plugin and 32 wallboxes, checked after each poll. Actions, renewals of limits, jumps of the clock and faults come at random. */
+/*! A daemon with the plugin and 32 wallboxes, checked after each poll. Actions, renewals of limits, jumps of
+    the clock and faults come at random. */
 class PolledPlugin
 {
 public:
@@ -20,8 +21,8 @@ public:
     {
     }
 
-    /*! Adds the gateway, polls at least \a polls times, and removes it. Half of the wallboxes leave the group and come
-        back. */
+    /*! Adds the gateway, polls at least \a polls times, and removes it. Half of the wallboxes leave the group
+        and come back. */
     void run(int polls);
 
     QVector<Census> working;      //!< in the middle of each run, with all wallboxes and connections

@@ -13,8 +13,8 @@
 
 namespace {
 
-/*! By how much the least of the last ten censuses is above the greatest of the first ten. A single one may count
-    buffers that come and go, some 50 kB of them; what leaks is also in the next one. */
+/*! By how much the least of the last ten censuses is above the greatest of the first ten. A single one may
+    count buffers that come and go, some 50 kB of them; what leaks is also in the next one. */
 qint64 growthOf(const QVector<Census> &censuses, qint64 Census::*amount)
 {
     constexpr int compared = 10;

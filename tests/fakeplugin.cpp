@@ -53,8 +53,8 @@ void count(Thing *thing, const QString &state)
 
 } // namespace
 
-/*! Offers one thing; the existing one if there is one with this address. With the address "nobody" the discovery
-    does not finish, and with "broken" it fails. */
+/*! Offers one thing; the existing one if there is one with this address. With the address "nobody" the
+    discovery does not finish, and with "broken" it fails. */
 void FakePlugin::discoverThings(ThingDiscoveryInfo *info)
 {
     const ThingClass thingClass = metadata().thingClasses().findById(info->thingClassId());

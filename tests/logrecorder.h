@@ -8,8 +8,8 @@
 
 #include <functional>
 
-/*! Records what is logged in one category, from its construction to its destruction. Other messages are not affected.
-    One recorder at a time. */
+/*! Records what is logged in one category, from its construction to its destruction. Other messages are not
+    affected. One recorder at a time. */
 class LogRecorder
 {
 public:

@@ -4,7 +4,9 @@
 #include "pluginconsole.h"
 
 #include "json.h"
+#include "nameresolution.h"
 #include "waiting.h"
+#include "watchedapplication.h"
 
 #include <plugintimer.h>
 
@@ -19,10 +21,6 @@
 #include <QTextStream>
 #include <QTimer>
 
-#include <atomic>
-#include <ctime>
-#include <dlfcn.h>
-#include <netdb.h>
 #include <utility>
 
 namespace {
@@ -57,8 +55,8 @@ constexpr int slowness = 1;
 constexpr int smallness = 1;
 #endif
 
-/*! The bytes that \a words stand for: "<<3 x TEXT>>" is a repetition, in which # is the number; then come the escapes
-    \r, \n and \xHH. */
+/*! The bytes that \a words stand for: "<<3 x TEXT>>" is a repetition, in which # is the number; then come the
+    escapes \r, \n and \xHH. */
 QByteArray bytes(const QStringList &words)
 {
     static const QRegularExpression repetition("<<(\\d+) x (.+?)>>");
@@ -75,48 +73,7 @@ QByteArray bytes(const QStringList &words)
     return result;
 }
 
-/*! The time that this thread has used, in ms: neither another process nor the backend's work counts. */
-double threadTime()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
-}
-
-bool isBackend(const QObject *object)
-{
-    while (object && !qobject_cast<const QTcpServer *>(object))
-        object = object->parent();
-    return object;
-}
-
-std::atomic<bool> namesResolve{true};
-
 } // namespace
-
-// Qt asks this for addresses; the program's own comes before the C library's.
-// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the C library's names are reserved
-extern "C" int getaddrinfo(const char *name, const char *service, const addrinfo *hints, addrinfo **result)
-{
-    if (!namesResolve)
-        return EAI_AGAIN;
-    using Function = int (*)(const char *, const char *, const addrinfo *, addrinfo **);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "getaddrinfo"));
-    const bool isMadeUp = name && QByteArray(name).endsWith(".test");
-    return original(isMadeUp ? "127.0.0.1" : name, service, hints, result);
-}
-
-bool WatchedApplication::notify(QObject *receiver, QEvent *event)
-{
-    if (m_isBusy || isBackend(receiver))
-        return QCoreApplication::notify(receiver, event);
-    m_isBusy = true;
-    const double start = threadTime();
-    const bool result = QCoreApplication::notify(receiver, event);
-    longest = std::max(longest, threadTime() - start);
-    m_isBusy = false;
-    return result;
-}
 
 PluginConsole::PluginConsole()
 {
@@ -208,7 +165,8 @@ void PluginConsole::addFaultCommands()
         if (!backend.sendPart(operation(words.value(0)), bytes(words.mid(1))))
             qFatal("No \"%s\" is held.", qPrintable(words.value(0)));
     };
-    m_commands["names"] = [](const Words &words) { namesResolve = words.value(0) == "resolve"; };
+    m_commands["namesfail"] = [](const Words &) { setNamesResolve(false); };
+    m_commands["namesresolve"] = [](const Words &) { setNamesResolve(true); };
     // Uses all connections, so that later polls bring no new objects.
     m_commands["census"] = [&](const Words &) {
         backend.hold(ScriptedBackend::Values);

@@ -8,21 +8,7 @@
 #include "networkhandler.h"
 #include "site.h"
 
-#include <QCoreApplication>
 #include <QMap>
-
-/*! Measures for how long the event loop is not free. */
-class WatchedApplication : public QCoreApplication
-{
-public:
-    using QCoreApplication::QCoreApplication;
-    bool notify(QObject *receiver, QEvent *event) override;
-
-    double longest = 0; //!< ms of the thread's own time that the longest event has taken
-
-private:
-    bool m_isBusy = false;
-};
 
 /*! Drives a site by typed commands and prints what happens, for transcripts: transcripts/README.md
     describes the commands. All effects of a command are printed before the next one is read. */

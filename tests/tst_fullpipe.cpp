@@ -9,8 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/*! The host when the pipe that it writes to is full and is not read: a first signal cannot end it, but a second one
-    kills it. */
+/*! The host when the pipe that it writes to is full and is not read: a first signal cannot end it, but a
+    second one kills it. */
 class TestFullPipe : public QObject
 {
     Q_OBJECT

@@ -5,7 +5,8 @@
 
 #include <QtTest>
 
-/*! How the probe judges delays and failures that would take a transcript too long, or that depend on the machine. */
+/*! How the probe judges delays and failures that would take a transcript too long, or that depend on the
+    machine. */
 class TestProbe : public QObject
 {
     Q_OBJECT

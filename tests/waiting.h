@@ -10,8 +10,8 @@
     hold within a minute. */
 [[nodiscard]] bool waitFor(const std::function<bool()> &condition);
 
-/*! Handles events until nothing is left to do: no event is pending, and all other threads of the program sleep,
-    Qt's network thread among them. What a peer in this program was sent has then been answered, if it
+/*! Handles events until nothing is left to do: no event is pending, and all other threads of the program
+    sleep, Qt's network thread among them. What a peer in this program was sent has then been answered, if it
     answers. False when the program does not become idle within a minute. */
 [[nodiscard]] bool settle();
 
