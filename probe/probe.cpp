@@ -141,7 +141,8 @@ void Probe::askGroupInfo(Step &step)
 void Probe::askValues(Step &step)
 {
     // As many as the plugin has things for; it takes them in the order of the group info.
-    const QStringList wallboxes = m_maxCurrents.keys().mid(0, wallboxCount);
+    const QStringList group = m_maxCurrents.keys();
+    const QStringList wallboxes = group.mid(0, wallboxCount);
     const QJsonObject body = BackendApi::valuesBody(QJsonArray::fromStringList(wallboxes));
     if (post(step, BackendApi::valuesPath(m_options.groupId), body))
         readValues(step, wallboxes, QDateTime::currentDateTimeUtc());

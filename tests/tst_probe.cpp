@@ -49,7 +49,7 @@ void TestProbe::findings()
     step.duration = std::chrono::milliseconds(milliseconds);
     judgeAnswer(step);
     QStringList found;
-    for (const Finding &finding : step.findings)
+    for (const Finding &finding : qAsConst(step.findings))
         found.append((finding.severity == Problem ? "problem " : "warning ") + finding.code);
     QTEST(found.join(", "), "expected");
 }
