@@ -413,7 +413,7 @@ void PluginConsole::printAppeared(const ThingDescriptors &descriptors)
 {
     const auto jobs = m_site.daemon->findChildren<ThingSetupInfo *>();
     const bool early = std::any_of(jobs.cbegin(), jobs.cend(), [](const ThingSetupInfo *job) {
-        return job->thing()->thingClass().name == "vela" && !job->isFinished();
+        return !job->isFinished() && job->thing()->thingClass().name == "vela"; // a refused job has no thing
     });
     for (const ThingDescriptor &descriptor : descriptors)
         show("announced", (early ? "early " : "appeared ") + describe(descriptor));
