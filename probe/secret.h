@@ -8,8 +8,8 @@
 
 class CommandLine;
 
-/*! The group's secret: from the file that \a line names, else from the environment, else from the terminal. Ends
-    the program if there is none. */
+/*! The group's secret: from the file that \a line names, else from the environment, else from the terminal.
+    Ends the program if there is none. */
 QString readSecret(const CommandLine &line);
 
 #endif // SECRET_H

@@ -14,7 +14,7 @@ void soakWithKills(const QStringList &arguments)
     // clang-format off
     CommandLine line("Kills the host at random moments, and checks what the next one finds.", {
         {"kills", "How often to kill.", "N", "200"},
-        {"seed", "With the same number, the host is killed at the same moments, as far as possible.", "N", "1"},
+        {"seed", "The same number gives the same moments, as far as possible.", "N", "1"},
         {"nearly-full", "Use a file system of 64 kB that is nearly full for every other host. Needs root."},
     });
     // clang-format on

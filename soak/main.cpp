@@ -20,7 +20,7 @@ volatile std::sig_atomic_t endSignal = 0; // that has been received
 
 void require(bool holds, const QString &finding)
 {
-    if (endSignal != 0) // the way out ends the simulator and removes the storage
+    if (endSignal != 0) // the destructors end the simulator and remove the storage
         throw std::runtime_error("ended by a signal");
     if (!holds)
         throw std::runtime_error(finding.toStdString());

@@ -21,13 +21,13 @@ struct Program
     bool skips = false; // "< ..." came before: lines may be left out
 };
 
-/*! Plays one transcript; transcripts/README.md describes the language. Stops at the first difference. */
-class Player
+/*! Runs one transcript; transcripts/README.md describes the language. Stops at the first difference. */
+class TranscriptRunner
 {
 public:
-    explicit Player(const QStringList &definitions);
+    explicit TranscriptRunner(const QStringList &definitions);
     /*! What is wrong at \a line; empty if it holds. */
-    QString play(const QString &line);
+    QString run(const QString &line);
     /*! Ends the programs of a case. What is wrong with them; empty on success. */
     QString finishCase();
 
@@ -50,14 +50,14 @@ private:
     Program *m_program = nullptr; // the one that is typed into; m_programs owns it
 };
 
-Player::Player(const QStringList &definitions)
+TranscriptRunner::TranscriptRunner(const QStringList &definitions)
 {
     for (const QString &definition : definitions)
         m_definitions[definition.section('=', 0, 0)] = definition.section('=', 1);
     beginCase({});
 }
 
-QString Player::play(const QString &line)
+QString TranscriptRunner::run(const QString &line)
 {
     const QString order = line.section(' ', 0, 0);
     const QString text = line.section(' ', 1);
@@ -100,7 +100,7 @@ QString Player::play(const QString &line)
     return "there is no order \"" + order + '"';
 }
 
-void Player::beginCase(const QString &name)
+void TranscriptRunner::beginCase(const QString &name)
 {
     m_folder = std::make_unique<QTemporaryDir>();
     m_placeholders = m_definitions;
@@ -108,7 +108,7 @@ void Player::beginCase(const QString &name)
     m_placeholders["case"] = name;
 }
 
-QString Player::finishCase()
+QString TranscriptRunner::finishCase()
 {
     QString difference;
     for (const auto &[name, program] : m_programs) {
@@ -125,7 +125,7 @@ QString Player::finishCase()
     return difference;
 }
 
-QString Player::start(const QString &name, const QString &command)
+QString TranscriptRunner::start(const QString &name, const QString &command)
 {
     QStringList words = QProcess::splitCommand(filledIn(command));
     auto program = std::make_unique<Program>();
@@ -137,7 +137,7 @@ QString Player::start(const QString &name, const QString &command)
     return m_program->process.waitForStarted() ? QString() : "cannot start " + file;
 }
 
-QString Player::expectOutput(const QString &text)
+QString TranscriptRunner::expectOutput(const QString &text)
 {
     if (text == "...") {
         m_program->skips = true;
@@ -159,7 +159,7 @@ QString Player::expectOutput(const QString &text)
     }
 }
 
-QString Player::expectError(const QString &text)
+QString TranscriptRunner::expectError(const QString &text)
 {
     QProcess &process = m_program->process;
     QStringList seen;
@@ -182,7 +182,7 @@ QString Player::expectError(const QString &text)
     return done && found ? QString() : "standard error holds\n  " + seen.join("\n  ");
 }
 
-QString Player::expectStatus(int status)
+QString TranscriptRunner::expectStatus(int status)
 {
     QProcess &process = m_program->process;
     if (!waitFor([&] { return process.state() == QProcess::NotRunning; }))
@@ -198,7 +198,7 @@ QString Player::expectStatus(int status)
             + QString::fromUtf8(process.readAllStandardError());
 }
 
-QString Player::runShell(const QString &script)
+QString TranscriptRunner::runShell(const QString &script)
 {
     QProcess shell;
     shell.setWorkingDirectory(m_folder->path());
@@ -209,12 +209,12 @@ QString Player::runShell(const QString &script)
     return shell.exitCode() == 0 ? QString() : "the command fails: " + shell.readAll();
 }
 
-QString Player::signal(const QString &name)
+QString TranscriptRunner::signal(const QString &name)
 {
     return runShell(QString("kill -s %1 %2").arg(name).arg(m_program->process.processId()));
 }
 
-QString Player::filledIn(QString text) const
+QString TranscriptRunner::filledIn(QString text) const
 {
     for (const auto &[name, value] : m_placeholders)
         text.replace('%' + name + '%', value);
@@ -222,7 +222,7 @@ QString Player::filledIn(QString text) const
 }
 
 /*! Compares a whole \a line; placeholders that have no value yet take theirs from it. */
-bool Player::matches(const QString &text, const QString &line)
+bool TranscriptRunner::matches(const QString &text, const QString &line)
 {
     static const QRegularExpression placeholder("%([a-zA-Z]+|\\*)%");
     const QString filled = filledIn(text);
@@ -255,7 +255,7 @@ bool Player::matches(const QString &text, const QString &line)
 
 } // namespace
 
-/*! Plays the transcript FILE, with placeholders NAME=VALUE. Status 0 if all of it holds. */
+/*! Runs the transcript FILE, with placeholders NAME=VALUE. Status 0 if all of it holds. */
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
@@ -265,23 +265,24 @@ int main(int argc, char **argv)
     QFile file(arguments.at(1));
     if (!file.open(QIODevice::ReadOnly))
         qFatal("Cannot read %s.", qPrintable(file.fileName()));
-    Player player(arguments.mid(2));
+    TranscriptRunner runner(arguments.mid(2));
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
-    bool plays = !file.fileName().endsWith(".md"); // in a document, only what is fenced as a transcript
+    // In a document, only what is fenced as a transcript.
+    bool isTranscript = !file.fileName().endsWith(".md");
     for (int i = 0; i < lines.size(); ++i) {
         if (lines.at(i).startsWith("```")) {
-            plays = lines.at(i) == "```transcript";
+            isTranscript = lines.at(i) == "```transcript";
             continue;
         }
-        const QString difference = plays ? player.play(lines.at(i)) : QString();
+        const QString difference = isTranscript ? runner.run(lines.at(i)) : QString();
         if (difference.isEmpty())
             continue;
         qCritical("%s:%d: %s\nbut %s", qPrintable(file.fileName()), i + 1, qPrintable(lines.at(i)),
                   qPrintable(difference));
-        player.finishCase();
+        runner.finishCase();
         return 1;
     }
-    const QString difference = player.finishCase();
+    const QString difference = runner.finishCase();
     if (!difference.isEmpty())
         qCritical("%s: %s", qPrintable(file.fileName()), qPrintable(difference));
     return difference.isEmpty() ? 0 : 1;
