@@ -96,7 +96,11 @@ QJsonValue WebDriver::run(const QString &script)
 
 void WebDriver::wait(const QString &expression, const QString &details)
 {
-    const bool done = waitFor([&] { return value(expression).toBool() || !m_error.isEmpty(); });
+    // An element of the page may not be there yet, or no longer.
+    const QString condition = QString("(() => { try { return %1 } catch (error) { "
+                                      "if (error instanceof TypeError) return false; throw error } })()")
+                                  .arg(expression);
+    const bool done = waitFor([&] { return value(condition).toBool() || !m_error.isEmpty(); });
     if (!done)
         m_error = expression + " is not true; now: " + value(details).toVariant().toString();
 }
