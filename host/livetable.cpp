@@ -13,16 +13,31 @@
 
 namespace {
 
-/*! A wallbox, and what its cells depend on besides. */
-struct Row
+/*! How a wallbox in a state of ChargePointStatus is shown. The state "pluggedIn" does not say whether there is a
+    car: it is true for every wallbox that the backend reports. */
+struct Appearance
 {
-    const Thing *wallbox;
-    bool isManaged; // there has been an action on a wallbox of its gateway
-    bool isConnected;
-    bool unicode;
-    int barWidth;
-    qint64 now;
+    const char *state;
+    const char *car;
+    const char *colour; // an ANSI code
 };
+constexpr Appearance appearances[] = {
+    {"Charging",      "charging", "32"  },
+    {"Preparing",     "plugged",  "33"  },
+    {"SuspendedEV",   "plugged",  "33"  },
+    {"SuspendedEVSE", "plugged",  "33"  },
+    {"Finishing",     "plugged",  "33"  },
+    {"Faulted",       "-",        "1;31"},
+    {"Reserved",      "-",        "36"  },
+    {"Available",     "-",        "36"  },
+    {"",              "-",        "2"   }, // all others, also wallboxes that are not connected
+};
+
+const Appearance &appearanceOf(const QString &state)
+{
+    return *std::find_if(std::begin(appearances), std::end(appearances) - 1,
+                         [&state](const Appearance &known) { return state == QLatin1String(known.state); });
+}
 
 QString decimals(double value, int count)
 {
@@ -30,9 +45,9 @@ QString decimals(double value, int count)
 }
 
 /*! A measured value of a wallbox that is not connected says nothing about now. */
-QString measured(const Row &row, const QString &text)
+QString measured(const Thing *wallbox, const QString &text)
 {
-    return row.isConnected ? text : QStringLiteral("-");
+    return isOn(wallbox, "connected") ? text : QStringLiteral("-");
 }
 
 /*! In A, of the phase that carries most. */
@@ -42,79 +57,52 @@ double current(const Thing *wallbox)
                      number(wallbox, "currentPhaseC")});
 }
 
-QString nameText(const Row &row)
+QString stateText(const Thing *wallbox)
 {
-    return printable(row.wallbox->name());
+    return isOn(wallbox, "connected") ? printable(wallbox->stateValue(QStringLiteral("state")).toString())
+                                      : QStringLiteral("not connected");
 }
 
-QString stateText(const Row &row)
+QString barText(const Thing *wallbox, int width, bool unicode)
 {
-    return row.isConnected ? printable(row.wallbox->stateValue(QStringLiteral("state")).toString())
-                           : QStringLiteral("not connected");
-}
-
-/*! Not from the state "pluggedIn": that is true for every wallbox that the backend reports. */
-QString carText(const Row &row)
-{
-    if (isInState(row.wallbox, {"Charging"}))
-        return QStringLiteral("charging");
-    const bool hasCar = isInState(row.wallbox, {"Preparing", "SuspendedEV", "SuspendedEVSE", "Finishing"});
-    return hasCar ? QStringLiteral("plugged") : QStringLiteral("-");
-}
-
-QString barText(const Row &row)
-{
-    const double limit = number(row.wallbox, "maxChargingCurrent");
-    const double share =
-        row.isConnected && limit > 0 ? std::clamp(current(row.wallbox) / limit, 0.0, 1.0) : 0.0;
-    const int full = qRound(share * row.barWidth);
-    const QChar fullSign = row.unicode ? QChar(0x2588) : QLatin1Char('#');
-    const QChar emptySign = row.unicode ? QChar(0x2591) : QLatin1Char('.');
-    return QString(full, fullSign) + QString(row.barWidth - full, emptySign);
+    const double limit = number(wallbox, "maxChargingCurrent");
+    const bool isShown = isOn(wallbox, "connected") && limit > 0;
+    const int full = isShown ? qRound(std::clamp(current(wallbox) / limit, 0.0, 1.0) * width) : 0;
+    const QChar fullSign = unicode ? QChar(0x2588) : QLatin1Char('#');
+    const QChar emptySign = unicode ? QChar(0x2591) : QLatin1Char('.');
+    return QString(full, fullSign) + QString(width - full, emptySign);
 }
 
 /*! The current and its limit: "off" for a wallbox that is limited to 0 A, "-" for one that is not limited.
     The plugin limits wallboxes that are not enabled only after an action on one of them, some seconds later. */
-QString currentText(const Row &row)
+QString currentText(const Thing *wallbox, bool isManaged)
 {
-    const double ampere = current(row.wallbox);
-    QString limit = row.isManaged && ampere == 0 ? QStringLiteral("off") : QStringLiteral("-");
-    if (isOn(row.wallbox, "power"))
-        limit = decimals(number(row.wallbox, "maxChargingCurrent"), 0);
-    return measured(row, decimals(ampere, 1)) + QLatin1Char('/') + limit;
+    const double ampere = current(wallbox);
+    QString limit = isManaged && ampere == 0 ? QStringLiteral("off") : QStringLiteral("-");
+    if (isOn(wallbox, "power"))
+        limit = decimals(number(wallbox, "maxChargingCurrent"), 0);
+    return measured(wallbox, decimals(ampere, 1)) + QLatin1Char('/') + limit;
 }
 
-QString powerText(const Row &row)
+QString ageText(const Thing *wallbox, qint64 now)
 {
-    return measured(row, decimals(number(row.wallbox, "currentPower") / 1000, 2));
-}
-
-QString sessionText(const Row &row)
-{
-    return decimals(number(row.wallbox, "sessionEnergy"), 2);
-}
-
-QString totalText(const Row &row)
-{
-    return decimals(number(row.wallbox, "totalEnergyConsumed"), 1);
-}
-
-QString ageText(const Row &row)
-{
-    const qint64 timestamp = row.wallbox->stateValue(QStringLiteral("timestamp")).toLongLong();
+    const qint64 timestamp = wallbox->stateValue(QStringLiteral("timestamp")).toLongLong();
     if (timestamp == 0)
         return QStringLiteral("-"); // there are no values yet
-    const qint64 age = std::max<qint64>(0, row.now - timestamp);
-    constexpr std::pair<qint64, char> units[] = {
-        {86400, 'd'},
-        {3600,  'h'},
-        {60,    'm'}
-    };
-    for (const auto &[seconds, sign] : units) {
-        if (age >= 2 * seconds)
-            return QString::number(std::min<qint64>(99, age / seconds)) + QLatin1Char(sign);
+    const qint64 age = std::max<qint64>(0, now - timestamp);
+    qint64 count = age;
+    char unit = 's';
+    for (const auto &[seconds, sign] : {
+             std::pair{60,    'm'},
+             std::pair{3600,  'h'},
+             std::pair{86400, 'd'}
+    }) {
+        if (age >= 2 * seconds) {
+            count = age / seconds;
+            unit = sign;
+        }
     }
-    return QString::number(std::min<qint64>(99, age)) + QLatin1Char('s');
+    return QString::number(std::min<qint64>(99, count)) + QLatin1Char(unit);
 }
 
 constexpr struct
@@ -124,17 +112,16 @@ constexpr struct
     int width;      // of name and bar: the least
     bool isNumber;  // aligned to the right
     int importance; // the least important column is left out first
-    QString (*text)(const Row &row);
 } columns[] = {
-    {"Wallbox",    "",           7,  false, 9, nameText   },
-    {"OCPP state", "",           13, false, 8, stateText  },
-    {"Car",        "",           8,  false, 4, carText    },
-    {"",           "",           6,  false, 2, barText    },
-    {"Current",    "A of limit", 10, true,  7, currentText},
-    {"Power",      "kW",         6,  true,  6, powerText  },
-    {"Session",    "kWh",        7,  true,  5, sessionText},
-    {"Total",      "kWh",        8,  true,  1, totalText  },
-    {"Age",        "",           3,  true,  3, ageText    },
+    {"Wallbox",    "",           7,  false, 9},
+    {"OCPP state", "",           13, false, 8},
+    {"Car",        "",           8,  false, 4},
+    {"",           "",           6,  false, 2},
+    {"Current",    "A of limit", 10, true,  7},
+    {"Power",      "kW",         6,  true,  6},
+    {"Session",    "kWh",        7,  true,  5},
+    {"Total",      "kWh",        8,  true,  1},
+    {"Age",        "",           3,  true,  3},
 };
 constexpr int columnCount = std::size(columns);
 constexpr int nameColumn = 0;
@@ -200,31 +187,21 @@ QString line(const QStringList &cells, const Widths &widths, const TableStyle &s
     return result;
 }
 
-QString stateColour(const QString &state)
+QString wallboxLine(const Thing *wallbox, const WallboxTable &table, const Widths &widths,
+                    const TableStyle &style)
 {
-    constexpr std::pair<const char *, const char *> colours[] = {
-        {"Charging",      "32"  },
-        {"Preparing",     "33"  },
-        {"SuspendedEV",   "33"  },
-        {"SuspendedEVSE", "33"  },
-        {"Finishing",     "33"  },
-        {"Faulted",       "1;31"},
-        {"Reserved",      "36"  },
-        {"Available",     "36"  }
-    };
-    for (const auto &[name, colour] : colours) {
-        if (state == QLatin1String(name))
-            return QLatin1String(colour);
-    }
-    return QStringLiteral("2");
-}
-
-QString wallboxLine(const Row &row, const Widths &widths, const TableStyle &style)
-{
-    QStringList cells;
-    for (const auto &column : columns)
-        cells.append(column.text(row));
-    return line(cells, widths, style, style.colour ? stateColour(stateText(row)) : QString());
+    const QString state = stateText(wallbox);
+    const Appearance &appearance = appearanceOf(state);
+    const QStringList cells{printable(wallbox->name()),
+                            state,
+                            QLatin1String(appearance.car),
+                            barText(wallbox, widths[barColumn], style.unicode),
+                            currentText(wallbox, table.gateways.contains(wallbox->parentId())),
+                            measured(wallbox, decimals(number(wallbox, "currentPower") / 1000, 2)),
+                            decimals(number(wallbox, "sessionEnergy"), 2),
+                            decimals(number(wallbox, "totalEnergyConsumed"), 1),
+                            ageText(wallbox, table.now)};
+    return line(cells, widths, style, style.colour ? QLatin1String(appearance.colour) : QLatin1String());
 }
 
 double sum(const Things &wallboxes, const char *state)
@@ -268,15 +245,8 @@ QStringList liveTable(const WallboxTable &table, const TableStyle &style)
     }
     QStringList lines{line(titles, widths, style), line(units, widths, style)};
     const QList<Thing *> shown = table.wallboxes.mid(0, style.maxRows);
-    for (const Thing *wallbox : shown) {
-        const Row row{wallbox,
-                      table.gateways.contains(wallbox->parentId()),
-                      isOn(wallbox, "connected"),
-                      style.unicode,
-                      widths[barColumn],
-                      table.now};
-        lines.append(wallboxLine(row, widths, style));
-    }
+    for (const Thing *wallbox : shown)
+        lines.append(wallboxLine(wallbox, table, widths, style));
     if (table.wallboxes.size() > style.maxRows)
         lines.append(QStringLiteral("and %1 more; a taller window shows them")
                          .arg(table.wallboxes.size() - style.maxRows)
