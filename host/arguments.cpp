@@ -10,21 +10,6 @@
 
 namespace {
 
-/*! The words of \a line; none where it is blank or GLib refuses it. */
-QStringList shellWords(const QByteArray &line, bool *isRefused)
-{
-    GError *error = nullptr;
-    gchar **words = nullptr;
-    g_shell_parse_argv(line.constData(), nullptr, &words, &error);
-    *isRefused = error && error->code != G_SHELL_ERROR_EMPTY_STRING;
-    QStringList result;
-    for (gchar **word = words; word && *word; ++word)
-        result.append(QString::fromUtf8(*word));
-    g_strfreev(words);
-    g_clear_error(&error);
-    return result;
-}
-
 QString idText(const Thing *thing)
 {
     return thing->id().toString(QUuid::WithoutBraces);
@@ -61,18 +46,19 @@ tl::expected<QStringList, QString> splitWords(const QString &line)
 {
     // To GLib a carriage return is a part of a word.
     const QByteArray text = QString(line).replace(QLatin1Char('\r'), QLatin1Char(' ')).toUtf8();
-    bool isRefused = false;
-    const QStringList result = shellWords(text, &isRefused);
-    if (!isRefused)
-        return result;
-    // GLib's own message is in the language of the environment. So find out which character would complete the
-    // line.
-    shellWords(text + 'x', &isRefused);
-    if (!isRefused)
-        return tl::unexpected(QStringLiteral("Trailing backslash."));
-    shellWords(text + '\'', &isRefused);
-    return tl::unexpected(
-        QStringLiteral("A quote (%1) is not closed.").arg(isRefused ? QLatin1Char('"') : QLatin1Char('\'')));
+    GError *error = nullptr;
+    gchar **words = nullptr;
+    g_shell_parse_argv(text.constData(), nullptr, &words, &error);
+    const bool isRefused = error && error->code != G_SHELL_ERROR_EMPTY_STRING;
+    QStringList result;
+    for (gchar **word = words; word && *word; ++word)
+        result.append(QString::fromUtf8(*word));
+    g_strfreev(words);
+    g_clear_error(&error); // Its message would be in the language of the environment.
+    if (isRefused)
+        return tl::unexpected(
+            QStringLiteral("A quote (' or \") is not closed, or the line ends with a backslash."));
+    return result;
 }
 
 tl::expected<ParamList, QString> readAssignments(const QStringList &assignments, const ParamTypes &types)

@@ -8,20 +8,12 @@
 
 namespace {
 
-/*! Where the last word of \a text begins. */
+/*! Where the last word of \a text begins: after the last blank that is not within quotes. */
 int lastWord(const QString &text)
 {
-    int begin = 0;
-    QChar quote;
-    for (int i = 0; i < text.size(); ++i) {
-        const QChar character = text.at(i);
-        if (!quote.isNull())
-            quote = character == quote ? QChar() : quote;
-        else if (character == QLatin1Char('"') || character == QLatin1Char('\''))
-            quote = character;
-        else if (character == QLatin1Char(' '))
-            begin = i + 1;
-    }
+    int begin = text.size();
+    while (begin > 0 && (text.at(begin - 1) != QLatin1Char(' ') || !splitWords(text.left(begin - 1))))
+        --begin;
     return begin;
 }
 
