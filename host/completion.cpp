@@ -17,9 +17,24 @@ int lastWord(const QString &text)
     return begin;
 }
 
-QString quoted(const QString &word)
+/*! What a word is read as that may not be finished: a quote may be open. */
+QString unquoted(const QString &typed)
 {
-    return word.contains(QLatin1Char(' ')) ? QStringLiteral("\"%1\"").arg(word) : word;
+    for (const char *end : {"", "\"", "'"}) {
+        const auto words = splitWords(typed + QLatin1String(end));
+        if (words)
+            return words->value(0);
+    }
+    return typed;
+}
+
+/*! The opposite: with quotes only if \a word needs them. */
+QString quoted(QString word)
+{
+    if (splitWords(word) == QStringList{word})
+        return word;
+    word.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\""));
+    return QStringLiteral("\"%1\"").arg(word);
 }
 
 QStringList thingNames(const Things &things)
@@ -72,9 +87,8 @@ Completions completionsFor(const Daemon &daemon, const QString &before)
 {
     const int begin = lastWord(before);
     const auto words = splitWords(before.left(begin));
-    QString typed = before.mid(begin);
-    Completions result{typed.size(), {}};
-    typed.remove(QLatin1Char('"')).remove(QLatin1Char('\''));
+    const QString typed = unquoted(before.mid(begin));
+    Completions result{before.size() - begin, {}};
     const QStringList candidates = nextWords(daemon, words.value_or(QStringList()));
     for (const QString &word : candidates) {
         if (word.startsWith(typed))
