@@ -20,16 +20,15 @@ tl::expected<Thing *, QString> thingNamed(const CommandContext *context, const Q
     return findThing(context->daemon->configuredThings(), text);
 }
 
-tl::expected<Message, QString> listClasses(CommandContext *context, const QStringList &)
+Outcome listClasses(CommandContext *context, const QStringList &)
 {
     QJsonArray objects;
     QVector<QStringList> rows;
     const ThingClasses classes = context->daemon->thingClasses();
     for (const ThingClass &thingClass : classes) {
         objects.append(classObject(thingClass));
-        QStringList origins{thingClass.createMethods.join(QLatin1Char(','))};
-        for (const ParamType &type : thingClass.discoveryParamTypes)
-            origins.append(type.name);
+        const QStringList origins = QStringList{thingClass.createMethods.join(QLatin1Char(','))}
+            + nameList(thingClass.discoveryParamTypes);
         rows.append({thingClass.name, thingClass.displayName, origins.join(QLatin1Char(' '))});
     }
     return Message{{{QStringLiteral("classes"), objects}}, aligned(rows)};
@@ -51,7 +50,7 @@ Message takeOffers(CommandContext *context, const ThingDiscoveryInfo *info)
     return {{{QStringLiteral("offers"), objects}}, aligned(rows)};
 }
 
-tl::expected<StartedJob, QString> discoverThings(CommandContext *context, const QStringList &arguments)
+Outcome discoverThings(CommandContext *context, const QStringList &arguments)
 {
     ThingClasses classes = context->daemon->thingClasses();
     const ThingClass thingClass = classes.findByName(arguments.first());
@@ -70,7 +69,7 @@ tl::expected<StartedJob, QString> discoverThings(CommandContext *context, const 
     });
 }
 
-tl::expected<StartedJob, QString> addOffer(CommandContext *context, const QStringList &arguments)
+Outcome addOffer(CommandContext *context, const QStringList &arguments)
 {
     bool isNumber = false;
     const int index = arguments.first().toInt(&isNumber) - 1;
@@ -94,7 +93,7 @@ tl::expected<StartedJob, QString> addOffer(CommandContext *context, const QStrin
         }};
 }
 
-tl::expected<Message, QString> listThings(CommandContext *context, const QStringList &)
+Outcome listThings(CommandContext *context, const QStringList &)
 {
     QJsonArray objects;
     QVector<QStringList> rows;
@@ -108,7 +107,7 @@ tl::expected<Message, QString> listThings(CommandContext *context, const QString
     return Message{{{QStringLiteral("things"), objects}}, aligned(rows)};
 }
 
-tl::expected<Message, QString> showThing(CommandContext *context, const QStringList &arguments)
+Outcome showThing(CommandContext *context, const QStringList &arguments)
 {
     return thingNamed(context, arguments.first()).map([context](const Thing *thing) {
         const Thing *parent = context->daemon->configuredThings().findById(thing->parentId());
@@ -117,7 +116,7 @@ tl::expected<Message, QString> showThing(CommandContext *context, const QStringL
     });
 }
 
-tl::expected<StartedJob, QString> setState(CommandContext *context, const QStringList &arguments)
+Outcome setState(CommandContext *context, const QStringList &arguments)
 {
     const auto found = thingNamed(context, arguments.at(0));
     if (!found)
@@ -136,14 +135,14 @@ tl::expected<StartedJob, QString> setState(CommandContext *context, const QStrin
         }};
 }
 
-tl::expected<StartedJob, QString> setUpThing(CommandContext *context, const QStringList &arguments)
+Outcome setUpThing(CommandContext *context, const QStringList &arguments)
 {
     return thingNamed(context, arguments.first()).map([context](Thing *thing) {
         return StartedJob{context->daemon->setup(thing), [] { return Message(); }};
     });
 }
 
-tl::expected<Message, QString> removeThing(CommandContext *context, const QStringList &arguments)
+Outcome removeThing(CommandContext *context, const QStringList &arguments)
 {
     return thingNamed(context, arguments.first()).map([context](Thing *thing) {
         context->daemon->remove(thing);
@@ -151,19 +150,19 @@ tl::expected<Message, QString> removeThing(CommandContext *context, const QStrin
     });
 }
 
-tl::expected<Pause, QString> watchWallboxes(CommandContext *, const QStringList &arguments)
+Outcome watchWallboxes(CommandContext *, const QStringList &arguments)
 {
     if (arguments.isEmpty())
         return Pause{{}, true};
     return readSeconds(arguments.first()).map([](auto time) { return Pause{time, true}; });
 }
 
-tl::expected<Pause, QString> letTimePass(CommandContext *, const QStringList &arguments)
+Outcome letTimePass(CommandContext *, const QStringList &arguments)
 {
     return readSeconds(arguments.first()).map([](auto time) { return Pause{time, false}; });
 }
 
-tl::expected<Message, QString> balanceLoad(CommandContext *context, const QStringList &arguments)
+Outcome balanceLoad(CommandContext *context, const QStringList &arguments)
 {
     if (arguments.first() == QLatin1String("off")) {
         context->balancer->stop();
@@ -179,7 +178,7 @@ tl::expected<Message, QString> balanceLoad(CommandContext *context, const QStrin
     return Message{{}, {QStringLiteral("The cars share %1 W; \"balance off\" ends it.").arg(power)}};
 }
 
-tl::expected<Message, QString> showHelp(CommandContext *, const QStringList &)
+Outcome showHelp(CommandContext *, const QStringList &)
 {
     QJsonArray objects;
     QVector<QStringList> rows;
@@ -194,7 +193,7 @@ tl::expected<Message, QString> showHelp(CommandContext *, const QStringList &)
     return Message{{{QStringLiteral("commands"), objects}}, aligned(rows)};
 }
 
-tl::expected<Message, QString> quitHost(CommandContext *, const QStringList &)
+Outcome quitHost(CommandContext *, const QStringList &)
 {
     return Message{{}, {}, true};
 }
@@ -204,19 +203,19 @@ tl::expected<Message, QString> quitHost(CommandContext *, const QStringList &)
 const QVector<Command> &commands()
 {
     static const QVector<Command> table{
-        {"classes",  "",                        "list the plugin's thing classes",          listClasses   },
-        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",               discoverThings},
-        {"add",      "N",                       "add or reconfigure the N-th offer",        addOffer      },
-        {"things",   "",                        "list all things",                          listThings    },
-        {"show",     "THING",                   "show a thing's parameters and states",     showThing     },
-        {"set",      "THING STATE VALUE",       "set a writable state",                     setState      },
-        {"setup",    "THING",                   "run a thing's set-up again",               setUpThing    },
-        {"remove",   "THING",                   "remove a thing, its children first",       removeThing   },
-        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",   watchWallboxes},
-        {"balance",  "WATT",                    "share a power among the cars, or \"off\"", balanceLoad   },
-        {"wait",     "SECONDS",                 "let time pass",                            letTimePass   },
-        {"help",     "",                        "show this list",                           showHelp      },
-        {"quit",     "",                        "end the host; its things stay stored",     quitHost      },
+        {"classes",  "",                        "list the plugin's thing classes",          false, listClasses   },
+        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",               true,  discoverThings},
+        {"add",      "N",                       "add or reconfigure the N-th offer",        true,  addOffer      },
+        {"things",   "",                        "list all things",                          false, listThings    },
+        {"show",     "THING",                   "show a thing's parameters and states",     false, showThing     },
+        {"set",      "THING STATE VALUE",       "set a writable state",                     true,  setState      },
+        {"setup",    "THING",                   "run a thing's set-up again",               true,  setUpThing    },
+        {"remove",   "THING",                   "remove a thing, its children first",       false, removeThing   },
+        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",   false, watchWallboxes},
+        {"balance",  "WATT",                    "share a power among the cars, or \"off\"", false, balanceLoad   },
+        {"wait",     "SECONDS",                 "let time pass",                            false, letTimePass   },
+        {"help",     "",                        "show this list",                           false, showHelp      },
+        {"quit",     "",                        "end the host; its things stay stored",     false, quitHost      },
     };
     return table;
 }

@@ -36,11 +36,8 @@ struct Pause
     bool showsWallboxes = false;                   //!< meanwhile, every second
 };
 
-/*! Carries out a command. What it returns is the answer, now or later; the error says what is wrong with the
-    arguments. \a context must outlive a started job. */
-template <typename Result>
-using CommandFunction = tl::expected<Result, QString> (*)(CommandContext *context,
-                                                          const QStringList &arguments);
+/*! The answer, now or later, or the sentence that says what is wrong with the arguments. */
+using Outcome = tl::expected<std::variant<Message, StartedJob, Pause>, QString>;
 
 /*! A command of the host: a row of the table at the end of the source. */
 struct Command
@@ -48,13 +45,13 @@ struct Command
     const char *name;
     const char *arguments; //!< what follows, for the reader and for counting; optional in brackets
     const char *summary;
-    std::variant<CommandFunction<Message>, CommandFunction<StartedJob>, CommandFunction<Pause>> run;
+    bool startsJob; //!< what it returns is a StartedJob
+    Outcome (*run)(CommandContext *context, const QStringList &arguments); //!< a started job needs \a context
 
     QString usage() const;
     /*! The name of the argument at \a index, counted from 0, without brackets; empty where there is none. */
     QString argument(int index) const;
     bool takes(int argumentCount) const;
-    bool startsJob() const { return std::holds_alternative<CommandFunction<StartedJob>>(run); }
 };
 
 const QVector<Command> &commands();

@@ -74,15 +74,10 @@ void Session::execute(const QString &line)
     const QStringList arguments = words->mid(1);
     if (!m_command->takes(arguments.size()))
         return refuse(QStringLiteral("Usage: ") + m_command->usage().trimmed());
-    std::visit(
-        [&](auto function) {
-            const auto result = function(&m_context, arguments);
-            if (result)
-                answer(*result);
-            else
-                refuse(result.error());
-        },
-        m_command->run);
+    const Outcome outcome = m_command->run(&m_context, arguments);
+    if (!outcome)
+        return refuse(outcome.error());
+    std::visit([this](const auto &result) { answer(result); }, *outcome);
 }
 
 void Session::answer(const StartedJob &started)
@@ -128,7 +123,7 @@ void Session::endPause()
 /*! All answers to a command that starts a job have the same members, also when no job has begun. */
 void Session::refuse(const QString &reason)
 {
-    if (m_command && m_command->startsJob())
+    if (m_command && m_command->startsJob)
         answerJob({}, Thing::ThingErrorInvalidParameter, reason, reason);
     else
         answer(Message(), reason);
