@@ -140,7 +140,7 @@ ThingSetupInfo *Daemon::add(const ThingDescriptor &descriptor)
     const auto params = checkParams(descriptor.params(), thingClass.paramTypes);
     if (!params)
         return refuse(Thing::ThingErrorInvalidParameter, params.error());
-    if (!descriptor.parentId().isNull() && !find(descriptor.parentId()))
+    if (!descriptor.parentId().isNull() && !allThings().findById(descriptor.parentId()))
         return refuse(Thing::ThingErrorThingNotFound, tr("The parent thing does not exist."));
     if (descriptor.thingId().isNull())
         return addNew(descriptor, thingClass, *params);
@@ -195,7 +195,7 @@ ThingSetupInfo *Daemon::runSetup(Thing *thing)
 void Daemon::onSetupFinished(ThingSetupInfo *info)
 {
     Thing *thing = info->thing();
-    if (!find(thing->id()))
+    if (!allThings().contains(thing))
         return; // removed meanwhile
     const bool succeeded = info->status() == Thing::ThingErrorNoError;
     thing->setSetupStatus(succeeded ? Thing::ThingSetupStatusComplete : Thing::ThingSetupStatusFailed,
@@ -226,7 +226,7 @@ void Daemon::discard(Thing *thing)
 {
     qCWarning(dcHost) << thing << "is not kept: its set-up failed with" << thing->setupError()
                       << thing->setupDisplayMessage();
-    const Things children = childrenOf(thing);
+    const Things children = allThings().filterByParentId(thing->id());
     for (Thing *child : children)
         remove(child);
     m_newThings.removeOne(thing);
@@ -282,7 +282,7 @@ ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const Q
 
 void Daemon::remove(Thing *thing)
 {
-    const Things children = childrenOf(thing);
+    const Things children = allThings().filterByParentId(thing->id());
     for (Thing *child : children)
         remove(child);
     commit();
@@ -316,7 +316,7 @@ void Daemon::onAutoThingsAppeared(const ThingDescriptors &descriptors)
 
 void Daemon::onAutoThingDisappeared(const ThingId &thingId)
 {
-    if (Thing *thing = find(thingId))
+    if (Thing *thing = allThings().findById(thingId))
         remove(thing);
     else
         qCWarning(dcHost) << "Unknown thing reported as gone:" << thingId;
@@ -392,17 +392,4 @@ template <typename Job> Job *Daemon::refused(Job *job, Thing::ThingError error, 
 {
     job->finish(error, message);
     return job;
-}
-
-Thing *Daemon::find(const ThingId &thingId) const
-{
-    Thing *thing = m_things.findById(thingId);
-    return thing ? thing : m_newThings.findById(thingId);
-}
-
-Things Daemon::childrenOf(const Thing *thing) const
-{
-    Things children = m_things.filterByParentId(thing->id());
-    children += m_newThings.filterByParentId(thing->id());
-    return children;
 }

@@ -111,8 +111,7 @@ private:
     void storeThings();
 
     template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QString &message);
-    Thing *find(const ThingId &thingId) const;
-    Things childrenOf(const Thing *thing) const;
+    Things allThings() const { return m_things + m_newThings; }
 
     const DaemonOptions m_options;
     StorageFolder m_folder;
