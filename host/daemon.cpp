@@ -49,6 +49,12 @@ ino_t fileNumber(const QSettings &settings)
     return ::stat(QFile::encodeName(settings.fileName()).constData(), &file) == 0 ? file.st_ino : 0;
 }
 
+template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QString &message)
+{
+    job->finish(error, message);
+    return job;
+}
+
 } // namespace
 
 Daemon::Daemon(const DaemonOptions &options, QObject *parent)
@@ -386,10 +392,4 @@ void Daemon::storeThings()
     const QString error = m_store.write(m_things);
     m_unsaved = !error.isEmpty();
     logStoring(error, &m_storeError, "The things are stored again.");
-}
-
-template <typename Job> Job *Daemon::refused(Job *job, Thing::ThingError error, const QString &message)
-{
-    job->finish(error, message);
-    return job;
 }

@@ -110,7 +110,6 @@ private:
     void storeSettings();
     void storeThings();
 
-    template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QString &message);
     Things allThings() const { return m_things + m_newThings; }
 
     const DaemonOptions m_options;

@@ -12,7 +12,7 @@ struct HostOptions
     DaemonOptions daemon;
     bool json = false;
     QString logRules;     //!< empty: none are given
-    QString firstCommand; //!< empty: none is given
+    QString firstCommand; //!< empty: none is given, and an empty one does nothing
 };
 
 /*! Reads the program's command line. Needs QCoreApplication; ends the process where the command line asks

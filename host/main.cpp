@@ -23,20 +23,13 @@ namespace {
 constexpr char greeting[] =
     "\"help\" lists the commands, the Tab key completes words, and Ctrl-D ends the host.";
 
-int runSession(Session *session, LineSource *source, const QString &firstCommand)
-{
-    if (!firstCommand.isEmpty())
-        source->add(firstCommand);
-    QObject::connect(session, &Session::ended, qApp, &QCoreApplication::quit);
-    return QCoreApplication::exec();
-}
-
 int runPiped(Daemon *daemon, const HostOptions &options)
 {
     LineReader reader(STDIN_FILENO);
+    reader.add(options.firstCommand);
     Output output(options.json, nullptr);
-    Session session(daemon, &reader, &output);
-    const int status = runSession(&session, &reader, options.firstCommand);
+    const Session session(daemon, &reader, &output);
+    const int status = QCoreApplication::exec();
     return session.hasFailed() && !options.json ? Failed : status;
 }
 
@@ -44,16 +37,14 @@ int runAtTerminal(Daemon *daemon, const HostOptions &options)
 {
     Prompt prompt(daemon->storageFile(QStringLiteral("history")),
                   [daemon](const QString &before) { return completionsFor(*daemon, before); });
+    prompt.add(options.firstCommand);
     Output output(false, &prompt);
     Session session(daemon, &prompt, &output);
     QObject::connect(&prompt, &Prompt::enterPressed, &session, &Session::enter);
     QObject::connect(&prompt, &Prompt::interrupted, &session, &Session::interrupt);
-    QObject::connect(&prompt, &Prompt::choicesFound, &session, [&output](const QStringList &words) {
-        output.print({{}, {words.join(QStringLiteral("  "))}});
-    });
     prompt.awaitCommand();
     output.print({{}, {QLatin1String(greeting)}});
-    return runSession(&session, &prompt, options.firstCommand);
+    return QCoreApplication::exec();
 }
 
 int run(const HostOptions &options)

@@ -106,11 +106,10 @@ void Output::writeRecord(QtMsgType type, const QString &message, const QByteArra
 
 void Output::write(const QByteArray &bytes)
 {
-    const bool hasPrompt = m_prompt && m_prompt->hide();
+    if (m_prompt)
+        return m_prompt->print(bytes);
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
     std::fflush(stdout);
-    if (hasPrompt)
-        m_prompt->show();
 }
 
 void Output::writeLines(const QStringList &lines)

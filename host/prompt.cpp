@@ -3,6 +3,8 @@
 
 #include "prompt.h"
 
+#include "printable.h"
+
 #include <QFile>
 
 #include <array>
@@ -112,6 +114,15 @@ void Prompt::awaitCommand()
     QMetaObject::invokeMethod(this, &Prompt::handleKeys, Qt::QueuedConnection);
 }
 
+void Prompt::print(const QByteArray &bytes)
+{
+    const bool wasShown = hide();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    std::fflush(stdout);
+    if (wasShown)
+        show();
+}
+
 void Prompt::show()
 {
     m_isShown = true;
@@ -124,6 +135,7 @@ void Prompt::show()
     el_set(m_editor.get(), EL_REFRESH);
 }
 
+/*! Removes prompt and unfinished line from the screen. Returns whether they were there. */
 bool Prompt::hide()
 {
     if (!m_isShown)
@@ -208,9 +220,10 @@ unsigned char Prompt::completeWord()
         return CC_ERROR;
     const QString word = commonBeginning(found.words);
     if (found.words.size() > 1 && word.size() <= found.typed) {
+        const QByteArray choices = printable(found.words.join(QStringLiteral("  "))).toUtf8() + '\n';
         // Queued: the editor cannot be hidden while it handles a key.
         QMetaObject::invokeMethod(
-            this, [this, found] { emit choicesFound(found.words); }, Qt::QueuedConnection);
+            this, [this, choices] { print(choices); }, Qt::QueuedConnection);
         return CC_NORM;
     }
     const bool isWhole = found.words.size() == 1 && !word.endsWith(QLatin1Char('='));

@@ -34,19 +34,17 @@ public:
     QString takeLine() override;
     void awaitCommand() override;
 
-    /*! Removes prompt and unfinished line from the screen, so that something can be printed above them.
-        Returns whether they were there; then show() must follow. */
-    bool hide();
-    void show();
+    /*! Prints above the prompt, if it is shown. */
+    void print(const QByteArray &bytes);
 
 Q_SIGNALS:
-    /*! The completion key has been pressed, and there are several \a words. */
-    void choicesFound(const QStringList &words);
     /*! While the prompt is not shown: Enter or Ctrl-C has been pressed. */
     void enterPressed();
     void interrupted();
 
 private:
+    bool hide();
+    void show();
     void read();
     void handleKeys();
     void editLine();

@@ -7,6 +7,7 @@
 #include "thingjson.h"
 #include "wallboxes.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 
 using namespace std::chrono_literals;
@@ -54,7 +55,7 @@ void Session::executeNext()
         execute(m_source->takeLine());
     }
     if (m_quit || (m_source->isAtEnd() && !m_isPending))
-        emit ended();
+        QCoreApplication::quit();
     else if (!m_isPending)
         m_source->awaitCommand();
 }

@@ -11,7 +11,8 @@
 #include <QTimer>
 
 /*! Takes commands from a source of lines, has them carried out one after the other, and prints their answers and
-    the daemon's events. */
+    the daemon's events. Ends the event loop at "quit", or at the end of the input once the last command is
+    answered. */
 class Session : public QObject
 {
     Q_OBJECT
@@ -25,10 +26,6 @@ public:
     void enter();
     /*! Whether a command has failed so far. */
     bool hasFailed() const { return m_hasFailed; }
-
-Q_SIGNALS:
-    /*! By "quit", or at the end of the input once the last command is answered. */
-    void ended();
 
 private:
     void reportEvents();
