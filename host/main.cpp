@@ -42,7 +42,6 @@ int runAtTerminal(Daemon *daemon, const HostOptions &options)
     Session session(daemon, &prompt, &output);
     QObject::connect(&prompt, &Prompt::enterPressed, &session, &Session::enter);
     QObject::connect(&prompt, &Prompt::interrupted, &session, &Session::interrupt);
-    prompt.awaitCommand();
     output.print({{}, {QLatin1String(greeting)}});
     return QCoreApplication::exec();
 }

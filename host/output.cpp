@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -24,12 +23,10 @@ TableStyle styleFor(bool isTerminal)
     TableStyle style;
     style.unicode = QTextCodec::codecForLocale()->mibEnum() == utf8Mib;
     style.colour = isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR");
-    winsize size = {};
-    if (!isTerminal)
-        return style;
-    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
-    style.width = isKnown ? size.ws_col : style.width;
-    style.maxRows = (isKnown ? size.ws_row : 24) - linesBesidesRows;
+    if (isTerminal) {
+        style.width = screenSize().width();
+        style.maxRows = screenSize().height() - linesBesidesRows;
+    }
     return style;
 }
 

@@ -27,12 +27,6 @@ Prompt *promptOf(EditLine *editor)
     return static_cast<Prompt *>(prompt);
 }
 
-int screenWidth()
-{
-    winsize size = {};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
 QString commonBeginning(const QStringList &words)
 {
     QString common = words.constFirst();
@@ -44,6 +38,13 @@ QString commonBeginning(const QStringList &words)
 }
 
 } // namespace
+
+QSize screenSize()
+{
+    winsize size = {};
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
+    return isKnown ? QSize(size.ws_col, size.ws_row) : QSize(80, 24);
+}
 
 Prompt::Prompt(const QString &historyFile, Completer completer, QObject *parent)
     : LineSource(parent)
@@ -144,7 +145,7 @@ bool Prompt::hide()
     const LineInfoW *line = el_wline(m_editor.get());
     m_line = QString::fromWCharArray(line->buffer, int(line->lastchar - line->buffer));
     m_position = int(line->cursor - line->buffer);
-    const int rowsAbove = (int(sizeof promptText) - 1 + m_position) / screenWidth();
+    const int rowsAbove = (int(sizeof promptText) - 1 + m_position) / screenSize().width();
     if (rowsAbove > 0)
         std::printf("\x1b[%dA", rowsAbove);
     std::fputs("\r\x1b[J", stdout);
