@@ -57,9 +57,8 @@ template <typename Job> Job *refused(Job *job, Thing::ThingError error, const QS
 
 } // namespace
 
-Daemon::Daemon(const DaemonOptions &options, QObject *parent)
-    : ThingManager(parent)
-    , m_options(options)
+Daemon::Daemon(const DaemonOptions &options)
+    : m_options(options)
     , m_folder(options.storageFolder)
     , m_store(m_folder.path())
 {

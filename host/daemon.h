@@ -35,7 +35,7 @@ class Daemon : public ThingManager
 {
     Q_OBJECT
 public:
-    explicit Daemon(const DaemonOptions &options, QObject *parent = nullptr);
+    explicit Daemon(const DaemonOptions &options);
     ~Daemon() override;
 
     /*! Claims the storage, loads and initialises the plugin and starts the set-up of the stored things,

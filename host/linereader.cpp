@@ -8,9 +8,8 @@
 #include <cstring>
 #include <unistd.h>
 
-LineReader::LineReader(int fd, QObject *parent)
-    : LineSource(parent)
-    , m_fd(fd)
+LineReader::LineReader(int fd)
+    : m_fd(fd)
     , m_notifier(fd, QSocketNotifier::Read)
 {
     connect(&m_notifier, &QSocketNotifier::activated, this, &LineReader::read);

@@ -15,7 +15,7 @@ class LineReader : public LineSource
     Q_OBJECT
 public:
     /*! \a fd stays the caller's: a terminal, pipe, FIFO, socket or file. */
-    explicit LineReader(int fd, QObject *parent = nullptr);
+    explicit LineReader(int fd);
 
     QString takeLine() override;
 

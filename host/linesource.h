@@ -12,8 +12,6 @@ class LineSource : public QObject
 {
     Q_OBJECT
 public:
-    using QObject::QObject;
-
     bool hasLine() const { return !m_lines.isEmpty(); }
     virtual QString takeLine() { return m_lines.dequeue(); }
     /*! Nothing follows: the input has ended, or cannot be read. */

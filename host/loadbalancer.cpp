@@ -28,9 +28,8 @@ State limitOf(const Thing *wallbox)
 
 } // namespace
 
-LoadBalancer::LoadBalancer(Daemon *daemon, QObject *parent)
-    : QObject(parent)
-    , m_daemon(daemon)
+LoadBalancer::LoadBalancer(Daemon *daemon)
+    : m_daemon(daemon)
 {
     m_timer.setInterval(10s);
     connect(&m_timer, &QTimer::timeout, this, &LoadBalancer::balance);

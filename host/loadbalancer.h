@@ -13,7 +13,7 @@ class LoadBalancer : public QObject
     Q_OBJECT
 public:
     /*! \a daemon must outlive this object. */
-    explicit LoadBalancer(Daemon *daemon, QObject *parent = nullptr);
+    explicit LoadBalancer(Daemon *daemon);
 
     /*! Shares \a power, in W, from now on. */
     void start(double power);

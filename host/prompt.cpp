@@ -46,9 +46,8 @@ QSize screenSize()
     return isKnown ? QSize(size.ws_col, size.ws_row) : QSize(80, 24);
 }
 
-Prompt::Prompt(const QString &historyFile, Completer completer, QObject *parent)
-    : LineSource(parent)
-    , m_historyFile(QFile::encodeName(historyFile))
+Prompt::Prompt(const QString &historyFile, Completer completer)
+    : m_historyFile(QFile::encodeName(historyFile))
     , m_completer(std::move(completer))
     , m_history(history_init(), history_end)
     , m_editor(el_init("vela-host", stdin, stdout, stderr), el_end)
@@ -61,14 +60,14 @@ Prompt::Prompt(const QString &historyFile, Completer completer, QObject *parent)
 
     EditLine *editor = m_editor.get();
     el_set(editor, EL_CLIENTDATA, this);
-    el_set(editor, EL_PROMPT, &Prompt::text);
+    el_set(
+        editor, EL_PROMPT, +[](EditLine *) { return promptText; });
     el_set(editor, EL_GETCFN, &Prompt::nextKey);
     el_set(editor, EL_HIST, &history, m_history.get());
     el_set(editor, EL_EDITOR, "emacs");
-    unsigned char (*complete)(EditLine *, int) = [](EditLine *caller, int) {
-        return promptOf(caller)->completeWord();
-    };
-    el_set(editor, EL_ADDFN, "vela-complete", "complete the word", complete);
+    el_set(
+        editor, EL_ADDFN, "vela-complete", "complete the word",
+        +[](EditLine *caller, int) { return promptOf(caller)->completeWord(); });
     constexpr std::array<const char *, 2> keys[] = {
         {"^I",     "vela-complete"      },
         {"^C",     "em-kill-line"       },
@@ -82,11 +81,6 @@ Prompt::Prompt(const QString &historyFile, Completer completer, QObject *parent)
     // Ctrl-C is a key, which never ends the host.
     el_set(editor, EL_SETTY, "-d", "-isig", nullptr);
     connect(&m_notifier, &QSocketNotifier::activated, this, &Prompt::read);
-}
-
-char *Prompt::text(EditLine * /*editor*/)
-{
-    return promptText;
 }
 
 /*! Gives the editor its keys without waiting: it would block the event loop at the first half of a sequence. */

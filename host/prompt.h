@@ -33,7 +33,7 @@ public:
     using Completer = std::function<Completions(const QString &before)>;
 
     /*! Keeps the history in \a historyFile. \a completer gets the text before the cursor. */
-    Prompt(const QString &historyFile, Completer completer, QObject *parent = nullptr);
+    Prompt(const QString &historyFile, Completer completer);
 
     QString takeLine() override;
     void awaitCommand() override;
@@ -55,7 +55,6 @@ private:
     void acceptLine(const QString &line);
     unsigned char completeWord();
 
-    static char *text(EditLine *editor);
     static int nextKey(EditLine *editor, wchar_t *key);
 
     const QByteArray m_historyFile;

@@ -12,9 +12,8 @@
 
 using namespace std::chrono_literals;
 
-Session::Session(Daemon *daemon, LineSource *source, Output *output, QObject *parent)
-    : QObject(parent)
-    , m_daemon(daemon)
+Session::Session(Daemon *daemon, LineSource *source, Output *output)
+    : m_daemon(daemon)
     , m_source(source)
     , m_output(output)
     , m_balancer(daemon)

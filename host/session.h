@@ -18,7 +18,7 @@ class Session : public QObject
     Q_OBJECT
 public:
     /*! All of them must outlive this object. */
-    Session(Daemon *daemon, LineSource *source, Output *output, QObject *parent = nullptr);
+    Session(Daemon *daemon, LineSource *source, Output *output);
 
     /*! Ends the wait or the table of the command that is being carried out. */
     void interrupt();
