@@ -15,29 +15,27 @@ QString idText(const Thing *thing)
     return thing->id().toString(QUuid::WithoutBraces);
 }
 
-/*! Names a few of the things, with their ids where a name occurs more than once. */
-QString listed(const Things &things)
-{
-    constexpr int most = 8;
-    QStringList texts;
-    const QList<Thing *> first = things.mid(0, most);
-    for (const Thing *thing : first) {
-        const auto count = std::count_if(things.cbegin(), things.cend(), [thing](const Thing *other) {
-            return other->name() == thing->name();
-        });
-        texts.append(count == 1 ? thing->name()
-                                : QStringLiteral("%1 (%2)").arg(thing->name(), idText(thing)));
-    }
-    if (things.size() > most)
-        texts.append(QStringLiteral("…"));
-    return texts.join(QStringLiteral(", "));
-}
-
 template <typename Predicate> Things matching(const Things &things, Predicate predicate)
 {
     Things result;
     std::copy_if(things.cbegin(), things.cend(), std::back_inserter(result), predicate);
     return result;
+}
+
+/*! Names a few of the things, with their ids where a name occurs more than once. */
+QString listed(const Things &things)
+{
+    constexpr int most = 8;
+    QStringList texts;
+    const Things first = things.mid(0, most);
+    for (const Thing *thing : first) {
+        const QString name = thing->name();
+        const Things same = matching(things, [&](const Thing *other) { return other->name() == name; });
+        texts.append(same.size() == 1 ? name : QStringLiteral("%1 (%2)").arg(name, idText(thing)));
+    }
+    if (things.size() > most)
+        texts.append(QStringLiteral("…"));
+    return texts.join(QStringLiteral(", "));
 }
 
 } // namespace

@@ -246,10 +246,9 @@ QString Command::usage() const
 
 bool Command::takes(int argumentCount) const
 {
-    const QString form = QLatin1String(arguments);
-    const int most = form.isEmpty() ? 0 : form.count(QLatin1Char(' ')) + 1;
-    const int least = form.section(QLatin1Char('['), 0, 0).split(QLatin1Char(' '), Qt::SkipEmptyParts).size();
-    return argumentCount >= least && (argumentCount <= most || form.contains(QLatin1String("...")));
+    const QString needed = QString(QLatin1String(arguments)).section(QLatin1Char('['), 0, 0);
+    return argumentCount >= needed.split(QLatin1Char(' '), Qt::SkipEmptyParts).size()
+        && (argumentCount == 0 || !argument(argumentCount - 1).isEmpty());
 }
 
 QString Command::argument(int index) const

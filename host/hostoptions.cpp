@@ -36,18 +36,6 @@ the storage folder cannot be used, when things, settings or output could not be
 written until the end, or when a command failed that was neither typed at a terminal
 nor read with --json; 2 for a wrong option.)";
 
-constexpr char pluginHelp[] = "The plugin; by default the one built with the host.";
-constexpr char storageHelp[] =
-    "Where things and plugin storage are kept, for one host at a time, a folder in which only its owner can "
-    "write; by default vela-host below $XDG_DATA_HOME or ~/.local/share.";
-constexpr char jsonHelp[] = "One JSON object a line on standard output, for programs.";
-constexpr char beginHelp[] = "A command to carry out before the first line is read.";
-constexpr char timeoutHelp[] =
-    "After how long a job that the plugin does not finish ends with ThingErrorTimeout (default 30).";
-constexpr char logHelp[] =
-    "Which log records to write, as Qt's logging rules: Vela.debug=true;Host.debug=false. "
-    "Goes before QT_LOGGING_RULES.";
-
 /*! The plugin that was built together with this program. */
 QString defaultPlugin()
 {
@@ -59,15 +47,19 @@ QString defaultPlugin()
 
 HostOptions readHostOptions()
 {
-    CommandLine line(description,
-                     {
-                         {"plugin",     pluginHelp,  "FILE"},
-                         {"storage",    storageHelp, "DIR" },
-                         {"json",       jsonHelp   },
-                         {"begin-with",   beginHelp,   "COMMAND"      },
-                         {"job-timeout", timeoutHelp,   "SECONDS", "30"},
-                         {"log",        logHelp,     "RULES"  },
+    // clang-format off
+    CommandLine line(description, {
+        {"plugin", "The plugin; by default the one built with the host.", "FILE"},
+        {"storage", "Where things and plugin storage are kept, for one host at a time, a folder in which only its "
+                    "owner can write; by default vela-host below $XDG_DATA_HOME or ~/.local/share.", "DIR"},
+        {"json", "One JSON object a line on standard output, for programs."},
+        {"begin-with", "A command to carry out before the first line is read.", "COMMAND"},
+        {"job-timeout", "After how long a job that the plugin does not finish ends with ThingErrorTimeout "
+                        "(default 30).", "SECONDS", "30"},
+        {"log", "Which log records to write, as Qt's logging rules: Vela.debug=true;Host.debug=false. Goes "
+                "before QT_LOGGING_RULES.", "RULES"},
     });
+    // clang-format on
     line.read(QCoreApplication::arguments());
     HostOptions options;
     options.json = line.isSet("json");

@@ -34,13 +34,12 @@ tl::expected<LoadedPlugin, QString> loadPlugin(const QString &file)
         return failure(path, QStringLiteral("there is no such file."));
 
     QPluginLoader loader(path);
-    const QString interfaceId = loader.metaData().value(QLatin1String("IID")).toString();
-    if (interfaceId.isEmpty())
+    const QString interface = loader.metaData().value(QLatin1String("IID")).toString();
+    const QString expected = QLatin1String(qobject_interface_iid<IntegrationPlugin *>());
+    if (interface.isEmpty())
         return failure(path, QStringLiteral("it is not a Qt plugin."));
-    if (interfaceId != QLatin1String(qobject_interface_iid<IntegrationPlugin *>()))
-        return failure(path,
-                       QStringLiteral("its interface is %1, not %2.")
-                           .arg(interfaceId, QLatin1String(qobject_interface_iid<IntegrationPlugin *>())));
+    if (interface != expected)
+        return failure(path, QStringLiteral("its interface is %1, not %2.").arg(interface, expected));
     if (!loader.load())
         return failure(path, loader.errorString());
     const QString version = apiVersion(path);
