@@ -23,15 +23,6 @@ namespace {
 
 constexpr qint64 settingsSpace = 16384; // bytes; a new file with the plugin's settings, and its lock
 
-/*! The sentence that says that the file of \a settings cannot be used; empty when it can. */
-QString errorIn(const QSettings &settings)
-{
-    settings.allKeys(); // QSettings judges what it has read
-    return settings.status() == QSettings::NoError
-        ? QString()
-        : QStringLiteral("The plugin's storage %1 cannot be used.").arg(settings.fileName());
-}
-
 /*! Warns of a new \a error in storing something, and writes \a success to the log when it is over. */
 void logStoring(const QString &error, QString *lastError, const char *success)
 {
@@ -90,9 +81,10 @@ QString Daemon::load()
     if (!storeError.isEmpty())
         return storeError;
     loaded->plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
-    QString settingsError = errorIn(*loaded->plugin->pluginStorage());
-    if (!settingsError.isEmpty())
-        return settingsError;
+    const QSettings *settings = loaded->plugin->pluginStorage();
+    settings->allKeys(); // QSettings judges what it has read
+    if (settings->status() != QSettings::NoError)
+        return QStringLiteral("The plugin's storage %1 cannot be used.").arg(settings->fileName());
 
     m_plugin = std::move(loaded->plugin);
     m_plugin->pluginStorage()->installEventFilter(this);
@@ -357,7 +349,11 @@ bool Daemon::eventFilter(QObject *watched, QEvent *event)
 void Daemon::store()
 {
     storeSettings();
-    storeThings();
+    if (m_unsaved) {
+        const QString error = m_store.write(m_things);
+        m_unsaved = !error.isEmpty();
+        logStoring(error, &m_storeError, "The things are stored again.");
+    }
     if (m_settingsChanged || m_unsaved)
         m_storeTimer.start();
 }
@@ -382,13 +378,4 @@ void Daemon::storeSettings()
     const QString error = QStringLiteral("Cannot write the plugin's storage %1; the disk may be full.");
     logStoring(isStored ? QString() : error.arg(settings->fileName()), &m_settingsError,
                "The plugin's storage is written again.");
-}
-
-void Daemon::storeThings()
-{
-    if (!m_unsaved)
-        return;
-    const QString error = m_store.write(m_things);
-    m_unsaved = !error.isEmpty();
-    logStoring(error, &m_storeError, "The things are stored again.");
 }

@@ -108,7 +108,6 @@ private:
     void forget(Thing *thing);
     void store();
     void storeSettings();
-    void storeThings();
 
     Things allThings() const { return m_things + m_newThings; }
 
