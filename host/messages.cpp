@@ -98,16 +98,9 @@ QStringList aligned(const QVector<QStringList> &rows)
 
 QString setupText(const Thing *thing)
 {
-    switch (thing->setupStatus()) {
-    case Thing::ThingSetupStatusComplete:
-        return QStringLiteral("set up");
-    case Thing::ThingSetupStatusInProgress:
-        return QStringLiteral("set-up pending");
-    case Thing::ThingSetupStatusFailed:
-        return QStringLiteral("set-up failed");
-    default:
-        return QStringLiteral("not set up");
-    }
+    // In the order of ThingSetupStatus
+    constexpr const char *texts[] = {"not set up", "set-up pending", "set up", "set-up failed"};
+    return QLatin1String(texts[thing->setupStatus()]);
 }
 
 QString mainStates(const Thing *thing)

@@ -12,6 +12,18 @@
 
 using namespace std::chrono_literals;
 
+namespace {
+
+/*! All answers to a command that starts a job have these members, also when no job has begun. */
+Message withStatus(Message message, Thing::ThingError status, const QString &displayMessage)
+{
+    message.json.insert(QStringLiteral("thingError"), errorName(status));
+    message.json.insert(QStringLiteral("message"), displayMessage);
+    return message;
+}
+
+} // namespace
+
 Session::Session(Daemon *daemon, LineSource *source, Output *output)
     : m_daemon(daemon)
     , m_source(source)
@@ -84,7 +96,7 @@ void Session::answer(const StartedJob &started)
 {
     m_isPending = true;
     connect(started.job, &ThingJob::finished, this, [this, job = started.job, complete = started.message] {
-        answerJob(complete(), job->status(), job->displayMessage(), errorText(job));
+        answer(withStatus(complete(), job->status(), job->displayMessage()), errorText(job));
     });
 }
 
@@ -120,21 +132,10 @@ void Session::endPause()
     answer(Message());
 }
 
-/*! All answers to a command that starts a job have the same members, also when no job has begun. */
 void Session::refuse(const QString &reason)
 {
-    if (m_command && m_command->startsJob)
-        answerJob({}, Thing::ThingErrorInvalidParameter, reason, reason);
-    else
-        answer(Message(), reason);
-}
-
-void Session::answerJob(Message message, Thing::ThingError status, const QString &displayMessage,
-                        const QString &error)
-{
-    message.json.insert(QStringLiteral("thingError"), errorName(status));
-    message.json.insert(QStringLiteral("message"), displayMessage);
-    answer(message, error);
+    const bool startsJob = m_command && m_command->startsJob;
+    answer(startsJob ? withStatus({}, Thing::ThingErrorInvalidParameter, reason) : Message(), reason);
 }
 
 void Session::answer(Message message, const QString &error)

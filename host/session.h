@@ -36,8 +36,6 @@ private:
     void answer(Message message, const QString &error = QString());
     void answer(const StartedJob &started);
     void answer(const Pause &pause);
-    void answerJob(Message message, Thing::ThingError status, const QString &displayMessage,
-                   const QString &error);
     void refuse(const QString &reason);
 
     void endPause();

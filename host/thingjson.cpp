@@ -4,7 +4,7 @@
 #include "thingjson.h"
 
 #include <QJsonArray>
-#include <QMetaEnum>
+#include <QVariant>
 
 #include <type_traits>
 
@@ -49,7 +49,7 @@ QJsonValue idValue(const QUuid &id)
 
 QString errorName(Thing::ThingError error)
 {
-    return QLatin1String(QMetaEnum::fromType<Thing::ThingError>().valueToKey(error));
+    return QVariant::fromValue(error).toString();
 }
 
 QJsonObject thingObject(const Thing *thing)
@@ -59,15 +59,14 @@ QJsonObject thingObject(const Thing *thing)
     for (const StateType &type : thingClass.stateTypes)
         states.insert(type.name, QJsonValue::fromVariant(thing->stateValue(type.id)));
     const QJsonObject params = paramsObject(thing->params(), thingClass.paramTypes);
-    const auto statusEnum = QMetaEnum::fromType<Thing::ThingSetupStatus>();
     return {
-        {QStringLiteral("id"),          idValue(thing->id())                                      },
-        {QStringLiteral("name"),        thing->name()                                             },
-        {QStringLiteral("class"),       thingClass.name                                           },
-        {QStringLiteral("parentId"),    idValue(thing->parentId())                                },
-        {QStringLiteral("setupStatus"), QLatin1String(statusEnum.valueToKey(thing->setupStatus()))},
-        {QStringLiteral("params"),      params                                                    },
-        {QStringLiteral("states"),      states                                                    }
+        {QStringLiteral("id"),          idValue(thing->id())                                },
+        {QStringLiteral("name"),        thing->name()                                       },
+        {QStringLiteral("class"),       thingClass.name                                     },
+        {QStringLiteral("parentId"),    idValue(thing->parentId())                          },
+        {QStringLiteral("setupStatus"), QVariant::fromValue(thing->setupStatus()).toString()},
+        {QStringLiteral("params"),      params                                              },
+        {QStringLiteral("states"),      states                                              }
     };
 }
 
