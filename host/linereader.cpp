@@ -8,9 +8,8 @@
 #include <cstring>
 #include <unistd.h>
 
-LineReader::LineReader(int fd)
-    : m_fd(fd)
-    , m_notifier(fd, QSocketNotifier::Read)
+LineReader::LineReader()
+    : m_notifier(STDIN_FILENO, QSocketNotifier::Read)
 {
     connect(&m_notifier, &QSocketNotifier::activated, this, &LineReader::read);
 }
@@ -25,7 +24,7 @@ QString LineReader::takeLine()
 void LineReader::read()
 {
     std::array<char, 4096> buffer;
-    const ssize_t count = ::read(m_fd, buffer.data(), buffer.size());
+    const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
     if (count < 0 && (errno == EINTR || errno == EAGAIN))
         return;
     m_isAtEnd = count <= 0;

@@ -8,21 +8,19 @@
 
 #include <QSocketNotifier>
 
-/*! Reads UTF-8 lines from a file descriptor as they arrive, without holding up the event loop. Reads no more
+/*! Reads UTF-8 lines from standard input as they arrive, without holding up the event loop. Reads no more
     while lines are waiting to be taken. */
 class LineReader : public LineSource
 {
     Q_OBJECT
 public:
-    /*! \a fd stays the caller's: a terminal, pipe, FIFO, socket or file. */
-    explicit LineReader(int fd);
+    LineReader();
 
     QString takeLine() override;
 
 private:
     void read();
 
-    const int m_fd;
     QSocketNotifier m_notifier;
     QByteArray m_rest; // of an unfinished line
 };

@@ -25,7 +25,7 @@ constexpr char greeting[] =
 
 int runPiped(Daemon *daemon, const HostOptions &options)
 {
-    LineReader reader(STDIN_FILENO);
+    LineReader reader;
     reader.add(options.firstCommand);
     Output output(options.json, nullptr);
     const Session session(daemon, &reader, &output);

@@ -55,7 +55,11 @@ void Output::print(const Message &message)
     if (isEvent && m_drawnLines > 0)
         return; // The table shows it already.
     m_drawnLines = 0;
-    writeLines(message.lines);
+    QByteArray bytes;
+    for (const QString &line : message.lines)
+        bytes += printable(line).toUtf8() + '\n';
+    if (!bytes.isEmpty())
+        write(bytes);
 }
 
 void Output::draw(const WallboxTable &table)
@@ -107,13 +111,4 @@ void Output::write(const QByteArray &bytes)
         return m_prompt->print(bytes);
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
     std::fflush(stdout);
-}
-
-void Output::writeLines(const QStringList &lines)
-{
-    QByteArray bytes;
-    for (const QString &line : lines)
-        bytes += printable(line).toUtf8() + '\n';
-    if (!lines.isEmpty())
-        write(bytes);
 }

@@ -28,7 +28,6 @@ public:
 private:
     void writeRecord(QtMsgType type, const QString &message, const QByteArray &record) override;
     void write(const QByteArray &bytes);
-    void writeLines(const QStringList &lines);
     QStringList warningLines(int width) const;
 
     const bool m_isJson;
