@@ -104,7 +104,7 @@ void Daemon::restoreThings()
     const Things things = m_things;
     for (Thing *thing : things) {
         if (m_things.contains(thing))
-            runSetup(thing);
+            setup(thing);
     }
 }
 
@@ -139,37 +139,27 @@ ThingSetupInfo *Daemon::add(const ThingDescriptor &descriptor)
         return refuse(Thing::ThingErrorInvalidParameter, params.error());
     if (!descriptor.parentId().isNull() && !allThings().findById(descriptor.parentId()))
         return refuse(Thing::ThingErrorThingNotFound, tr("The parent thing does not exist."));
-    if (descriptor.thingId().isNull())
-        return addNew(descriptor, thingClass, *params);
-
-    Thing *thing = m_things.findById(descriptor.thingId());
+    const bool isNew = descriptor.thingId().isNull();
+    Thing *thing = isNew ? create(descriptor, thingClass) : m_things.findById(descriptor.thingId());
     if (!thing || thing->thingClassId() != thingClass.id)
         return refuse(Thing::ThingErrorThingNotFound, tr("The thing to be reconfigured does not exist."));
-    return reconfigure(thing, *params);
+    // With a set-up pending, the parameters stay as that set-up has read them.
+    if (thing->setupStatus() != Thing::ThingSetupStatusInProgress) {
+        for (const Param &param : *params)
+            thing->setParamValue(param.paramTypeId(), param.value());
+        m_unsaved |= !isNew;
+    }
+    return setup(thing);
 }
 
-ThingSetupInfo *Daemon::addNew(const ThingDescriptor &descriptor, const ThingClass &thingClass,
-                               const ParamList &params)
+Thing *Daemon::create(const ThingDescriptor &descriptor, const ThingClass &thingClass)
 {
     auto *thing = new Thing(thingClass, ThingId(), this);
     if (!descriptor.title().isEmpty())
         thing->setName(descriptor.title());
     thing->setParentId(descriptor.parentId());
-    for (const Param &param : params)
-        thing->setParamValue(param.paramTypeId(), param.value());
     m_newThings.append(thing);
-    return runSetup(thing);
-}
-
-ThingSetupInfo *Daemon::reconfigure(Thing *thing, const ParamList &params)
-{
-    // With a set-up pending, the parameters stay as that set-up has read them.
-    if (thing->setupStatus() != Thing::ThingSetupStatusInProgress) {
-        for (const Param &param : params)
-            thing->setParamValue(param.paramTypeId(), param.value());
-        m_unsaved = true;
-    }
-    return setup(thing);
+    return thing;
 }
 
 ThingSetupInfo *Daemon::setup(Thing *thing)
@@ -177,11 +167,6 @@ ThingSetupInfo *Daemon::setup(Thing *thing)
     if (thing->setupStatus() == Thing::ThingSetupStatusInProgress)
         return refused(new ThingSetupInfo(thing, 0ms), Thing::ThingErrorThingInUse,
                        tr("A set-up of %1 is pending; wait until it has finished.").arg(thing->name()));
-    return runSetup(thing);
-}
-
-ThingSetupInfo *Daemon::runSetup(Thing *thing)
-{
     thing->setSetupStatus(Thing::ThingSetupStatusInProgress);
     auto *info = new ThingSetupInfo(thing, m_options.jobTimeout);
     connect(info, &ThingJob::finished, this, [this, info] { onSetupFinished(info); });

@@ -97,10 +97,7 @@ private:
     void onAutoThingsAppeared(const ThingDescriptors &descriptors);
     void onAutoThingDisappeared(const ThingId &thingId);
 
-    ThingSetupInfo *addNew(const ThingDescriptor &descriptor, const ThingClass &thingClass,
-                           const ParamList &params);
-    ThingSetupInfo *reconfigure(Thing *thing, const ParamList &params);
-    ThingSetupInfo *runSetup(Thing *thing);
+    Thing *create(const ThingDescriptor &descriptor, const ThingClass &thingClass);
     void onSetupFinished(ThingSetupInfo *info);
     void keep(Thing *thing);
     void discard(Thing *thing);

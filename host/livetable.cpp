@@ -97,7 +97,7 @@ QString ageText(const Thing *wallbox, qint64 now)
              std::pair{3600,  'h'},
              std::pair{86400, 'd'}
     }) {
-        if (age >= 2 * seconds) {
+        if (age / seconds >= 2) {
             count = age / seconds;
             unit = sign;
         }
