@@ -160,18 +160,16 @@ QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *th
     QFile file(m_fileName);
     if (!file.exists())
         return QString();
-    tl::expected<QJsonArray, QString> entries;
-    if (openNoFollow(&file, QIODevice::ReadOnly, O_RDONLY)) {
-        m_content = file.readAll();
-        entries = parse(m_content);
-    } else {
-        entries = tl::unexpected(qt_error_string(errno));
-    }
+    const QString error = QStringLiteral("Cannot use the stored things in %1: %2.");
+    if (!openNoFollow(&file, QIODevice::ReadOnly, O_RDONLY))
+        return error.arg(m_fileName, qt_error_string(errno));
+    m_content = file.readAll();
+    const auto entries = parse(m_content);
     if (!entries)
-        return QStringLiteral("Cannot use the stored things in %1: %2.").arg(m_fileName, entries.error());
+        return error.arg(m_fileName, entries.error());
 
     Things stored;
-    for (const QJsonValue &entry : qAsConst(*entries))
+    for (const QJsonValue &entry : *entries)
         restore(entry.toObject(), classes, owner, &stored);
     things->append(parentsFirst(stored));
     return QString();
