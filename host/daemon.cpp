@@ -64,8 +64,7 @@ Daemon::~Daemon()
         commit();
     // Jobs and things go before the plugin: what it has connected to them must not outlive it.
     qDeleteAll(findChildren<ThingJob *>());
-    qDeleteAll(m_newThings);
-    qDeleteAll(m_things);
+    qDeleteAll(allThings());
 }
 
 QString Daemon::load()
