@@ -21,7 +21,7 @@
 namespace {
 
 constexpr char greeting[] =
-    "\"help\" lists the commands, the Tab key completes words, and Ctrl-D ends the host.";
+    "\"help\" lists the commands, the Tab key completes words, Ctrl-D ends the host.";
 
 int runPiped(Daemon *daemon, const HostOptions &options)
 {
