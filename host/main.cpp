@@ -20,8 +20,7 @@
 
 namespace {
 
-constexpr char greeting[] =
-    "\"help\" lists the commands, the Tab key completes words, Ctrl-D ends the host.";
+constexpr char greeting[] = "\"help\" lists the commands, the Tab key completes words, Ctrl-D ends the host.";
 
 int runPiped(Daemon *daemon, const HostOptions &options)
 {
