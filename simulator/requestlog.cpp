@@ -111,12 +111,13 @@ QJsonArray RequestLog::records() const
 QJsonArray RequestLog::changes(int &seen) const
 {
     QJsonArray changes;
-    for (auto [number, entry] : m_entries) {
+    for (const auto &[number, entry] : m_entries) {
         if (entry.change <= seen)
             continue;
-        entry.record.remove(QLatin1String("request"));
-        entry.record.remove(QLatin1String("reply"));
-        changes.append(entry.record);
+        QJsonObject record = entry.record;
+        record.remove(QLatin1String("request"));
+        record.remove(QLatin1String("reply"));
+        changes.append(record);
     }
     seen = m_changeCount;
     return changes;
