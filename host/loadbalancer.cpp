@@ -26,6 +26,13 @@ State limitOf(const Thing *wallbox)
     return wallbox->state(QStringLiteral("maxChargingCurrent"));
 }
 
+/*! In A. The next round, 10 s after it resumes, gives a car that is full now its share. */
+double mostFor(const Thing *wallbox)
+{
+    const State limit = limitOf(wallbox);
+    return (isInState(wallbox, {"SuspendedEV"}) ? limit.minValue() : limit.maxValue()).toDouble();
+}
+
 } // namespace
 
 LoadBalancer::LoadBalancer(Daemon *daemon)
@@ -48,7 +55,7 @@ void LoadBalancer::balance()
     double left = m_power;
     const Things wallboxes = wallboxesOf(m_daemon->configuredThings());
     for (Thing *wallbox : wallboxes) {
-        if (!isInState(wallbox, {"Preparing", "Charging", "SuspendedEVSE"}))
+        if (!isInState(wallbox, {"Preparing", "Charging", "SuspendedEVSE", "SuspendedEV"}))
             continue;
         const double least = powerAt(wallbox, limitOf(wallbox).minValue());
         if (least <= left) {
@@ -65,14 +72,12 @@ void LoadBalancer::balance()
 void LoadBalancer::share(Things cars, double left)
 {
     // The car that can take least comes first, so that the others get what it leaves.
-    std::sort(cars.begin(), cars.end(), [](const Thing *a, const Thing *b) {
-        return powerAt(a, limitOf(a).maxValue()) < powerAt(b, limitOf(b).maxValue());
-    });
+    std::sort(cars.begin(), cars.end(),
+              [](const Thing *a, const Thing *b) { return powerAt(a, mostFor(a)) < powerAt(b, mostFor(b)); });
     for (int i = 0; i < cars.size(); ++i) {
-        const State limit = limitOf(cars.at(i));
-        const double least = limit.minValue().toDouble();
+        const double least = limitOf(cars.at(i)).minValue().toDouble();
         const double share = std::floor(left / (cars.size() - i) / powerAt(cars.at(i), 1));
-        const double ampere = std::min(least + share, limit.maxValue().toDouble());
+        const double ampere = std::min(least + share, mostFor(cars.at(i)));
         left -= powerAt(cars.at(i), ampere - least);
         m_daemon->execute(cars.at(i), QStringLiteral("maxChargingCurrent"), ampere);
     }

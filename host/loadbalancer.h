@@ -7,7 +7,8 @@
 #include "daemon.h"
 
 /*! A small energy manager: shares a power among the cars that charge or wait for it, by setting the currents of
-    their wallboxes every 10 s. A car for which less than the least current is left has to wait. */
+    their wallboxes every 10 s. A full car, which may want more at any time, gets the least current only. A car for
+    which less than that is left has to wait. */
 class LoadBalancer : public QObject
 {
     Q_OBJECT
