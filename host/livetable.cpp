@@ -44,12 +44,6 @@ QString decimals(double value, int count)
     return QString::number(value, 'f', count);
 }
 
-/*! A measured value of a wallbox that is not connected says nothing about now. */
-QString measured(const Thing *wallbox, const QString &text)
-{
-    return isOn(wallbox, "connected") ? text : QStringLiteral("-");
-}
-
 /*! In A, of the phase that carries most. */
 double current(const Thing *wallbox)
 {
@@ -57,16 +51,29 @@ double current(const Thing *wallbox)
                      number(wallbox, "currentPhaseC")});
 }
 
-QString stateText(const Thing *wallbox)
+/*! Whether the measured values of \a wallbox are those of now. */
+bool isMeasured(const Thing *wallbox, const WallboxTable &table)
 {
-    return isOn(wallbox, "connected") ? printable(wallbox->stateValue(QStringLiteral("state")).toString())
-                                      : QStringLiteral("not connected");
+    return table.isLive && isOn(wallbox, "connected");
 }
 
-QString barText(const Thing *wallbox, int width, bool unicode)
+QString measured(const Thing *wallbox, const WallboxTable &table, double value, int places)
+{
+    return isMeasured(wallbox, table) ? decimals(value, places) : QStringLiteral("-");
+}
+
+QString stateText(const Thing *wallbox, const WallboxTable &table)
+{
+    if (!isOn(wallbox, "connected"))
+        return QStringLiteral("not connected");
+    return table.isLive ? printable(wallbox->stateValue(QStringLiteral("state")).toString())
+                        : QStringLiteral("no new values");
+}
+
+QString barText(const Thing *wallbox, const WallboxTable &table, int width, bool unicode)
 {
     const double limit = number(wallbox, "maxChargingCurrent");
-    const bool isShown = isOn(wallbox, "connected") && limit > 0;
+    const bool isShown = isMeasured(wallbox, table) && limit > 0;
     const int full = isShown ? qRound(std::clamp(current(wallbox) / limit, 0.0, 1.0) * width) : 0;
     const QChar fullSign = unicode ? QChar(0x2588) : QLatin1Char('#');
     const QChar emptySign = unicode ? QChar(0x2591) : QLatin1Char('.');
@@ -75,13 +82,14 @@ QString barText(const Thing *wallbox, int width, bool unicode)
 
 /*! The current and its limit: "off" for a wallbox that is limited to 0 A, "-" for one that is not limited.
     The plugin limits wallboxes that are not enabled only after an action on one of them, some seconds later. */
-QString currentText(const Thing *wallbox, bool isManaged)
+QString currentText(const Thing *wallbox, const WallboxTable &table)
 {
+    const bool isManaged = table.gateways.contains(wallbox->parentId());
     const double ampere = current(wallbox);
     QString limit = isManaged && ampere == 0 ? QStringLiteral("off") : QStringLiteral("-");
     if (isOn(wallbox, "power"))
         limit = decimals(number(wallbox, "maxChargingCurrent"), 0);
-    return measured(wallbox, decimals(ampere, 1)) + QLatin1Char('/') + limit;
+    return measured(wallbox, table, ampere, 1) + QLatin1Char('/') + limit;
 }
 
 QString ageText(const Thing *wallbox, qint64 now)
@@ -190,14 +198,14 @@ QString line(const QStringList &cells, const Widths &widths, const TableStyle &s
 QString wallboxLine(const Thing *wallbox, const WallboxTable &table, const Widths &widths,
                     const TableStyle &style)
 {
-    const QString state = stateText(wallbox);
+    const QString state = stateText(wallbox, table);
     const Appearance &appearance = appearanceOf(state);
     const QStringList cells{printable(wallbox->name()),
                             state,
                             QLatin1String(appearance.car),
-                            barText(wallbox, widths[barColumn], style.unicode),
-                            currentText(wallbox, table.gateways.contains(wallbox->parentId())),
-                            measured(wallbox, decimals(number(wallbox, "currentPower") / 1000, 2)),
+                            barText(wallbox, table, widths[barColumn], style.unicode),
+                            currentText(wallbox, table),
+                            measured(wallbox, table, number(wallbox, "currentPower") / 1000, 2),
                             decimals(number(wallbox, "sessionEnergy"), 2),
                             decimals(number(wallbox, "totalEnergyConsumed"), 1),
                             ageText(wallbox, table.now)};
@@ -212,21 +220,25 @@ double sum(const Things &wallboxes, const char *state)
     return result;
 }
 
-QString totalLine(const Things &wallboxes, const Widths &widths, const TableStyle &style)
+QString totalLine(const WallboxTable &table, const Widths &widths, const TableStyle &style)
 {
-    Things connected;
-    std::copy_if(wallboxes.cbegin(), wallboxes.cend(), std::back_inserter(connected),
-                 [](const Thing *wallbox) { return isOn(wallbox, "connected"); });
-    const auto charging = std::count_if(connected.cbegin(), connected.cend(),
+    Things measured;
+    std::copy_if(table.wallboxes.cbegin(), table.wallboxes.cend(), std::back_inserter(measured),
+                 [&table](const Thing *wallbox) { return isMeasured(wallbox, table); });
+    const auto charging = std::count_if(measured.cbegin(), measured.cend(),
                                         [](const Thing *wallbox) { return isOn(wallbox, "charging"); });
-    const QStringList cells{QStringLiteral("Total"),
-                            QStringLiteral("%1 of %2").arg(charging).arg(wallboxes.size()),
-                            QStringLiteral("charging"),
-                            QString(),
-                            QString(),
-                            decimals(sum(connected, "currentPower") / 1000, 2),
-                            decimals(sum(wallboxes, "sessionEnergy"), 2),
-                            decimals(sum(wallboxes, "totalEnergyConsumed"), 1)};
+    const auto ifMeasured = [&measured](const QString &text) {
+        return measured.isEmpty() ? QStringLiteral("-") : text;
+    };
+    const QStringList cells{
+        QStringLiteral("Total"),
+        QStringLiteral("%1 of %2").arg(ifMeasured(QString::number(charging))).arg(table.wallboxes.size()),
+        QStringLiteral("charging"),
+        QString(),
+        QString(),
+        ifMeasured(decimals(sum(measured, "currentPower") / 1000, 2)),
+        decimals(sum(table.wallboxes, "sessionEnergy"), 2),
+        decimals(sum(table.wallboxes, "totalEnergyConsumed"), 1)};
     return line(cells, widths, style);
 }
 
@@ -251,6 +263,6 @@ QStringList liveTable(const WallboxTable &table, const TableStyle &style)
         lines.append(QStringLiteral("and %1 more; a taller window shows them")
                          .arg(table.wallboxes.size() - style.maxRows)
                          .left(style.width));
-    lines.append(totalLine(table.wallboxes, widths, style));
+    lines.append(totalLine(table, widths, style));
     return lines;
 }

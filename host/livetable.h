@@ -15,6 +15,7 @@ struct WallboxTable
     Things wallboxes;
     QSet<ThingId> gateways; //!< those with an action on one of their wallboxes
     qint64 now;             //!< seconds since the epoch
+    bool isLive;            //!< values arrive; if not, the last ones say nothing about now
 };
 
 struct TableStyle

@@ -14,6 +14,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
+// Five polls; no longer than a backend takes that is slow, but in order.
+constexpr qint64 longestSilence = 10000; // ms
+
 /*! All answers to a command that starts a job have these members, also when no job has begun. */
 Message withStatus(Message message, Thing::ThingError status, const QString &displayMessage)
 {
@@ -36,6 +39,7 @@ Session::Session(Daemon *daemon, LineSource *source, Output *output)
     connect(&m_pauseTimer, &QTimer::timeout, this, &Session::endPause);
     connect(&m_drawTimer, &QTimer::timeout, this, &Session::drawWallboxes);
     connect(m_source, &LineSource::ready, this, &Session::executeNext);
+    m_sinceValues.start();
     reportEvents();
     QMetaObject::invokeMethod(this, &Session::executeNext, Qt::QueuedConnection);
 }
@@ -52,6 +56,8 @@ void Session::reportEvents()
             [this](const Thing *thing) { m_managedGateways.insert(thing->parentId()); });
     connect(m_daemon, &Daemon::stateChanged, this,
             [this](const Thing *thing, const StateTypeId &id, const QVariant &value) {
+                if (!thing->thingClass().stateTypes.findById(id).writable)
+                    m_sinceValues.start();
                 m_output->print(stateChangedEvent(thing, id, value));
             });
 }
@@ -157,6 +163,6 @@ void Session::answer(Message message, const QString &error)
 
 void Session::drawWallboxes()
 {
-    m_output->draw(
-        {wallboxesOf(m_daemon->configuredThings()), m_managedGateways, QDateTime::currentSecsSinceEpoch()});
+    m_output->draw({wallboxesOf(m_daemon->configuredThings()), m_managedGateways,
+                    QDateTime::currentSecsSinceEpoch(), !m_sinceValues.hasExpired(longestSilence)});
 }

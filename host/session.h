@@ -8,6 +8,7 @@
 #include "linesource.h"
 #include "output.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 /*! Takes commands from a source of lines, has them carried out one after the other, and prints their answers and
@@ -47,6 +48,7 @@ private:
     LoadBalancer m_balancer;
     CommandContext m_context;
     QSet<ThingId> m_managedGateways; // with an action on one of their wallboxes since the start
+    QElapsedTimer m_sinceValues;     // since the start or a change of what the plugin measures
     bool m_quit = false;
     bool m_hasFailed = false;
 
