@@ -71,12 +71,17 @@ void Output::draw(const WallboxTable &table)
     TableStyle style = styleFor(m_isTerminal);
     const QStringList warning = warningLines(style.width);
     style.maxRows = std::max(1, style.maxRows - warning.size());
-    const QStringList lines = liveTable(table, style) + warning;
+    QStringList lines = liveTable(table, style) + warning;
     if (!m_isTerminal)
         return write(lines.join(QLatin1Char('\n')).toUtf8() + "\n\n");
-    const QString up = m_drawnLines > 0 ? QStringLiteral("\x1b[%1F").arg(m_drawnLines) : QString();
-    write((up + lines.join(QLatin1String("\x1b[K\n"))).toUtf8() + "\x1b[K\n\x1b[J");
+    const QSize size = screenSize();
+    lines = lines.mid(0, size.height() - 1); // The cursor needs a line, too.
+    QString begin = m_drawnLines > 0 ? QStringLiteral("\x1b[%1F").arg(m_drawnLines) : QString();
+    if (m_drawnLines > 0 && size != m_drawnSize)
+        begin = QStringLiteral("\x1b[H\x1b[2J"); // Where the last table is now, only the terminal knows.
+    write((begin + lines.join(QLatin1String("\x1b[K\n"))).toUtf8() + "\x1b[K\n\x1b[J");
     m_drawnLines = lines.size();
+    m_drawnSize = size;
 }
 
 /*! What the log reports while the table is shown, which its records would tear. */

@@ -9,6 +9,7 @@
 #include "messages.h"
 
 #include <QDateTime>
+#include <QSize>
 
 class Prompt;
 
@@ -34,6 +35,7 @@ private:
     const bool m_isTerminal; // standard output
     Prompt *const m_prompt;
     int m_drawnLines = 0; // of the table above the cursor of a terminal; 0: no table is shown
+    QSize m_drawnSize;    // of the terminal at that time
 
     // Since the first table was drawn
     int m_warningCount = 0;
