@@ -87,8 +87,8 @@ Completions completionsFor(const Daemon &daemon, const QString &before)
 {
     const int begin = lastWord(before);
     const auto words = splitWords(before.left(begin));
-    const QString typed = unquoted(before.mid(begin));
-    Completions result{before.size() - begin, {}};
+    Completions result{before.mid(begin), {}};
+    const QString typed = unquoted(result.typed);
     const QStringList candidates = nextWords(daemon, words.value_or(QStringList()));
     for (const QString &word : candidates) {
         if (word.startsWith(typed))

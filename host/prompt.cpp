@@ -6,9 +6,13 @@
 #include "printable.h"
 
 #include <QFile>
+#include <QTextCodec>
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cwchar>
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
@@ -25,6 +29,15 @@ Prompt *promptOf(EditLine *editor)
     void *prompt = nullptr;
     el_get(editor, EL_CLIENTDATA, &prompt);
     return static_cast<Prompt *>(prompt);
+}
+
+/*! On the screen: a character may be two columns wide, or none. */
+int columns(const std::wstring &text)
+{
+    int result = 0;
+    for (const wchar_t character : text)
+        result += std::max(0, ::wcwidth(character));
+    return result;
 }
 
 QString commonBeginning(const QStringList &words)
@@ -52,6 +65,7 @@ Prompt::Prompt(const QString &historyFile, Completer completer)
     , m_history(history_init(), history_end)
     , m_editor(el_init("vela-host", stdin, stdout, stderr), el_end)
     , m_notifier(STDIN_FILENO, QSocketNotifier::Read)
+    , m_decoder(QTextCodec::codecForName("UTF-8"))
 {
     HistEvent event;
     history(m_history.get(), &event, H_SETSIZE, historySize);
@@ -81,6 +95,11 @@ Prompt::Prompt(const QString &historyFile, Completer completer)
     // Ctrl-C is a key, which never ends the host.
     el_set(editor, EL_SETTY, "-d", "-isig", nullptr);
     connect(&m_notifier, &QSocketNotifier::activated, this, &Prompt::read);
+}
+
+Prompt::~Prompt()
+{
+    hide();
 }
 
 /*! Gives the editor its keys without waiting: it would block the event loop at the first half of a sequence. */
@@ -124,8 +143,8 @@ void Prompt::show()
     // The editor begins a new line whenever it enters this mode, in which it handles one key a call.
     el_set(m_editor.get(), EL_UNBUFFERED, 0);
     el_set(m_editor.get(), EL_UNBUFFERED, 1);
-    el_winsertstr(m_editor.get(), m_line.toStdWString().c_str());
-    el_cursor(m_editor.get(), m_position - m_line.size());
+    el_winsertstr(m_editor.get(), m_line.c_str());
+    el_cursor(m_editor.get(), int(m_position) - int(m_line.size()));
     std::fputs("\r", stdout); // where the editor begins to draw
     el_set(m_editor.get(), EL_REFRESH);
 }
@@ -137,9 +156,10 @@ bool Prompt::hide()
         return false;
     m_isShown = false;
     const LineInfoW *line = el_wline(m_editor.get());
-    m_line = QString::fromWCharArray(line->buffer, int(line->lastchar - line->buffer));
-    m_position = int(line->cursor - line->buffer);
-    const int rowsAbove = (int(sizeof promptText) - 1 + m_position) / screenSize().width();
+    m_line.assign(line->buffer, line->lastchar);
+    m_position = size_t(line->cursor - line->buffer);
+    const int columnsBefore = int(sizeof promptText) - 1 + columns(m_line.substr(0, m_position));
+    const int rowsAbove = columnsBefore / screenSize().width();
     if (rowsAbove > 0)
         std::printf("\x1b[%dA", rowsAbove);
     std::fputs("\r\x1b[J", stdout);
@@ -150,8 +170,10 @@ void Prompt::read()
 {
     std::array<char, 4096> buffer;
     const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+    if (count < 0 && (errno == EINTR || errno == EAGAIN))
+        return;
     if (count > 0) {
-        m_keys += QString::fromUtf8(buffer.data(), int(count)).toStdWString();
+        m_keys += m_decoder.toUnicode(buffer.data(), int(count)).toStdWString();
         handleKeys();
     } else {
         m_notifier.setEnabled(false); // the terminal has been closed
@@ -214,7 +236,7 @@ unsigned char Prompt::completeWord()
     if (found.words.isEmpty())
         return CC_ERROR;
     const QString word = commonBeginning(found.words);
-    if (found.words.size() > 1 && word.size() <= found.typed) {
+    if (found.words.size() > 1 && word.size() <= found.typed.size()) {
         const QByteArray choices = printable(found.words.join(QStringLiteral("  "))).toUtf8() + '\n';
         // Queued: the editor cannot be hidden while it handles a key.
         QMetaObject::invokeMethod(
@@ -222,7 +244,7 @@ unsigned char Prompt::completeWord()
         return CC_NORM;
     }
     const bool isWhole = found.words.size() == 1 && !word.endsWith(QLatin1Char('='));
-    el_deletestr(m_editor.get(), found.typed);
+    el_deletestr(m_editor.get(), int(found.typed.toStdWString().size()));
     el_winsertstr(m_editor.get(), (isWhole ? word + QLatin1Char(' ') : word).toStdWString().c_str());
     return CC_REFRESH;
 }

@@ -9,6 +9,7 @@
 #include <QSize>
 #include <QSocketNotifier>
 #include <QStringList>
+#include <QTextDecoder>
 
 #include <functional>
 #include <histedit.h>
@@ -20,7 +21,7 @@ QSize screenSize();
 /*! The words that can complete a line. */
 struct Completions
 {
-    int typed = 0;     //!< characters before the cursor that such a word replaces
+    QString typed;     //!< before the cursor; such a word replaces it
     QStringList words; //!< quoted where they need it
 };
 
@@ -34,6 +35,7 @@ public:
 
     /*! Keeps the history in \a historyFile. \a completer gets the text before the cursor. */
     Prompt(const QString &historyFile, Completer completer);
+    ~Prompt() override;
 
     QString takeLine() override;
     void awaitCommand() override;
@@ -62,10 +64,11 @@ private:
     const std::unique_ptr<History, void (*)(History *)> m_history;
     const std::unique_ptr<EditLine, void (*)(EditLine *)> m_editor;
     QSocketNotifier m_notifier;
-    std::wstring m_keys; // typed, not handled yet
+    QTextDecoder m_decoder; // keeps the beginning of a character
+    std::wstring m_keys;    // typed, not handled yet
     bool m_isShown = false;
-    QString m_line;     // unfinished; current while the prompt is not shown
-    int m_position = 0; // of the cursor in it
+    std::wstring m_line;   // unfinished; current while the prompt is not shown
+    size_t m_position = 0; // of the cursor in it
 };
 
 #endif // PROMPT_H
