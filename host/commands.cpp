@@ -203,19 +203,19 @@ Outcome quitHost(CommandContext *, const QStringList &)
 const QVector<Command> &commands()
 {
     static const QVector<Command> table{
-        {"classes",  "",                        "list the plugin's thing classes",          false, listClasses   },
-        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",               true,  discoverThings},
-        {"add",      "N",                       "add or reconfigure the N-th offer",        true,  addOffer      },
-        {"things",   "",                        "list all things",                          false, listThings    },
-        {"show",     "THING",                   "show a thing's parameters and states",     false, showThing     },
-        {"set",      "THING STATE VALUE",       "set a writable state",                     true,  setState      },
-        {"setup",    "THING",                   "run a thing's set-up again",               true,  setUpThing    },
-        {"remove",   "THING",                   "remove a thing, its children first",       false, removeThing   },
-        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",   false, watchWallboxes},
-        {"balance",  "WATT",                    "share a power among the cars, or \"off\"", false, balanceLoad   },
-        {"wait",     "SECONDS",                 "let time pass",                            false, letTimePass   },
-        {"help",     "",                        "show this list",                           false, showHelp      },
-        {"quit",     "",                        "end the host; its things stay stored",     false, quitHost      },
+        {"classes",  "",                        "list the plugin's thing classes",                  false, listClasses   },
+        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",                       true,  discoverThings},
+        {"add",      "N",                       "add or reconfigure the N-th offer",                true,  addOffer      },
+        {"things",   "",                        "list all things",                                  false, listThings    },
+        {"show",     "THING",                   "show a thing's parameters and states",             false, showThing     },
+        {"set",      "THING STATE VALUE",       "set a writable state",                             true,  setState      },
+        {"setup",    "THING",                   "run a thing's set-up again",                       true,  setUpThing    },
+        {"remove",   "THING",                   "remove a thing, its children first",               false, removeThing   },
+        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",           false, watchWallboxes},
+        {"balance",  "WATT",                    "share a power among the cars, or \"off\"",         false, balanceLoad   },
+        {"wait",     "SECONDS",                 "let time pass",                                    false, letTimePass   },
+        {"help",     "",                        "show this list (also \"?\")",                      false, showHelp      },
+        {"quit",     "",                        "end the host (also \"exit\"); things stay stored", false, quitHost      },
     };
     return table;
 }

@@ -22,8 +22,9 @@ The first commands for a simulator are
 then "add 1" and "watch".
 
 Things and plugin storage are kept in the storage folder, and so is the history of
-the prompt. What has been reported is stored. Log records go to standard error;
-without --log, debug records only where that is not a terminal.
+the prompt, with the secrets that were typed there. What has been reported is stored.
+Log records go to standard error; without --log, debug records only where that is not
+a terminal.
 
 At a terminal, Ctrl-C ends a "watch", a "wait" or an unfinished line; Ctrl-D ends
 the host. Otherwise a first SIGINT, SIGTERM or SIGHUP ends the host in good order as
