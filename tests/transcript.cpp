@@ -32,13 +32,22 @@ public:
     QString finishCase();
 
 private:
-    void beginCase(const QString &name);
-    QString start(const QString &name, const QString &command);
+    struct Order
+    {
+        QString (TranscriptRunner::*run)(const QString &text);
+        bool needsProgram;
+    };
+
+    QString beginCase(const QString &name);
+    QString start(const QString &nameAndCommand);
+    QString runShell(const QString &script);
+    QString choose(const QString &name);
+    QString type(const QString &line);
     QString expectOutput(const QString &text);
     QString expectError(const QString &text);
-    QString expectStatus(int status);
-    QString runShell(const QString &script);
+    QString endInput(const QString &);
     QString signal(const QString &name);
+    QString expectStatus(const QString &status);
 
     QString filledIn(QString text) const;
     bool matches(const QString &text, const QString &line);
@@ -59,53 +68,37 @@ TranscriptRunner::TranscriptRunner(const QStringList &definitions)
 
 QString TranscriptRunner::run(const QString &line)
 {
-    const QString order = line.section(' ', 0, 0);
-    const QString text = line.section(' ', 1);
-    if (order.isEmpty() || order == "#")
+    static const std::map<QString, Order> orders{
+        {"=",      {&TranscriptRunner::beginCase, false}  },
+        {"$",      {&TranscriptRunner::start, false}      },
+        {"sh",     {&TranscriptRunner::runShell, false}   },
+        {"@",      {&TranscriptRunner::choose, false}     },
+        {">",      {&TranscriptRunner::type, true}        },
+        {"<",      {&TranscriptRunner::expectOutput, true}},
+        {"!",      {&TranscriptRunner::expectError, true} },
+        {"end",    {&TranscriptRunner::endInput, true}    },
+        {"kill",   {&TranscriptRunner::signal, true}      },
+        {"status", {&TranscriptRunner::expectStatus, true}},
+    };
+    const QString name = line.section(' ', 0, 0);
+    if (name.isEmpty() || name == "#")
         return {};
-    if (order == "=") {
-        const QString difference = finishCase();
-        beginCase(text);
-        return difference;
-    }
-    if (order == "$")
-        return start(text.section(' ', 0, 0), text.section(' ', 1));
-    if (order == "sh")
-        return runShell(text);
-    if (order == "@") {
-        const auto found = m_programs.find(text);
-        if (found == m_programs.end())
-            return "there is no program \"" + text + '"';
-        m_program = found->second.get();
-        return {};
-    }
-    if (!m_program)
+    const auto order = orders.find(name);
+    if (order == orders.end())
+        return "there is no order \"" + name + '"';
+    if (order->second.needsProgram && !m_program)
         return "no program has been started";
-    if (order == ">") {
-        m_program->process.write(filledIn(text).toUtf8() + '\n');
-        return {};
-    }
-    if (order == "<")
-        return expectOutput(text);
-    if (order == "!")
-        return expectError(text);
-    if (order == "end") {
-        m_program->process.closeWriteChannel();
-        return {};
-    }
-    if (order == "kill")
-        return signal(text);
-    if (order == "status")
-        return expectStatus(text.toInt());
-    return "there is no order \"" + order + '"';
+    return (this->*order->second.run)(line.section(' ', 1));
 }
 
-void TranscriptRunner::beginCase(const QString &name)
+QString TranscriptRunner::beginCase(const QString &name)
 {
+    const QString difference = finishCase();
     m_folder = std::make_unique<QTemporaryDir>();
     m_placeholders = m_definitions;
     m_placeholders["folder"] = m_folder->path();
     m_placeholders["case"] = name;
+    return difference;
 }
 
 QString TranscriptRunner::finishCase()
@@ -125,9 +118,10 @@ QString TranscriptRunner::finishCase()
     return difference;
 }
 
-QString TranscriptRunner::start(const QString &name, const QString &command)
+QString TranscriptRunner::start(const QString &nameAndCommand)
 {
-    QStringList words = QProcess::splitCommand(filledIn(command));
+    const QString name = nameAndCommand.section(' ', 0, 0);
+    QStringList words = QProcess::splitCommand(filledIn(nameAndCommand.section(' ', 1)));
     auto program = std::make_unique<Program>();
     m_program = program.get();
     m_programs[name] = std::move(program);
@@ -135,6 +129,32 @@ QString TranscriptRunner::start(const QString &name, const QString &command)
     const QString file = words.takeFirst();
     m_program->process.start(file, words);
     return m_program->process.waitForStarted() ? QString() : "cannot start " + file;
+}
+
+QString TranscriptRunner::runShell(const QString &script)
+{
+    QProcess shell;
+    shell.setWorkingDirectory(m_folder->path());
+    shell.setProcessChannelMode(QProcess::MergedChannels);
+    shell.start("bash", {"-c", filledIn(script)});
+    if (!waitFor([&] { return shell.state() == QProcess::NotRunning; }))
+        return "the command does not end";
+    return shell.exitCode() == 0 ? QString() : "the command fails: " + shell.readAll();
+}
+
+QString TranscriptRunner::choose(const QString &name)
+{
+    const auto found = m_programs.find(name);
+    if (found == m_programs.end())
+        return "there is no program \"" + name + '"';
+    m_program = found->second.get();
+    return {};
+}
+
+QString TranscriptRunner::type(const QString &line)
+{
+    m_program->process.write(filledIn(line).toUtf8() + '\n');
+    return {};
 }
 
 QString TranscriptRunner::expectOutput(const QString &text)
@@ -182,7 +202,18 @@ QString TranscriptRunner::expectError(const QString &text)
     return done && found ? QString() : "standard error holds\n  " + seen.join("\n  ");
 }
 
-QString TranscriptRunner::expectStatus(int status)
+QString TranscriptRunner::endInput(const QString &)
+{
+    m_program->process.closeWriteChannel();
+    return {};
+}
+
+QString TranscriptRunner::signal(const QString &name)
+{
+    return runShell(QString("kill -s %1 %2").arg(name).arg(m_program->process.processId()));
+}
+
+QString TranscriptRunner::expectStatus(const QString &status)
 {
     QProcess &process = m_program->process;
     if (!waitFor([&] { return process.state() == QProcess::NotRunning; }))
@@ -193,25 +224,9 @@ QString TranscriptRunner::expectStatus(int status)
     // A shell reports a program that a signal has ended in the same way.
     const int ended =
         process.exitStatus() == QProcess::CrashExit ? 128 + process.exitCode() : process.exitCode();
-    return ended == status ? QString()
-                           : QString("the status is %1; standard error: ").arg(ended)
+    return ended == status.toInt() ? QString()
+                                   : QString("the status is %1; standard error: ").arg(ended)
             + QString::fromUtf8(process.readAllStandardError());
-}
-
-QString TranscriptRunner::runShell(const QString &script)
-{
-    QProcess shell;
-    shell.setWorkingDirectory(m_folder->path());
-    shell.setProcessChannelMode(QProcess::MergedChannels);
-    shell.start("bash", {"-c", filledIn(script)});
-    if (!waitFor([&] { return shell.state() == QProcess::NotRunning; }))
-        return "the command does not end";
-    return shell.exitCode() == 0 ? QString() : "the command fails: " + shell.readAll();
-}
-
-QString TranscriptRunner::signal(const QString &name)
-{
-    return runShell(QString("kill -s %1 %2").arg(name).arg(m_program->process.processId()));
 }
 
 QString TranscriptRunner::filledIn(QString text) const
