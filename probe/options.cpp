@@ -10,21 +10,21 @@
 namespace {
 
 constexpr char description[] =
-    "Checks whether nymea's Vela plugin would work with a backend. It asks whether\n"
-    "the backend is online, for the wallboxes of the group and for their live\n"
-    "values, with the plugin's own requests, and says what the plugin cannot use.\n"
-    "\n"
-    "The group's secret is read from --secret-file, else from the environment\n"
-    "variable VELA_SECRET, else from the terminal. It is never printed.\n"
-    "\n"
-    "PROBLEM marks what keeps the plugin from working with the backend or with one\n"
-    "of its wallboxes. With what is marked as a warning, it works. The exit status\n"
-    "is 0 without a problem, 1 with one, and 2 for a mistake in the command line.\n"
-    "\n"
-    "Nothing is changed at the backend, unless --set-limit sends a charge limit:\n"
-    "that limit stays in force until another one is set.\n"
-    "\n"
-    "Example: vela-probe --secret-file secret.txt http://192.168.1.20:8080 yard";
+    R"(Checks whether nymea's Vela plugin would work with a backend. It asks whether
+the backend is online, for the wallboxes of the group and for their live
+values, with the plugin's own requests, and says what the plugin cannot use.
+
+The group's secret is read from --secret-file, else from the environment
+variable VELA_SECRET, else from the terminal. It is never printed.
+
+PROBLEM marks what keeps the plugin from working with the backend or with one
+of its wallboxes. With what is marked as a warning, it works. The exit status
+is 0 without a problem, 1 with one, and 2 for a mistake in the command line.
+
+Nothing is changed at the backend, unless --set-limit sends a charge limit:
+that limit stays in force until another one is set.
+
+Example: vela-probe --secret-file secret.txt http://192.168.1.20:8080 yard)";
 
 constexpr double longestTimeout = 3600; // s
 

@@ -15,14 +15,18 @@
 namespace {
 
 constexpr char description[] =
-    "Simulates the backend of a charging yard: a group of wallboxes with cars.\n"
-    "\n"
-    "At the start a three-phase 16 A car charges at EVSE-01, a one-phase 32 A car at EVSE-02,\n"
-    "a three-phase car at EVSE-03 is full (SuspendedEV), and EVSE-04 is free. EVSE-05 is like\n"
-    "EVSE-01, and so on. \"vela-simulator --wallboxes 32\" starts with 32 of them.\n"
-    "Without a limit, the maxima of car and wallbox count. A limit is valid until the next one.\n"
-    "Open the printed URL in a browser to see and control the yard, or use URL/control/ in\n"
-    "scripts, for example: curl URL/control/state";
+    R"(Simulates the backend of a charging yard: a group of wallboxes with cars.
+
+At the start a three-phase 16 A car charges at EVSE-01, a one-phase 32 A car at
+EVSE-02, a three-phase car at EVSE-03 is full (SuspendedEV), and EVSE-04 is free.
+EVSE-05 is like EVSE-01, and so on. "vela-simulator --wallboxes 32" starts with
+32 of them.
+
+Without a limit, the maxima of car and wallbox count. A limit is valid until the
+next one.
+
+Open the printed URL in a browser to see and control the yard, or use URL/control/
+in scripts, for example: curl URL/control/state)";
 
 struct SimulatorOptions
 {
