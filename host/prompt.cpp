@@ -83,12 +83,16 @@ Prompt::Prompt(const QString &historyFile, Completer completer)
         editor, EL_ADDFN, "vela-complete", "complete the word",
         +[](EditLine *caller, int) { return promptOf(caller)->completeWord(); });
     constexpr std::array<const char *, 2> keys[] = {
-        {"^I",     "vela-complete"      },
-        {"^C",     "em-kill-line"       },
-        {"^R",     "em-inc-search-prev" },
-        {"\\e[H",  "ed-move-to-beg"     },
-        {"\\e[F",  "ed-move-to-end"     },
-        {"\\e[3~", "ed-delete-next-char"},
+        {"^I",     "vela-complete"         },
+        {"^R",     "ed-search-prev-history"},
+        {"\\e[H",  "ed-move-to-beg"        },
+        {"\\e[F",  "ed-move-to-end"        },
+        {"\\e[3~", "ed-delete-next-char"   },
+        {"\\e[2~", "ed-ignore"             }, // Insert, Page Up and Page Down would type "~"
+        {"\\e[5~", "ed-ignore"             },
+        {"\\e[6~", "ed-ignore"             },
+        {"\\ex",   "ed-ignore"             }, // the editor's own commands, for which it waits for more keys
+        {"\\eX",   "ed-ignore"             },
     };
     for (const auto &[key, function] : keys)
         el_set(editor, EL_BIND, key, function, nullptr);
@@ -199,6 +203,8 @@ void Prompt::handleKeys()
 
 void Prompt::editLine()
 {
+    if (m_keys.front() == interruptKey)
+        return dropLine();
     el_resize(m_editor.get()); // The terminal may have another size by now.
     int length = 0;
     const wchar_t *line = el_wgets(m_editor.get(), &length);
@@ -212,6 +218,16 @@ void Prompt::editLine()
         std::puts("");
         emit ready();
     }
+}
+
+/*! Begins a new line, also in the history. */
+void Prompt::dropLine()
+{
+    m_keys.erase(0, 1);
+    hide();
+    m_line.clear();
+    m_position = 0;
+    show();
 }
 
 void Prompt::acceptLine(const QString &line)

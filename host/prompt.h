@@ -54,6 +54,7 @@ private:
     void read();
     void handleKeys();
     void editLine();
+    void dropLine();
     void acceptLine(const QString &line);
     unsigned char completeWord();
 
