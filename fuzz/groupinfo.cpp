@@ -44,7 +44,7 @@ public:
         QSet<QString> infraIds;
         QSet<ThingClassId> classIds;
         for (const Thing *wallbox : wallboxes) {
-            infraIds.insert(wallbox->paramValue("infraID").toString());
+            infraIds.insert(infraIdOf(wallbox));
             classIds.insert(wallbox->thingClassId());
             require(wallbox->parentId() == gateway()->id(), "the gateway is the parent");
             const uint most = wallbox->paramValue("maxAllowedCurrent").toUInt();

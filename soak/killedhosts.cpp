@@ -3,6 +3,7 @@
 
 #include "killedhosts.h"
 
+#include "site.h"
 #include "soak.h"
 #include "waiting.h"
 
@@ -92,7 +93,7 @@ void KilledHosts::killOne()
         send(m_discovery); // each writes the plugin's settings
     send("add 1");         // a gateway that is there already is set up again
     for (int i = 0; i < 30; ++i) {
-        const QString name = infraIdOf(1 + int(m_random() % wallboxCount));
+        const QString name = numberedId(1 + int(m_random() % wallboxCount));
         send(chance(50) ? QString("set %1 power %2").arg(name, chance(50) ? "true" : "false")
                         : QString("set %1 maxChargingCurrent %2").arg(name).arg(6 + m_random() % 11),
              name);

@@ -26,11 +26,6 @@ void require(bool holds, const QString &finding)
         throw std::runtime_error(finding.toStdString());
 }
 
-QString infraIdOf(int number)
-{
-    return QString("EVSE-%1").arg(number, 2, 10, QChar('0'));
-}
-
 /*! vela-soak polls|silence|kills [OPTION...]; --help after the mode lists its options. */
 int main(int argc, char **argv)
 {

@@ -30,11 +30,6 @@ void (*const faults[])(Backend &) = {
     [](Backend &backend) { backend.closeConnections(); },
 };
 
-QString infraIdOf(const Thing *wallbox)
-{
-    return wallbox->paramValue("infraID").toString();
-}
-
 /*! What the meter of \a wallbox reads in Wh at \a time in s. A session takes 40 s, in the last 8 of which the
     car is full. Before two of three sessions the wallbox is free for 3 s. */
 int meterAt(const Thing *wallbox, qint64 time)
@@ -58,7 +53,7 @@ QJsonObject limit(double ampere)
 void PolledPlugin::run(int polls)
 {
     m_silence = never;
-    m_site.backend.setWallbox(infraIdOf(1), 32);
+    m_site.backend.setWallbox(numberedId(1), 32);
     const QString error = m_site.addGateway();
     require(error.isEmpty(), "The gateway cannot be added: " + error);
     setUp(1);
@@ -68,7 +63,7 @@ void PolledPlugin::run(int polls)
     setUp(wallboxCount / 2);
     setUp(1); // the others come back as new things
     pollFor(polls / 2);
-    m_site.remove(m_site.wallbox(infraIdOf(1)));
+    m_site.remove(m_site.wallbox(numberedId(1)));
     pollFor(10);
     leave();
     resting.append(Census::takeSettled());
@@ -80,7 +75,7 @@ void PolledPlugin::setUp(int firstNumber)
 {
     m_site.backend.wallboxes = {};
     for (int number = firstNumber; number <= wallboxCount; ++number)
-        m_site.backend.setWallbox(infraIdOf(number), 32);
+        m_site.backend.setWallbox(numberedId(number), 32);
     require(Site::result(m_site.setup(m_site.gateway())) == "NoError", "The gateway's set-up fails.");
     require(m_site.infraIds() == m_site.backend.wallboxes.keys(), "The wallboxes are not the group's.");
     m_site.chargeLimitTimers().constFirst()->stop(); // renewLimits() fires it
@@ -115,12 +110,12 @@ void PolledPlugin::pollFor(int polls)
         if (chance(1))
             moveClock(chance(50) ? 3600 : -3600);
         if (m_faultyPolls == 0 && chance(2))
-            strike();
+            beginFault();
         poll(chance(3) ? 2 + int(m_random() % (connectionsOfQt - 1)) : 1);
     }
 }
 
-void PolledPlugin::strike()
+void PolledPlugin::beginFault()
 {
     faults[m_random() % std::size(faults)](m_site.backend);
     m_faultyPolls = 1 + int(m_random() % 5);
@@ -237,7 +232,7 @@ void PolledPlugin::pass()
 /*! Whether the wallbox that comes last in a reply shows the values of that \a time. */
 bool PolledPlugin::shows(qint64 time) const
 {
-    return m_site.state(infraIdOf(wallboxCount), "timestamp").toLongLong() == time;
+    return m_site.state(numberedId(wallboxCount), "timestamp").toLongLong() == time;
 }
 
 /*! The readings of \a time have arrived. Each adds the energy by which it is above the one before, unless

@@ -40,7 +40,7 @@ private:
     void setUp(int firstNumber);
     void leave();
     void pollFor(int polls);
-    void strike();
+    void beginFault();
     void act();
     void renewLimits();
     void moveClock(int seconds);

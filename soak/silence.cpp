@@ -83,8 +83,8 @@ void soakInSilence(const QStringList &arguments)
     QLoggingCategory::setFilterRules("Vela.debug=false");
     Site site;
     for (int i = 1; i <= line.wholeNumber("wallboxes", 1, 32); ++i) {
-        site.backend.setWallbox(infraIdOf(i), 16);
-        site.backend.values.insert(infraIdOf(i), json(R"({"status": "Charging"})"));
+        site.backend.setWallbox(numberedId(i), 16);
+        site.backend.values.insert(numberedId(i), json(R"({"status": "Charging"})"));
     }
     const QString error = site.addGateway();
     require(error.isEmpty(), error);

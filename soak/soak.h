@@ -20,7 +20,4 @@ void soakWithKills(const QStringList &arguments);
 /*! Ends the run with \a finding unless \a holds. Not for slots: Qt passes no exceptions on. */
 void require(bool holds, const QString &finding);
 
-/*! The id of wallbox \a number, from 1 on: "EVSE-01". */
-QString infraIdOf(int number);
-
 #endif // SOAK_H

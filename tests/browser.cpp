@@ -26,33 +26,33 @@ void tabTo(WebDriver &browser, const QString &selector)
 /*! What is wrong with \a line; empty if it has been done. */
 QString execute(WebDriver &browser, const QString &line)
 {
-    const QString order = line.section(' ', 0, 0);
+    const QString command = line.section(' ', 0, 0);
     const QString text = line.section(' ', 1);
     const QString selector = text.section(" = ", 0, 0);
     const QString value = text.section(" = ", 1);
     const QString shown = "text('" + selector + "')";
-    if (order == "open")
+    if (command == "open")
         browser.open(text);
-    else if (order == "click")
+    else if (command == "click")
         browser.click(text);
-    else if (order == "fill")
+    else if (command == "fill")
         browser.run("at('" + selector + "').value = '" + value + '\'');
-    else if (order == "press")
+    else if (command == "press")
         browser.press(keysOf(text));
-    else if (order == "tab")
+    else if (command == "tab")
         tabTo(browser, text);
-    else if (order == "width")
+    else if (command == "width")
         browser.resize(text.toInt());
-    else if (order == "shows")
+    else if (command == "shows")
         browser.wait(shown + ".includes('" + value + "')", shown);
-    else if (order == "wait")
+    else if (command == "wait")
         browser.wait(text, text);
-    else if (order == "run")
+    else if (command == "run")
         browser.run(text);
-    else if (order == "print")
+    else if (command == "print")
         QTextStream(stdout) << browser.value(text).toString() << '\n';
     else
-        return "there is no command \"" + order + '"';
+        return "there is no command \"" + command + '"';
     return browser.error();
 }
 

@@ -30,8 +30,8 @@ void LogRecorder::record(QtMsgType type, const QMessageLogContext &context, cons
         return;
     }
     s_recorder->m_lines.append((type == QtDebugMsg ? "debug: " : "warning: ") + message);
-    if (s_recorder->heard)
-        s_recorder->heard(s_recorder->m_lines.constLast());
+    if (s_recorder->onLine)
+        s_recorder->onLine(s_recorder->m_lines.constLast());
 }
 
 QStringList LogRecorder::warnings() const

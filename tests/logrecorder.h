@@ -25,7 +25,7 @@ public:
     int count(const QString &start) const;
     void clear() { m_lines.clear(); }
 
-    std::function<void(const QString &line)> heard; //!< called with each line as it is logged; may be empty
+    std::function<void(const QString &line)> onLine; //!< called with each line as it is logged; may be empty
 
 private:
     static void record(QtMsgType type, const QMessageLogContext &context, const QString &message);

@@ -84,7 +84,7 @@ PluginConsole::PluginConsole()
     addOtherCommands();
     addListeners();
     addQueries();
-    m_site.log.heard = [this](const QString &line) {
+    m_site.log.onLine = [this](const QString &line) {
         if (m_shown.contains("log") || line.startsWith("warning: "))
             print(line);
     };
@@ -108,12 +108,12 @@ void PluginConsole::run(const QString &line)
     if (!command)
         qFatal("There is no command \"%s\".", qPrintable(line));
     command(words);
-    rest();
+    waitUntilIdle();
     printFinishedJobs();
     flush();
 }
 
-void PluginConsole::rest() const
+void PluginConsole::waitUntilIdle() const
 {
     // A large reply may be under way in the kernel alone.
     if (!waitFor([this] { return settle() && m_site.backend.isAllSent(); }) || !settle())
@@ -128,7 +128,7 @@ void PluginConsole::addBackendCommands()
     };
     m_commands["wallboxes"] = [&](const Words &words) {
         for (int i = 1; i <= words.value(0).toInt(); ++i)
-            backend.setWallbox(QString("EVSE-%1").arg(i, 2, 10, QChar('0')), 16);
+            backend.setWallbox(numberedId(i), 16);
     };
     m_commands["unlist"] = [&](const Words &words) { backend.wallboxes.remove(words.value(0)); };
     m_commands["group"] = [&](const Words &words) { backend.wallboxes = json(words.join(' ').toUtf8()); };
@@ -172,7 +172,7 @@ void PluginConsole::addFaultCommands()
         backend.hold(ScriptedBackend::Values);
         for (int i = 0; i < connectionsOfQt; ++i)
             m_site.tick();
-        rest();
+        waitUntilIdle();
         backend.releaseAll(ScriptedBackend::Values);
         const Census census = Census::takeSettled();
         print(QString("%1 objects and %2 descriptors more")
@@ -249,7 +249,7 @@ void PluginConsole::addOtherCommands()
     m_commands["poll"] = [&](const Words &words) {
         for (int i = 0; i < words.value(0, "1").toInt(); ++i) {
             m_site.tick();
-            rest();
+            waitUntilIdle();
         }
     };
     m_commands["quiet"] = [](const Words &) { QLoggingCategory::setFilterRules("Vela.debug=false"); };

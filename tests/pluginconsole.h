@@ -39,7 +39,7 @@ private:
 
     void print(const QString &line);
     void flush();
-    void rest() const;
+    void waitUntilIdle() const;
     void show(const QString &kind, const QString &line);
     void printRequest(const ScriptedBackend::Request &request);
     void printAppeared(const ThingDescriptors &descriptors);

@@ -27,6 +27,16 @@ QString name(Thing::ThingError error)
 
 } // namespace
 
+QString numberedId(int number)
+{
+    return QString("EVSE-%1").arg(number, 2, 10, QChar('0'));
+}
+
+QString infraIdOf(const Thing *wallbox)
+{
+    return wallbox->paramValue("infraID").toString();
+}
+
 // What Qt asks for the current second; the program's own comes before the C library's.
 extern "C" int gettimeofday(timeval *tv, void *) noexcept
 {
@@ -137,9 +147,8 @@ Things Site::wallboxes() const
 Thing *Site::wallbox(const QString &infraId) const
 {
     const Things things = wallboxes();
-    const auto it = std::find_if(things.cbegin(), things.cend(), [&infraId](const Thing *thing) {
-        return thing->paramValue("infraID") == infraId;
-    });
+    const auto it = std::find_if(things.cbegin(), things.cend(),
+                                 [&infraId](const Thing *thing) { return infraIdOf(thing) == infraId; });
     return it == things.cend() ? nullptr : *it;
 }
 
@@ -156,7 +165,7 @@ QStringList Site::infraIds() const
     QStringList result;
     const Things things = wallboxes();
     for (const Thing *thing : things)
-        result.append(thing->paramValue("infraID").toString());
+        result.append(infraIdOf(thing));
     result.sort();
     return result;
 }

@@ -18,6 +18,11 @@ class QTimer;
 
 constexpr int connectionsOfQt = 6; //!< that it opens to one backend
 
+/*! The id of wallbox \a number, from 1 on: "EVSE-01". */
+QString numberedId(int number);
+/*! The infrastructure id of the thing \a wallbox. */
+QString infraIdOf(const Thing *wallbox);
+
 /*! How a job has ended. */
 struct Outcome
 {

@@ -11,8 +11,8 @@
 [[nodiscard]] bool waitFor(const std::function<bool()> &condition);
 
 /*! Handles events until nothing is left to do: no event is pending, and all other threads of the program
-    sleep, Qt's network thread among them. What a peer in this program was sent has then been answered, if it
-    answers. False when the program does not become idle within a minute. */
+    sleep, Qt's network thread among them. By then, a peer in this program has answered what it was sent, if it
+    answers at all. False when the program does not become idle within a minute. */
 [[nodiscard]] bool settle();
 
 #endif // WAITING_H
