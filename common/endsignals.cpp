@@ -16,7 +16,7 @@ int pipeEnds[2] = {-1, -1}; // for reading and for writing; never closed
 
 constexpr int endSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-// A signal handler may only call async-signal-safe functions: signal() and write() are.
+/*! May only call async-signal-safe functions, as every signal handler: signal() and write() are. */
 void onSignal(int)
 {
     for (const int number : endSignals)

@@ -29,7 +29,7 @@ void runEvents()
 
 } // namespace
 
-// In place of the library's. Qt answers a data URL by itself, from the event loop.
+/*! In place of Qt's own function. Qt answers a data URL by itself, from the event loop. */
 QNetworkReply *QNetworkAccessManager::post(const QNetworkRequest &, const QByteArray &)
 {
     return get(QNetworkRequest(QUrl("data:application/json;base64," + nextReply().toBase64())));

@@ -26,7 +26,7 @@ void restoreTerminal()
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &terminalBefore);
 }
 
-// An interrupted prompt must not leave a terminal that does not echo.
+/*! An interrupted prompt must not leave a terminal that does not echo. */
 void endInterrupted(int signal)
 {
     restoreTerminal();

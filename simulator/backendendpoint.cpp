@@ -12,7 +12,7 @@ namespace {
 
 constexpr char accessToken[] = "3f6c1d2e-7a4b-4c8d-9e0f-1a2b3c4d5e6f";
 
-// A reply with one more member, unless its name is empty.
+/*! A reply with one more member, unless its name is empty. */
 HttpReply success(const QString &name = {}, const QJsonValue &value = {})
 {
     QJsonObject members;
@@ -22,12 +22,12 @@ HttpReply success(const QString &name = {}, const QJsonValue &value = {})
     return jsonReply(members);
 }
 
-HttpReply answerOnline(Simulation & /*simulation*/, const QJsonObject & /*body*/)
+HttpReply answerOnline(Simulation &, const QJsonObject &)
 {
     return success();
 }
 
-HttpReply answerGroupInfo(Simulation &simulation, const QJsonObject & /*body*/)
+HttpReply answerGroupInfo(Simulation &simulation, const QJsonObject &)
 {
     QJsonObject info;
     for (const auto &[id, wallbox] : simulation.wallboxes) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-// What \a value should be; empty if it is valid.
+/*! What \a value should be; empty if it is valid. */
 QString expectation(const BodyMember &member, const QJsonValue &value)
 {
     const double number = value.toDouble();

@@ -12,7 +12,7 @@ constexpr char wallboxPath[] = "/control/wallboxes/";
 constexpr BodyMember maximumMember{"maxChargingCurrent", BodyMember::WholeNumber, minimumCurrent,
                                    maximumCurrent};
 
-QString addWallbox(Simulation &simulation, const QString & /*id*/, const QJsonObject &body)
+QString addWallbox(Simulation &simulation, const QString &, const QJsonObject &body)
 {
     const QString wanted = body.value(QLatin1String("id")).toString();
     const QString id = wanted.isEmpty() ? simulation.freeId() : wanted;
@@ -24,7 +24,7 @@ QString addWallbox(Simulation &simulation, const QString & /*id*/, const QJsonOb
     return {};
 }
 
-QString setFaults(Simulation &simulation, const QString & /*id*/, const QJsonObject &body)
+QString setFaults(Simulation &simulation, const QString &, const QJsonObject &body)
 {
     simulation.faults = body;
     const QStringList names = body.keys();
@@ -36,13 +36,13 @@ QString setFaults(Simulation &simulation, const QString & /*id*/, const QJsonObj
     return {};
 }
 
-QString setSpeed(Simulation &simulation, const QString & /*id*/, const QJsonObject &body)
+QString setSpeed(Simulation &simulation, const QString &, const QJsonObject &body)
 {
     simulation.speed = body.value(QLatin1String("factor")).toDouble();
     return {};
 }
 
-QString setGroup(Simulation &simulation, const QString & /*id*/, const QJsonObject &body)
+QString setGroup(Simulation &simulation, const QString &, const QJsonObject &body)
 {
     simulation.group = body.value(QLatin1String("group")).toString(simulation.group);
     simulation.secret = body.value(QLatin1String("secret")).toString(simulation.secret);
@@ -63,21 +63,20 @@ QString configure(Simulation &simulation, const QString &id, const QJsonObject &
     return {};
 }
 
-QString remove(Simulation &simulation, const QString &id, const QJsonObject & /*body*/)
+QString remove(Simulation &simulation, const QString &id, const QJsonObject &)
 {
     simulation.wallboxes.erase(id);
     return {};
 }
 
-template <bool isBroken>
-QString setBroken(Simulation &simulation, const QString &id, const QJsonObject & /*body*/)
+template <bool isBroken> QString setBroken(Simulation &simulation, const QString &id, const QJsonObject &)
 {
     simulation.wallboxes[id].isBroken = isBroken;
     return {};
 }
 
 template <QString (SimulatedWallbox::*act)()>
-QString plain(Simulation &simulation, const QString &id, const QJsonObject & /*body*/)
+QString plain(Simulation &simulation, const QString &id, const QJsonObject &)
 {
     return (simulation.wallboxes[id].*act)();
 }
@@ -129,7 +128,7 @@ const Control *find(const std::vector<Control> &rows, const QString &name)
     return nullptr;
 }
 
-// An empty body counts as an empty object.
+/*! An empty body counts as an empty object. */
 HttpReply apply(Simulation &simulation, const Control &control, const std::optional<QString> &id,
                 const QByteArray &text)
 {
@@ -153,7 +152,7 @@ HttpReply apply(Simulation &simulation, const Control &control, const std::optio
                               : refusal(409, conflict);
 }
 
-// The target is "ID/ACTION". The id may contain slashes.
+/*! The target is "ID/ACTION". The id may contain slashes. */
 HttpReply setWallbox(Simulation &simulation, const QString &target, const QByteArray &body)
 {
     const QString name = target.section(QLatin1Char('/'), -1);
@@ -166,8 +165,8 @@ HttpReply setWallbox(Simulation &simulation, const QString &target, const QByteA
     return refusal(404, QStringLiteral("there is no action \"%1\"; known: %2").arg(name, known));
 }
 
-// Browsers send the page's origin with every POST, and with every GET for which a page of another origin could
-// read the answer. Scripts and curl send none.
+/*! Browsers send the page's origin with every POST, and with every GET for which a page of another origin
+    could read the answer. Scripts and curl send none. */
 bool isFromOwnPage(const HttpRequest &request)
 {
     return request.origin.isNull() || request.origin == "http://" + request.host;

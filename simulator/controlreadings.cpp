@@ -74,7 +74,7 @@ QByteArray serverSentEvent(const char *name, const HttpReply &reply)
     return QByteArrayLiteral("event: ") + name + "\ndata: " + reply.body + "\n\n";
 }
 
-// The limits that have arrived since the previous call with the same \a seen.
+/*! The limits that have arrived since the previous call with the same \a seen. */
 QJsonArray newLimits(const QJsonArray &limits, int &seen)
 {
     QJsonArray news;
@@ -86,8 +86,8 @@ QJsonArray newLimits(const QJsonArray &limits, int &seen)
     return news;
 }
 
-// Each event contains the same as a GET of its name, but "limits" and "log" only what is new. The history is
-// sent once. The log comes last, so that a page that has received it is up to date.
+/*! Each event contains the same as a GET of its name, but "limits" and "log" only what is new. The history is
+    sent once. The log comes last, so that a page that has received it is up to date. */
 HttpReply eventsReply(Simulation &simulation)
 {
     HttpReply reply;

@@ -28,8 +28,7 @@ QByteArray header(MHD_Connection *connection, const char *name)
     return MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
 }
 
-void deleteRequest(void * /*server*/, MHD_Connection * /*connection*/, void **request,
-                   MHD_RequestTerminationCode /*reason*/)
+void deleteRequest(void *, MHD_Connection *, void **request, MHD_RequestTerminationCode)
 {
     delete static_cast<HttpRequest *>(*request);
 }
@@ -97,9 +96,9 @@ int HttpServer::port() const
     return MHD_get_daemon_info(m_daemon, MHD_DAEMON_INFO_BIND_PORT)->port;
 }
 
-// Called with the head of a request, with each part of its body, and then until there is a reply.
+/*! Called with the head of a request, with each part of its body, and then until there is a reply. */
 MHD_Result HttpServer::receive(void *server, MHD_Connection *connection, const char *url, const char *method,
-                               const char * /*version*/, const char *data, size_t *size, void **state)
+                               const char *, const char *data, size_t *size, void **state)
 {
     auto *self = static_cast<HttpServer *>(server);
     auto *request = static_cast<HttpRequest *>(*state);
@@ -117,7 +116,7 @@ MHD_Result HttpServer::receive(void *server, MHD_Connection *connection, const c
     return request->body.size() <= mostBytesRead ? MHD_YES : MHD_NO; // MHD_NO ends the connection
 }
 
-// A refusal at this point ends the connection, so that the body is not taken for the next request.
+/*! A refusal at this point ends the connection, so that the body is not taken for the next request. */
 MHD_Result HttpServer::receiveHead(MHD_Connection *connection, HttpRequest &request)
 {
     if (header(connection, "Content-Length").toULongLong() > qulonglong(largestBody))
@@ -165,7 +164,7 @@ MHD_Result HttpServer::send(MHD_Connection *connection, const HttpReply &reply)
     return result;
 }
 
-ssize_t HttpServer::readStream(void *stream, uint64_t /*position*/, char *buffer, size_t size)
+ssize_t HttpServer::readStream(void *stream, uint64_t, char *buffer, size_t size)
 {
     auto &[server, connection, next, chunk, written] = *static_cast<Stream *>(stream);
     if (written == chunk.size()) {

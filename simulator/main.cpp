@@ -59,7 +59,7 @@ SimulatorOptions readOptions()
     return options;
 }
 
-// Prints one line. Whatever the user has entered, it cannot control the terminal.
+/*! Prints one line. Whatever the user has entered, it cannot control the terminal. */
 void print(FILE *stream, const QString &line)
 {
     std::fprintf(stream, "%s\n", qUtf8Printable(printable(line)));

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t requestsKept = 200;
 constexpr int largestBodyKept = 64 * 1024; // bytes; 200 larger ones would take too much memory
 
-// Clients may put the secret anywhere by mistake, and the page shows what is logged.
+/*! Clients may put the secret anywhere by mistake, and the page shows what is logged. */
 QJsonValue withoutSecrets(const QJsonValue &value)
 {
     if (value.isArray()) {
@@ -32,7 +32,7 @@ QJsonValue withoutSecrets(const QJsonValue &value)
     return object;
 }
 
-// A body that is not JSON could contain the secret anywhere, so only its length is kept.
+/*! A body that is not JSON could contain the secret anywhere, so only its length is kept. */
 QJsonValue masked(const QByteArray &body)
 {
     const QJsonDocument document = QJsonDocument::fromJson(body);
@@ -43,7 +43,8 @@ QJsonValue masked(const QByteArray &body)
     return withoutSecrets(document.object());
 }
 
-// What a request asks for, which may have any body: "EVSE-01 10 A", "4 wallboxes 6 to 16 A" or "4 wallboxes".
+/*! What a request asks for: "EVSE-01 10 A", "4 wallboxes 6 to 16 A", "4 wallboxes" or, with another body,
+    nothing. */
 QString summary(const QJsonValue &body)
 {
     const QJsonObject limits = body[QLatin1String("limits")].toObject();

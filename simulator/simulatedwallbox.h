@@ -13,9 +13,9 @@
 /*! Simulated time, which may run faster than the clock. */
 using Seconds = std::chrono::duration<double>;
 
-//! A car draws at least this current or none at all (IEC 61851-1), so a lower limit stops it.
+/*! A car draws at least this current or none at all (IEC 61851-1), so a lower limit stops it. */
 constexpr double minimumCurrent = 6; // A
-//! The largest current of an IEC 62196 type 2 plug, on each of three phases.
+/*! The largest current of an IEC 62196 type 2 plug, on each of three phases. */
 constexpr double maximumCurrent = 63; // A
 constexpr double phaseVoltage = 230;  // V
 

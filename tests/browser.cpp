@@ -10,7 +10,7 @@
 
 namespace {
 
-// Keys by their WebDriver names; anything else is typed as it is.
+/*! "Tab" and "Enter" as WebDriver needs them; everything else is typed as it is. */
 QString keysOf(QString words)
 {
     return words.replace("Tab", QChar(0xe004)).replace("Enter", QChar(0xe007)).remove(' ');

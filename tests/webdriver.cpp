@@ -119,7 +119,7 @@ QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const 
     return value;
 }
 
-// Of the element that a JavaScript expression stands for.
+/*! The path of the element that a JavaScript \a expression stands for. */
 QString WebDriver::pathOf(const QString &expression)
 {
     return "/element/" + value(expression).toObject().begin().value().toString(); // its key is the protocol's
