@@ -67,7 +67,7 @@ ProbeOptions readOptions(const QStringList &arguments)
     // They are not repeated: a third argument may well be the secret, which must not appear on a screen.
     if (line.arguments().size() != 2)
         endWithUsageError(
-            QStringLiteral("takes exactly URL and GROUP; the secret is no argument, see --secret-file"));
+            QStringLiteral("takes exactly URL and GROUP; the secret is not an argument, see --secret-file"));
     ProbeOptions options;
     options.url = line.arguments().at(0);
     options.groupId = line.arguments().at(1);

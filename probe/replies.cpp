@@ -118,10 +118,11 @@ void judgeRecord(Step &step, const QJsonValue &value, const LiveValues &values, 
     const QJsonObject record = value.toObject();
     const QJsonValue status = record.value(QLatin1String("status"));
     if (status.toString() != values.state)
-        step.problem("unknown-status",
-                     "\"status\" is %1, which is no connector status of OCPP 1.6 in its exact spelling; the "
-                     "plugin shows \"Unavailable\" and no current",
-                     {inWords(status)});
+        step.problem(
+            "unknown-status",
+            "\"status\" is %1, which is not a connector status of OCPP 1.6 in its exact spelling; the "
+            "plugin shows \"Unavailable\" and no current",
+            {inWords(status)});
     judgeTimestamp(step, record.value(QLatin1String("timestamp")), values.timestamp, now);
     judgeMeasurements(step, record);
 }

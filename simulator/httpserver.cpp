@@ -122,7 +122,7 @@ MHD_Result HttpServer::receiveHead(MHD_Connection *connection, HttpRequest &requ
     if (header(connection, "Content-Length").toULongLong() > qulonglong(largestBody))
         return send(connection, tooLarge());
     if (header(connection, "Content-Type").startsWith("multipart/form-data"))
-        return send(connection, refusal(415, QStringLiteral("the body is no JSON")));
+        return send(connection, refusal(415, QStringLiteral("the body is not JSON")));
     request.host = header(connection, "Host");
     request.origin = header(connection, "Origin");
     request.authorization = header(connection, "Authorization");

@@ -55,7 +55,7 @@ SimulatorOptions readOptions()
     simulation.addFirstWallboxes(line.wholeNumber("wallboxes", 0, 1000));
     options.port = line.wholeNumber("port", 0, 65535);
     if (simulation.listenAddress.isEmpty())
-        endWithUsageError(QStringLiteral("--listen takes an address, as 127.0.0.1 or 0.0.0.0"));
+        endWithUsageError(QStringLiteral("--listen takes an address, such as 127.0.0.1 or 0.0.0.0"));
     return options;
 }
 

@@ -37,7 +37,7 @@ QJsonValue masked(const QByteArray &body)
 {
     const QJsonDocument document = QJsonDocument::fromJson(body);
     if (!document.isObject())
-        return QStringLiteral("%1 bytes that are no JSON object").arg(body.size());
+        return QStringLiteral("%1 bytes that are not a JSON object").arg(body.size());
     if (body.size() > largestBodyKept)
         return QStringLiteral("%1 bytes").arg(body.size());
     return withoutSecrets(document.object());
