@@ -22,7 +22,7 @@ template <typename Predicate> Things matching(const Things &things, Predicate pr
     return result;
 }
 
-/*! Names a few of the things, with their ids where a name occurs more than once. */
+/*! Names a few of the things, with their ids if a name occurs more than once. */
 QString listed(const Things &things)
 {
     constexpr int most = 8;

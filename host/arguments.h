@@ -21,8 +21,8 @@ tl::expected<ParamList, QString> readAssignments(const QStringList &assignments,
 /*! Reads a time in seconds, up to a day. */
 tl::expected<std::chrono::milliseconds, QString> readSeconds(const QString &text);
 
-/*! The thing that \a text stands for: a whole name or id goes first, then the beginning of either. Upper and
-    lower case differ, as they do between wallboxes of a group. */
+/*! The thing that \a text stands for: a complete name or id takes precedence over the beginning of one.
+    Case-sensitive, as the ids of wallboxes are. */
 tl::expected<Thing *, QString> findThing(const Things &things, const QString &text);
 
 /*! The names of the entries, in their order. */

@@ -43,20 +43,20 @@ using Outcome = tl::expected<std::variant<Message, StartedJob, Pause>, QString>;
 struct Command
 {
     const char *name;
-    const char *arguments; //!< what follows, for the reader and for counting; optional in brackets
+    const char *arguments; //!< as the usage shows them; optional ones in brackets
     const char *summary;
     bool startsJob; //!< what it returns is a StartedJob
     Outcome (*run)(CommandContext *context, const QStringList &arguments); //!< a started job needs \a context
 
     QString usage() const;
-    /*! The name of the argument at \a index, counted from 0, without brackets; empty where there is none. */
+    /*! The name of the argument at \a index, counted from 0, without brackets; empty if there is none. */
     QString argument(int index) const;
     bool takes(int argumentCount) const;
 };
 
 const QVector<Command> &commands();
 QStringList commandNames();
-/*! The command of that name, for which there may be another one; null where there is none. */
+/*! The command with that name or that other name; null if there is none. */
 const Command *findCommand(const QString &name);
 
 #endif // COMMANDS_H

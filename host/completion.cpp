@@ -17,7 +17,7 @@ int lastWord(const QString &text)
     return begin;
 }
 
-/*! What a word is read as that may not be finished: a quote may be open. */
+/*! \a typed without its quotes, the last of which may still be open. */
 QString unquoted(const QString &typed)
 {
     for (const char *end : {"", "\"", "'"}) {

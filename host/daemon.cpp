@@ -33,7 +33,7 @@ void logStoring(const QString &error, QString *lastError, const char *success)
     *lastError = error;
 }
 
-/*! The number of the file of \a settings in its file system; 0 where there is none. */
+/*! The number of the file of \a settings in its file system; 0 if there is none. */
 ino_t fileNumber(const QSettings &settings)
 {
     struct stat file;
@@ -81,7 +81,7 @@ QString Daemon::load()
         return storeError;
     loaded->plugin->initPlugin(m_metadata, this, &m_hardwareManager, m_folder.path());
     const QSettings *settings = loaded->plugin->pluginStorage();
-    settings->allKeys(); // QSettings judges what it has read
+    settings->allKeys(); // parses the whole file, which sets the status
     if (settings->status() != QSettings::NoError)
         return QStringLiteral("The plugin's storage %1 cannot be used.").arg(settings->fileName());
 
@@ -225,7 +225,7 @@ void Daemon::watch(Thing *thing)
                 if (std::exchange(values[stateTypeId], value) == value)
                     return;
                 m_changes.append({thing, stateTypeId, value});
-                // Queued: what the plugin does in one go is stored and reported in one go.
+                // Queued: what the plugin changes in one event is stored and reported together.
                 if (m_changes.size() == 1)
                     QMetaObject::invokeMethod(this, &Daemon::commit, Qt::QueuedConnection);
             });
@@ -242,7 +242,7 @@ ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const Q
 {
     const ActionType type = thing->thingClass().actionTypes.findByName(stateName);
     ParamType rule = type.paramTypes.value(0);
-    // The metadata's limits are where the state's own began; the plugin may have moved them.
+    // The metadata's limits are only the first ones; the plugin may have changed them.
     rule.minValue = thing->state(stateName).minValue();
     rule.maxValue = thing->state(stateName).maxValue();
     const auto checked = checkValue(value, rule);
@@ -320,7 +320,7 @@ bool Daemon::commit()
 }
 
 /*! Takes note that the plugin's storage has changed, and keeps it from writing by itself: see
- * storeSettings(). */
+    storeSettings(). */
 bool Daemon::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::UpdateRequest)

@@ -21,14 +21,14 @@ public:
 /*! Gives the records of the calling thread to \a sink, which must outlive them; null ends that. */
 void setLogSink(LogSink *sink);
 
-/*! Takes the logging rules out of the environment and returns them. There they would go before those of
+/*! Takes the logging rules out of the environment and returns them. There they would override those of
     startLogging(). Call it before QCoreApplication exists. */
 QString takeEnvironmentLogRules();
 
 /*! Writes log records to standard error: "2026-01-31T12:34:56.789 warning Vela: text". A record begins with
-    its time, further lines of its text with spaces; printable() guards each of them. \a rules choose the
-    records, separated by semicolons; without any, debug records are left out when standard error is a
-    terminal. */
+    its time, further lines of its text begin with spaces, and each line is made printable(). \a rules,
+    separated by semicolons, choose the records. Without any, debug records are left out if standard error is
+    a terminal. */
 void startLogging(QString rules);
 
 #endif // HOSTLOGGING_H

@@ -23,19 +23,19 @@ then "add 1" and "watch".
 
 Things and plugin storage are kept in the storage folder, and so is the history of
 the prompt, with the secrets that were typed there. What has been reported is stored.
-Log records go to standard error; without --log, debug records only where that is not
-a terminal.
+Log records go to standard error; without --log, debug records only if that is not a
+terminal.
 
 At a terminal, Ctrl-C ends a "watch", a "wait" or an unfinished line; Ctrl-D ends
-the host. Otherwise a first SIGINT, SIGTERM or SIGHUP ends the host in good order as
-soon as it can write, a second one kills it at once (in a shell, status 130, 143 or
-129). Nothing that is stored is lost. Both output streams must be read: when a pipe
-is full, the host and its plugin wait until it is read again.
+the host. Otherwise the first SIGINT, SIGTERM or SIGHUP ends the host normally as soon
+as it can write; a second one kills it at once (in a shell, status 130, 143 or 129).
+Nothing that is stored is lost. Both output streams must be read: when a pipe is full,
+the host and its plugin wait until it is read again.
 
-Exit status: 0 after "quit", end of input, SIGINT or SIGTERM; 1 when the plugin or
-the storage folder cannot be used, when things, settings or output could not be
-written until the end, or when a command failed that was neither typed at a terminal
-nor read with --json; 2 for a wrong option.)";
+Exit status: 0 after "quit", end of input, SIGINT or SIGTERM; 1 if the plugin or the
+storage folder cannot be used, if things, settings or output could not be written in
+the end, or if a command failed that was neither typed at a terminal nor read with
+--json; 2 for a wrong option.)";
 
 /*! The plugin that was built together with this program. */
 QString defaultPlugin()
@@ -51,14 +51,14 @@ HostOptions readHostOptions()
     // clang-format off
     CommandLine line(description, {
         {"plugin", "The plugin; by default the one built with the host.", "FILE"},
-        {"storage", "Where things and plugin storage are kept, for one host at a time, a folder in which only its "
-                    "owner can write; by default vela-host below $XDG_DATA_HOME or ~/.local/share.", "DIR"},
-        {"json", "One JSON object a line on standard output, for programs."},
+        {"storage", "The folder in which things and plugin storage are kept, for one host at a time. Only its owner "
+                    "may write to it. By default vela-host below $XDG_DATA_HOME or ~/.local/share.", "FOLDER"},
+        {"json", "One JSON object per line on standard output, for programs."},
         {"begin-with", "A command to carry out before the first line is read.", "COMMAND"},
         {"job-timeout", "After how long a job that the plugin does not finish ends with ThingErrorTimeout "
                         "(default 30).", "SECONDS", "30"},
-        {"log", "Which log records to write, as Qt's logging rules: Vela.debug=true;Host.debug=false. Goes "
-                "before QT_LOGGING_RULES.", "RULES"},
+        {"log", "Which log records to write, as Qt's logging rules: Vela.debug=true;Host.debug=false. "
+                "Overrides QT_LOGGING_RULES.", "RULES"},
     });
     // clang-format on
     line.read(QCoreApplication::arguments());

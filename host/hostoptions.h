@@ -11,12 +11,12 @@ struct HostOptions
 {
     DaemonOptions daemon;
     bool json = false;
-    QString logRules;     //!< empty: none are given
-    QString firstCommand; //!< empty: none is given, and an empty one does nothing
+    QString logRules;     //!< empty if none are given
+    QString firstCommand; //!< empty if none is given
 };
 
-/*! Reads the program's command line. Needs QCoreApplication; ends the process where the command line asks
-    for that or has an error. */
+/*! Reads the program's command line. Needs QCoreApplication; ends the process if the command line asks for
+    that or has an error. */
 HostOptions readHostOptions();
 
 #endif // HOSTOPTIONS_H

@@ -32,7 +32,7 @@ void LineReader::read()
         m_rest.append(buffer.data(), int(count));
     else if (!m_rest.isEmpty())
         m_rest.append('\n');
-    // Only what is new may end a line: looking through all of a long one each time would take its square.
+    // Only the new part is searched, as searching a long line from its beginning each time would be too slow.
     if (!m_isAtEnd && std::memchr(buffer.data(), '\n', size_t(count)) == nullptr)
         return;
     QList<QByteArray> lines = m_rest.split('\n');

@@ -8,7 +8,7 @@
 
 #include <QSocketNotifier>
 
-/*! Reads UTF-8 lines from standard input as they arrive, without holding up the event loop. Reads no more
+/*! Reads UTF-8 lines from standard input as they arrive, without blocking the event loop. Reads no more
     while lines are waiting to be taken. */
 class LineReader : public LineSource
 {

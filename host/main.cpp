@@ -54,16 +54,16 @@ int run(const HostOptions &options)
     const QString error = daemon->load();
     if (!error.isEmpty()) {
         std::fprintf(stderr, "vela-host: %s\n", qUtf8Printable(printable(error)));
-        return EXIT_FAILURE;
+        return Failed;
     }
     const bool isInteractive = !options.json && ::isatty(STDIN_FILENO) && ::isatty(STDOUT_FILENO);
     const int status = isInteractive ? runAtTerminal(daemon, options) : runPiped(daemon, options);
     if (!daemon->commit()) {
         std::fflush(stdout);
-        // At once: at its end the plugin would write its settings where there is no space.
-        std::_Exit(EXIT_FAILURE);
+        // Without destructors: QSettings would write the plugin's settings again, although there is no space.
+        std::_Exit(Failed);
     }
-    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : EXIT_FAILURE;
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : Failed;
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 
 namespace {
 
-/*! "(6 to 32 A, can be set)"; empty where there is nothing to say. */
+/*! "(6 to 32 A, can be set)"; empty if there is nothing to say. */
 QString limitsText(const State &state, const StateType &type)
 {
     QStringList texts;

@@ -14,7 +14,7 @@
 struct Message
 {
     QJsonObject json;    //!< a line with --json; an event has a member "event"
-    QStringList lines;   //!< the same for people; none where people need none
+    QStringList lines;   //!< the same for people; empty if people need none
     bool isLast = false; //!< the host ends
 };
 

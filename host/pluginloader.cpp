@@ -16,7 +16,7 @@ tl::unexpected<QString> failure(const QString &file, const QString &reason)
     return tl::unexpected(QStringLiteral("Cannot load plugin %1: %2").arg(file, reason));
 }
 
-/*! The API version that \a file was built for; empty where it does not say. */
+/*! The API version that \a file was built for; empty if it does not say. */
 QString apiVersion(const QString &file)
 {
     using VersionFunction = QString (*)();

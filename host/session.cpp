@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Five polls; no longer than a backend takes that is slow, but in order.
+// Five polls
 constexpr qint64 longestSilence = 10000; // ms
 
 /*! All answers to a command that starts a job have these members, also when no job has begun. */

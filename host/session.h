@@ -23,7 +23,7 @@ public:
 
     /*! Ends the wait or the table of the command that is being carried out. */
     void interrupt();
-    /*! The same, only where the command has no end of its own. */
+    /*! The same, but only for a command that does not end by itself. */
     void enter();
     /*! Whether a command has failed so far. */
     bool hasFailed() const { return m_hasFailed; }

@@ -80,7 +80,7 @@ QString StorageFolder::claim()
     }
     QString error = lock();
     if (error.isEmpty())
-        sweep();
+        removeLeftovers();
     return error;
 }
 
@@ -111,7 +111,7 @@ QString StorageFolder::lock()
         .arg(m_path, QString::fromLatin1(m_lockFile.readAll()));
 }
 
-void StorageFolder::sweep() const
+void StorageFolder::removeLeftovers() const
 {
     // Left by a kill in the middle of a write: our own temporary file, and the lock files of QSettings, which
     // waits for ever on one that names its own process id. The temporary files of QSettings stay: they end in

@@ -32,7 +32,7 @@ public:
 
 private:
     QString lock();
-    void sweep() const;
+    void removeLeftovers() const;
 
     const QString m_path;
     QFile m_lockFile;

@@ -13,7 +13,7 @@
 
 /*! \a id without braces; null for none. */
 QJsonValue idValue(const QUuid &id);
-/*! The name of an enumerator, as "ThingErrorNoError". */
+/*! The name of an enumerator, such as "ThingErrorNoError". */
 QString errorName(Thing::ThingError error);
 QJsonObject thingObject(const Thing *thing);
 QJsonObject classObject(const ThingClass &thingClass);

@@ -87,7 +87,7 @@ Thing *fromJson(const QJsonObject &json, const ThingClass &thingClass, QObject *
     return thing;
 }
 
-/*! \a things, each after its parent. If parents form a circle, one of them loses its parent. */
+/*! \a things, each after its parent. If parents form a cycle, one of them loses its parent. */
 Things parentsFirst(Things things)
 {
     Things sorted;

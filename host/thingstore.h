@@ -9,8 +9,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-/*! The file things.json: the things with their parameters and cached states, under the ids of the metadata.
- */
+/*! The file things.json: the things with their parameters and cached states, by their ids in the metadata. */
 class ThingStore
 {
 public:

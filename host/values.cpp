@@ -39,7 +39,7 @@ template <typename Integer> QVariant wholeNumber(double number)
     return fits ? QVariant::fromValue(Integer(number)) : QVariant();
 }
 
-/*! \a value as \a type, or an invalid QVariant where that would need more than another kind of number. */
+/*! \a value as \a type, or an invalid QVariant. Only numbers are converted, and only without a loss. */
 QVariant typed(const QVariant &value, QMetaType::Type type)
 {
     if (!isNumber(value))
