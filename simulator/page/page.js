@@ -114,7 +114,10 @@ function fillCards(wallboxes) {
     });
     // If the button that had the focus has disappeared, another one gets it, for those who work by keyboard.
     if (home && !focused.checkVisibility())
-        (home.isConnected ? home.querySelector(".hands button:not([hidden], [hidden] *)") : $("add")).focus();
+        (home.isConnected
+            ? home.querySelector(".actions button:not([hidden], [hidden] *)")
+            : $("add")
+        ).focus();
 }
 
 /* The group */
