@@ -104,7 +104,7 @@ QString Site::result(const Job &job)
 
 Job Site::watch(ThingJob *job)
 {
-    auto outcome = std::make_shared<Outcome>();
+    auto outcome = std::make_shared<JobOutcome>();
     QObject::connect(job, &ThingJob::finished, job, [job, outcome] {
         outcome->text = name(job->status());
         if (!job->displayMessage().isEmpty())
@@ -182,21 +182,6 @@ void Site::tick() const
 {
     for (int second = 0; second < 2; ++second)
         timerManager()->tick();
-}
-
-bool Site::poll() const
-{
-    const int before = log.lines().size();
-    tick();
-    return waitFor([&] {
-        const QString lines = log.lines().mid(before).join('\n');
-        const bool limited = !lines.contains("debug: Sending charge limits")
-            || lines.contains("debug: setProfileChargePowerLimit() - ")
-            || lines.contains("warning: setProfileChargePowerLimit() - ");
-        return limited
-            && (lines.contains("debug: setupConnects() - valuesReceived")
-                || lines.contains("warning: getEvseValues() - "));
-    });
 }
 
 void Site::fireChargeLimitTimer() const

@@ -24,12 +24,12 @@ QString numberedId(int number);
 QString infraIdOf(const Thing *wallbox);
 
 /*! How a job has ended. */
-struct Outcome
+struct JobOutcome
 {
-    QString text = "pending"; //!< then "NoError" or as "SetupFailed: MESSAGE"
+    QString text = "pending"; //!< later "NoError" or, for example, "SetupFailed: MESSAGE"
     ThingDescriptors offers;
 };
-using Job = std::shared_ptr<const Outcome>;
+using Job = std::shared_ptr<const JobOutcome>;
 
 /*! The built plugin in a daemon with storage of its own, and a backend with one wallbox, "EVSE-01".
 
@@ -70,8 +70,6 @@ public:
 
     /*! Two seconds pass for the plugin timer. */
     void tick() const;
-    /*! tick(), and waits until the backend has answered what was sent. False when it has not. */
-    bool poll() const;
     void fireChargeLimitTimer() const;
     static void moveClock(int seconds);
     QList<QTimer *> chargeLimitTimers() const;
