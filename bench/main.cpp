@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
-// Repeats one workload and prints what that took. For counting instructions, run it under callgrind with two
-// numbers of repetitions: in the difference its start-up cancels.
+// Repeats one workload and prints what that took. To count instructions, run it under callgrind with two numbers of
+// repetitions: the start-up cancels out in the difference.
 
 #include "replies.h"
 #include "workload.h"
@@ -36,7 +36,7 @@ void repeat(const std::function<void()> &workload, int repetitions, int pause)
         timer.start();
         workload();
         wallTime += timer.nsecsElapsed();
-        if (pause > 0) // between real polls caches get cold
+        if (pause > 0) // so that caches get cold, as between real polls
             std::this_thread::sleep_for(std::chrono::milliseconds(pause));
     }
     rusage after{};

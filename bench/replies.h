@@ -20,7 +20,7 @@ inline QStringList reports()
 /*! The ids of \a wallboxes wallboxes, all of the same length. */
 QStringList infraIds(int wallboxes);
 
-/*! The replies to values requests, to be given in turn and from the start again. */
+/*! The replies to values requests, to be used in turn, again and again. */
 QList<QByteArray> valuesReplies(int wallboxes, const QString &report);
 
 #endif // REPLIES_H

@@ -18,7 +18,7 @@
 
 namespace {
 
-/*! Gives out the replies of one kind in turn, each parsed. */
+/*! Returns the replies of one kind in turn, each parsed. */
 class ParsedReplies
 {
 public:

@@ -19,11 +19,11 @@ inline QStringList workloads()
     return {"parse", "apply", "post", "poll", "poll-nolog"};
 }
 
-/*! Prepares the workload called \a name, with its backend in a process of its own. Each call of what is returned is
-    one repetition. */
+/*! Prepares the workload called \a name, with its backend in a process of its own. Each call of the returned
+    function is one repetition. */
 std::function<void()> makeWorkload(const QString &name, int wallboxes, const QString &report);
 
-/*! Is that backend: prints its URL and answers until it is ended. Returns the exit status. */
+/*! Runs as that backend: prints its URL and answers until it is ended. Returns the exit status. */
 int runBackend(int wallboxes, const QString &report);
 
 #endif // WORKLOAD_H

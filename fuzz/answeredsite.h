@@ -6,8 +6,8 @@
 
 #include "site.h"
 
-/*! The tests' daemon and plugin with a gateway. The caller has the reply to each request, which comes at once and
-    without a network: a socket would be too slow for millions of inputs. */
+/*! The tests' daemon and plugin with a gateway. The caller provides the reply to each request. It arrives
+    at once and without a network, because a socket would be too slow for millions of inputs. */
 class AnsweredSite : public Site
 {
 public:

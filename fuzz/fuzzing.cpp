@@ -34,6 +34,6 @@ QByteArray inputBytes(const uint8_t *data, size_t size)
 
 QList<QByteArray> inputReplies(const uint8_t *data, size_t size)
 {
-    constexpr int most = 3; // else the fuzzer collects ever longer sequences of nothing
+    constexpr int most = 3; // with more, the fuzzer would collect ever longer sequences of useless replies
     return inputBytes(data, size).split('\x1e').mid(0, most);
 }

@@ -38,7 +38,7 @@ public:
                          [this](const ThingId &thingId) { remove(thingId); });
     }
 
-    /*! The infrastructure ids of the wallboxes that there are, each sound in itself. */
+    /*! Checks each wallbox, and returns the infrastructure ids of all. */
     QSet<QString> checkedIds() const
     {
         QSet<QString> infraIds;

@@ -56,7 +56,7 @@ void checkCurrents(const Values &values)
     require(values["phaseCount"].toInt() == std::max(phases, 1), "phases that carry current are counted");
 }
 
-/*! The time stamp is what Qt reads from \a text, and stays where Qt reads nothing. */
+/*! The time stamp is what Qt reads from \a text, and does not change if Qt cannot read that. */
 void checkTimestamp(const Values &before, const Values &after, const QString &text)
 {
     const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
@@ -78,7 +78,7 @@ void check(const Values &before, Values after, const QJsonObject &record)
     }
 }
 
-/*! The wallboxes are in the middle of a session, whatever was before. */
+/*! Puts the wallboxes in the middle of a session, whatever state they were in. */
 void rewind(AnsweredSite &site)
 {
     site.poll(R"({"success":true,"values":{
@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         if (infraIds.removeDuplicates() > 0)
             continue; // two records for one wallbox, one after the other
         for (int wallbox = 0; wallbox < before.size(); ++wallbox) {
-            // By position: Qt reads a name without a byte order mark in front, but a look-up wants the mark.
+            // By position: Qt lists a name without its leading byte order mark, but finds it only with the mark.
             const int index = infraIds.indexOf(wallboxes.at(wallbox)->name());
             const QJsonValue record = index < 0 ? QJsonValue() : (values.constBegin() + index).value();
             check(before.at(wallbox), valuesOf(wallboxes.at(wallbox)), record.toObject());

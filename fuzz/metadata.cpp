@@ -36,7 +36,7 @@ void checkClass(const ThingClass &thingClass, QSet<QUuid> *ids)
     require(thingClass.actionTypes.size() == writable, "each writable state has its action");
 }
 
-/*! A thing of the class holds what its types say, whatever the document was worth. */
+/*! A thing of the class holds what its types say, even if the document is invalid. */
 void useThing(const ThingClass &thingClass)
 {
     Thing thing(thingClass);

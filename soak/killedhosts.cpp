@@ -106,7 +106,7 @@ void KilledHosts::killOne()
         next(int(end.remainingTime()));
     m_host->kill();
     m_host->waitForFinished();
-    while (!next().isEmpty()) // what is still in the pipe has been reported as well
+    while (!next().isEmpty()) // what is still in the pipe has been reported, too
         continue;
     ++counts["killed after " + m_activity];
     const bool diskWasFull = m_host->readAllStandardError().contains("Cannot store the things");
@@ -211,7 +211,7 @@ void KilledHosts::checkFiles()
         const bool isSettings = name.endsWith(".conf");
         require(!isThings || !QJsonDocument::fromJson(content).isNull(), "things.json cannot be read.");
         require(!isSettings || (content.contains("url=") && content.contains("groupSecret=s3cret")),
-                name + " is not whole.");
+                name + " is not complete.");
         if (isThings || isSettings || name == "in-use-by" || name == filler)
             continue;
         // A temporary file of QSettings has a name that Qt makes up, so it may stay.
@@ -227,7 +227,7 @@ void KilledHosts::send(const QString &line, const QString &thing)
     m_pending.append(thing);
 }
 
-/*! The next object of the host's output, of which it takes note. Empty when none has come in time. */
+/*! Reads the next object that the host prints, and updates what is known. Empty if none comes in time. */
 QJsonObject KilledHosts::next(int milliseconds)
 {
     while (!m_host->canReadLine()) {

@@ -17,7 +17,7 @@ using Backend = ScriptedBackend;
 
 namespace {
 
-constexpr qint64 never = 1714564800; // s since the last action if there was none, since the epoch
+constexpr qint64 never = 1714564800; // s since the last action if there was none: since the epoch
 
 // Each makes the polls fail until the backend answers normally again.
 void (*const faults[])(Backend &) = {
@@ -235,8 +235,8 @@ bool PolledPlugin::shows(qint64 time) const
     return m_site.state(numberedId(wallboxCount), "timestamp").toLongLong() == time;
 }
 
-/*! The readings of \a time have arrived. Each adds the energy by which it is above the one before, unless
-    that was 0. So where replies overtake each other, some energy counts twice. */
+/*! The readings of \a time have arrived. Each adds what it exceeds the one before by, unless that was 0. So if
+    replies overtake each other, some energy counts twice. */
 void PolledPlugin::arrive(qint64 time)
 {
     const Things wallboxes = m_site.wallboxes();

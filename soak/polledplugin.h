@@ -30,7 +30,7 @@ public:
     QMap<QString, double> counts; //!< of what has happened, by name
 
 private:
-    /*! What a thing must show, in kWh: the reading that came last, and the total. */
+    /*! What a thing must show, in kWh: the last reading that has arrived, and the total. */
     struct Meter
     {
         double energy = 0;

@@ -14,7 +14,7 @@
 namespace {
 
 /*! By how much the least of the last ten censuses is above the greatest of the first ten. A single one may
-    count buffers that come and go, some 50 kB of them; what leaks is also in the next one. */
+    include some 50 kB of buffers that are freed later; a leak is in all later ones. */
 qint64 growthOf(const QVector<Census> &censuses, qint64 Census::*amount)
 {
     constexpr int compared = 10;
@@ -38,7 +38,7 @@ void checkGrowth(const char *when, const QVector<Census> &censuses)
     });
     require(sameCounts && growthOf(censuses, &Census::heap) <= heapAllowance
                 && growthOf(censuses, &Census::resident) <= residentAllowance,
-            "The process holds more and more.");
+            "The process holds more at the end than at the beginning.");
 }
 
 } // namespace

@@ -88,7 +88,7 @@ void soakInSilence(const QStringList &arguments)
     }
     const QString error = site.addGateway();
     require(error.isEmpty(), error);
-    pollInSilence(site, connectionsOfQt); // from now on there are as many connections as there can be
+    pollInSilence(site, connectionsOfQt); // from now on, all possible connections exist
     site.backend.releaseAll(Backend::Values);
     site.backend.forgetRequests();
     keepSilent(site, polls, "the backend answers", [&site] { site.backend.releaseAll(Backend::Values); });

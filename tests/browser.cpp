@@ -62,7 +62,7 @@ QString execute(WebDriver &browser, const QString &line)
     first line that fails ends it, with the reason on standard error. */
 int main(int argc, char **argv)
 {
-    // Whoever ends this program closes its input as well. So the browser is never left behind.
+    // Whoever sends a signal also closes standard input, so that this program ends, and the browser with it.
     for (const int number : {SIGINT, SIGTERM})
         std::signal(number, [](int) {});
     const QCoreApplication app(argc, argv);

@@ -6,7 +6,7 @@
 
 #include <integrations/integrationplugin.h>
 
-/*! A plugin for tests of a daemon, which does what few real plugins do. The parameter "setup" of a bridge
+/*! A plugin for tests of a daemon. It does what few real plugins do. The parameter "setup" of a bridge
     names a step of the table in the source, the state "order" of a lamp what the lamp does: "hang", "fail",
     "vanish" or "blink". A name that it does not know ends the process. */
 class FakePlugin : public IntegrationPlugin

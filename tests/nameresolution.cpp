@@ -15,7 +15,7 @@ std::atomic<bool> namesResolve{true};
 
 }
 
-// Qt asks this for addresses; the program's own comes before the C library's.
+// Qt calls this to resolve names. The program's own function takes precedence over the C library's.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the C library's names are reserved
 extern "C" int getaddrinfo(const char *name, const char *service, const addrinfo *hints, addrinfo **result)
 {

@@ -364,7 +364,7 @@ void PluginConsole::listen()
     connect(plugin, &IntegrationPlugin::autoThingsAppeared, this, &PluginConsole::printAppeared);
     connect(plugin, &IntegrationPlugin::autoThingDisappeared, this,
             [this](const ThingId &id) { show("announced", "disappeared " + id.toString()); });
-    // The plugin's class is not known here.
+    // By name, because the class of the plugin is not linked here.
     const QMetaObject *type = plugin->metaObject();
     connect(plugin, type->method(type->indexOfSignal("checkAutoCreateFinished()")), this,
             staticMetaObject.method(staticMetaObject.indexOfSlot("onGroupComplete()")));

@@ -70,7 +70,7 @@ void resetConnection(QTcpSocket *socket)
     socket->abort();
 }
 
-/*! What is written from now on leaves together with the end of the connection. */
+/*! What is written from now on is sent together with the end of the connection. */
 void holdBack(QTcpSocket *socket)
 {
     const int yes = 1;
@@ -126,7 +126,7 @@ void ScriptedBackend::shutDown()
         return;
     const quint16 port = m_server.serverPort();
     m_server.close();
-    // A bound port, even if nothing listens, is not given to another program.
+    // A port that is bound is not given to another program, even if nothing listens there.
     m_reservation.bind(QHostAddress::LocalHost, port, QAbstractSocket::ReuseAddressHint);
     closeConnections();
 }
@@ -243,7 +243,7 @@ void ScriptedBackend::accept(QTcpSocket *socket)
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     connect(socket, &QTcpSocket::readyRead, this, [this, socket, buffer = QByteArray()]() mutable {
         buffer += socket->readAll();
-        // Qt writes a POST's header and body apart and waits for the first to be acknowledged.
+        // Qt writes the header and the body of a POST separately, and waits until the first is acknowledged.
         const int yes = 1;
         setsockopt(int(socket->socketDescriptor()), IPPROTO_TCP, TCP_QUICKACK, &yes, sizeof yes);
         Request request;

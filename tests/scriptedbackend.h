@@ -13,9 +13,9 @@
 /*! An OCPP backend that answers as the test says and remembers every request.
 
     Without a script it accepts everything: it is online, answers with the wallboxes and values below and
-    takes all limits. It is strict about what it is sent: an unknown path, an unknown or missing member of the
-    body ends the program with a message that names it. Connections are kept alive. It listens on
-    a free port of the loopback interface. */
+    takes all limits. It is strict about what it is sent: an unknown path, or an unknown or missing member of
+    the body, ends the program with a message that names it. Connections are kept alive. It listens on a free
+    port of the loopback interface. */
 class ScriptedBackend : public QObject
 {
     Q_OBJECT
@@ -37,16 +37,16 @@ public:
 
     /*! As a user enters it: "http://127.0.0.1:PORT". */
     QString url() const;
-    /*! Refuses connections from now on, and ends those there are. */
+    /*! Refuses connections from now on, and ends the existing ones. */
     void shutDown();
     /*! Listens again after shutDown(), on the same port. */
     void startUp();
-    /*! Ends the connections there are, whether they wait for an answer or for the next request. */
+    /*! Ends all connections, whether they wait for an answer or for the next request. */
     void closeConnections();
 
     /*! What the default answers are made of: both by infrastructure id. */
     QJsonObject wallboxes; //!< the group; max_charging_current
-    QJsonObject values;    //!< live-value records, all of them are sent, whatever ids were asked for
+    QJsonObject values;    //!< live-value records; all are sent, whichever ids were asked for
     void setWallbox(const QString &infraId, int maxChargingCurrent);
 
     /*! Answers \a operation in this way until told otherwise. */
@@ -63,13 +63,12 @@ public:
     void hold(Operation operation);
     void answerNormally(Operation operation) { m_scripts.remove(operation); }
 
-    /*! Answers a held request of \a operation with \a body: the oldest, or the one that \a index requests
-        came before. False when there is none, or when its connection has ended. */
+    /*! Answers a held request of \a operation with \a body: the one at \a index, of which 0 is the oldest.
+        False if there is none, or if its connection has ended. */
     bool release(Operation operation, const QByteArray &body, int index = 0);
-    /*! Answers all held requests of \a operation by default, and later ones at once. */
+    /*! Gives the default answer to all held requests of \a operation, and to later ones at once. */
     void releaseAll(Operation operation);
-    /*! Sends \a bytes to the client whose request of \a operation is the oldest held, and goes on holding
-        it. */
+    /*! Sends \a bytes in answer to the oldest held request of \a operation, and goes on holding it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
 
     /*! Whether everything that was sent has arrived at the other side. */

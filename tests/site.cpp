@@ -37,14 +37,14 @@ QString infraIdOf(const Thing *wallbox)
     return wallbox->paramValue("infraID").toString();
 }
 
-// What Qt asks for the current second; the program's own comes before the C library's.
+// Qt calls this for the current second. The program's own function takes precedence over the C library's.
 extern "C" int gettimeofday(timeval *tv, void *) noexcept
 {
     *tv = {currentSecond, 0};
     return 0;
 }
 
-// The plugin leaves its client to the end of the process, which a test's daemon does not wait for.
+// The plugin keeps its client until the process ends, but a test ends its daemon before that.
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
 extern "C" const char *__lsan_default_suppressions();
 extern "C" const char *__lsan_default_suppressions()

@@ -33,8 +33,8 @@ using Job = std::shared_ptr<const JobOutcome>;
 
 /*! The built plugin in a daemon with storage of its own, and a backend with one wallbox, "EVSE-01".
 
-    Time stands still: plugin timers tick and the clock moves when told to. What is misspelt ends the program
-    with a message that names it, or makes the job's text an error. One site at a time. */
+    Time stands still: plugin timers tick and the clock moves when told to. A misspelt name ends the
+    program with a message that quotes it, or makes the job's text an error. One site at a time. */
 class Site
 {
 public:
@@ -42,10 +42,10 @@ public:
     ~Site();
     Q_DISABLE_COPY(Site)
 
-    /*! Discovers the gateway, adds it, if need be as another one, and waits until it and all wallboxes are
-        set up. Returns what went wrong, or an empty text. */
+    /*! Discovers the gateway, adds it as a new thing, even if there is one already, and waits until it and all
+        wallboxes are set up. Returns what went wrong, or an empty text. */
     QString addGateway();
-    /*! Ends the daemon as it is, and starts another on the same storage. */
+    /*! Ends the daemon, and starts another one on the same storage. */
     void restart();
 
     Job discover(const QString &url, const QString &groupId, const QString &groupSecret) const;

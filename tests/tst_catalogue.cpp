@@ -61,7 +61,7 @@ QString capitalised(const QString &name)
     return name.at(0).toUpper() + name.mid(1);
 }
 
-/*! Every constant that a thing class gives, as "NAME ID". */
+/*! Every constant of a thing class, as "NAME ID". */
 Texts constantsOf(const QJsonObject &thingClass)
 {
     const QString name = thingClass["name"].toString();
@@ -121,7 +121,8 @@ void TestCatalogue::initTestCase()
     m_ids = linesOf("data/ids.txt");
 }
 
-/*! A loader may unload the library and print the version afterwards. First, while nothing else holds it. */
+/*! A loader may unload the library and print the version afterwards. Tested first, while nothing else has
+    loaded it. */
 void TestCatalogue::versionOutlivesTheLibrary()
 {
     QLibrary library(VELA_PLUGIN_FILE);

@@ -109,7 +109,7 @@ void TestLibnymea::jobFinishesOnce()
     QPointer<ThingJob> job = new ThingDiscoveryInfo({}, {}, 0ms, this);
     QSignalSpy spy(job.data(), &ThingJob::finished);
     job->finish(Thing::ThingErrorSetupFailed, "first");
-    QCOMPARE(spy.count(), 0); // not while the plugin is still at it
+    QCOMPARE(spy.count(), 0); // not while the plugin may still use the job
     job->finish(Thing::ThingErrorNoError, "second");
     QCOMPARE(job->status(), Thing::ThingErrorSetupFailed);
     QCOMPARE(job->displayMessage(), "first");
@@ -126,7 +126,7 @@ void TestLibnymea::jobTakesItsConnectionsAlong()
     connect(&sender, &Thing::setupStatusChanged, job.data(), [&calls] { ++calls; });
     job->finish(Thing::ThingErrorNoError);
     sender.setSetupStatus(Thing::ThingSetupStatusFailed);
-    QCOMPARE(calls, 1); // disposed of later, not in finish()
+    QCOMPARE(calls, 1); // the job is deleted later, not in finish()
     QTRY_VERIFY(!job);
     sender.setSetupStatus(Thing::ThingSetupStatusComplete);
     QCOMPARE(calls, 1);

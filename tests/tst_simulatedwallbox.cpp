@@ -20,7 +20,7 @@ void TestSimulatedWallbox::meterCountsTheSession()
     constexpr Seconds readyTime{3}; // how long a car takes from the plug to its first ampere
     SimulatedWallbox wallbox;
     wallbox.plugIn({3, 16});
-    wallbox.advance(readyTime + 30min); // getting ready takes no energy, however far one step reaches
+    wallbox.advance(readyTime + 30min); // getting ready takes no energy, however long the step is
     QCOMPARE(wallbox.sessionEnergy(), 5520.0);
     wallbox.limit = {8, {}};
     wallbox.advance(15min);

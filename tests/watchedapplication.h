@@ -6,7 +6,7 @@
 
 #include <QCoreApplication>
 
-/*! Measures for how long the event loop is not free. */
+/*! Measures for how long single events block the event loop. */
 class WatchedApplication : public QCoreApplication
 {
 public:

@@ -23,7 +23,7 @@ public:
     void open(const QString &url);
     /*! Clicks what a user could click: what is hidden or covered is an error. */
     void click(const QString &selector);
-    /*! Presses keys, one after the other, wherever the focus is; special ones are the protocol's. */
+    /*! Presses keys, one after the other, wherever the focus is; special keys have the protocol's codes. */
     void press(const QString &keys);
     /*! The width of the page's viewport, in CSS pixels. */
     void resize(int width);
@@ -31,7 +31,8 @@ public:
         first element that matches, and text(selector) what a reader sees of it. */
     QJsonValue run(const QString &script);
     QJsonValue value(const QString &expression) { return run("return " + expression); }
-    /*! Waits until \a expression is true. Where it is not in time, \a details is evaluated for the error. */
+    /*! Waits until \a expression is true. If it does not become true in time, the error contains the
+        value of \a details. */
     void wait(const QString &expression, const QString &details);
 
 private:
