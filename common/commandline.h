@@ -25,7 +25,7 @@ public:
     {
         const char *name;
         const char *help;
-        const char *valueName = nullptr; //!< of a flag: null
+        const char *valueName = nullptr; //!< null for a flag
         const char *preset = nullptr;    //!< the value if the option is not given
     };
     CommandLine(const char *description, std::initializer_list<Option> options);

@@ -16,7 +16,7 @@ int pipeEnds[2] = {-1, -1}; // for reading and for writing; never closed
 
 constexpr int endSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-/*! May only call async-signal-safe functions, as every signal handler: signal() and write() are. */
+/*! Like every signal handler, it may call only async-signal-safe functions, such as signal() and write(). */
 void onSignal(int)
 {
     for (const int number : endSignals)

@@ -5,9 +5,8 @@
 #define ENDSIGNALS_H
 
 /*! Lets the first SIGINT, SIGTERM or SIGHUP end the application's event loop. The second one kills the process,
-    which may be blocked in a write to a pipe that is not read. A signalfd would not do that: it keeps the second
-    signal pending, or merges it with the first, until the process reads it. Call it once, after the application
-    has been created. */
+    which may be blocked in a write to a pipe that is not read. With a signalfd, the second signal would have no
+    effect until the process reads the first. Call this once, after the application has been created. */
 void quitAtEndSignals();
 
 #endif // ENDSIGNALS_H

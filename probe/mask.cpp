@@ -33,7 +33,7 @@ void Mask::hide(const QString &secret)
 QString Mask::quoted(const QString &text) const
 {
     constexpr int longest = 200; // characters
-    // Masked before it is cut: half a secret would not be recognised.
+    // Masked first: a secret that has been cut would not be recognised.
     const QString masked = (*this)(text);
     return masked.size() > longest ? masked.left(longest) + QStringLiteral("…") : masked;
 }

@@ -35,7 +35,7 @@ QString withCurrents(const char *text)
 
 LimitRequest readLimit(const QString &text)
 {
-    // The last sign counts: an infrastructure id may have one of its own.
+    // The last equals sign separates them, because an infrastructure id may contain one, too.
     const int separator = text.lastIndexOf(QLatin1Char('='));
     bool isNumber = false;
     const int ampere = text.midRef(separator + 1).toInt(&isNumber);
@@ -64,7 +64,7 @@ ProbeOptions readOptions(const QStringList &arguments)
     line.addArgument("URL", "The backend, as entered in nymea: scheme, host and port.");
     line.addArgument("GROUP", "The id of the group of wallboxes.");
     line.read(arguments);
-    // They are not repeated: a third argument may well be the secret, which must not appear on a screen.
+    // The arguments are not quoted: a third one may be the secret, which must not appear on a screen.
     if (line.arguments().size() != 2)
         endWithUsageError(
             QStringLiteral("takes exactly URL and GROUP; the secret is not an argument, see --secret-file"));

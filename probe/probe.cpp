@@ -76,8 +76,8 @@ Probe::Probe(const ProbeOptions &options)
 
 Probe::~Probe() = default;
 
-/*! Cancels a reply that is too long. The handler hands out finished replies only, but whatever arrives
-    reaches the reply as an event. */
+/*! Cancels a reply that is too long. The handler passes on only finished replies, but data reaches the
+    reply as events. */
 bool Probe::eventFilter(QObject *watched, QEvent *event)
 {
     auto *const reply = qobject_cast<QNetworkReply *>(watched);
@@ -168,8 +168,8 @@ void Probe::sendLimit(Step &step)
 
 /*! Posts \a body and judges the answer. Returns whether the plugin would read the answer's body.
 
-    The request goes through the handler's sendRequestPost(), since its operations do not hand out what
-    matters here: the status, the time, and a body that they cannot read. */
+    The request is sent by the handler's sendRequestPost(), because its operations do not report what matters
+    here: the status, the time, and a body that they cannot read. */
 bool Probe::post(Step &step, const QString &path, const QJsonObject &body)
 {
     step.url = step.mask(displayUrl(m_options.url, path));

@@ -14,8 +14,8 @@
 
 class NetworkHandler;
 
-/*! Talks to a backend with the plugin's client and judges every answer. Unlike the plugin it gives up
-    waiting, and stops reading a reply that is too long. */
+/*! Talks to a backend with the plugin's client and judges every answer. Unlike the plugin it has a time
+    limit, and stops reading a reply that is too long. */
 class Probe : public QObject
 {
 public:
@@ -40,7 +40,7 @@ private:
     void connectHandler();
 
     const ProbeOptions m_options;
-    std::unique_ptr<NetworkHandler> m_handler; // replaced when it has to forget a request
+    std::unique_ptr<NetworkHandler> m_handler; // replaced to end a request
     QMap<QString, int> m_maxCurrents;          // of the group's wallboxes, in A, once they are known
     QString m_obstacle; // why the remaining steps are skipped; empty while they are not
 };

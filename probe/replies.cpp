@@ -15,7 +15,7 @@
 
 namespace {
 
-// Wallboxes report every minute or so at best, and an idle one less often; clocks are wrong by hours.
+// Wallboxes report about once a minute, idle ones less often. A wrong clock is usually wrong by more.
 constexpr qint64 largestClockDifference = 300; // s
 
 bool isAbsent(const QJsonValue &value)

@@ -41,7 +41,7 @@ QString answerText(const Step &step)
         + (plain ? QString() : QLatin1String(", ") + errorName(step));
 }
 
-/*! Whether it helps to see the reply: if the matter is one wallbox, the finding quotes all there is. */
+/*! Whether the reply is shown. A finding about a single wallbox quotes all that matters. */
 bool isReplyOfInterest(const Step &step)
 {
     return !step.reply.isEmpty()

@@ -19,7 +19,7 @@ namespace {
 
 constexpr char secretVariable[] = "VELA_SECRET";
 
-termios terminalBefore; // while the user is asked; within reach of the signal handler
+termios terminalBefore; // while the user is asked; global for the signal handler
 
 void restoreTerminal()
 {
@@ -61,7 +61,7 @@ QString askForSecret()
     termios silent = terminalBefore;
     silent.c_lflag &= ~tcflag_t(ECHO);
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
-    std::fputs("Group secret: ", stderr); // not before input is no longer echoed
+    std::fputs("Group secret: ", stderr); // only now, when input is no longer echoed
     std::string line;
     std::getline(std::cin, line);
     std::fputc('\n', stderr); // the line break that the user has typed was not echoed

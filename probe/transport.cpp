@@ -15,8 +15,8 @@ namespace {
 constexpr auto pluginPollPeriod = 2s;
 // Qt opens six connections to a host. If answers are slower than this, polls wait in ever longer queues.
 constexpr auto longestBearable = 6 * pluginPollPeriod;
-// Replies overtake each other once their delays differ by a poll period. The one that was measured may be
-// among the faster ones, hence less.
+// Replies overtake each other if their delays differ by a poll period. This is less, because the measured reply
+// may be one of the faster ones.
 constexpr auto longestPunctual = 1500ms;
 
 struct Meaning
@@ -215,7 +215,7 @@ void judgeAnswer(Step &step)
 
 bool isUnreachable(const Step &step)
 {
-    // A closed connection may be the fault of one path; the other meanings hold for all.
+    // A closed connection may concern one path only; the other errors concern all.
     return hasTlsFault(step)
         || (find(networkMeanings, step.error) && step.error != QNetworkReply::RemoteHostClosedError);
 }

@@ -6,10 +6,10 @@
 
 #include "step.h"
 
-/*! How much of a reply the probe reads before it cancels the request; a full group's takes a few kB. */
+/*! How much of a reply the probe reads before it cancels the request. The reply for 32 wallboxes has 5 kB. */
 constexpr qint64 longestReply = qint64(64) << 20; // bytes
 
-/*! What happens to a gateway that meets a successful reply without a group, for the end of a sentence. */
+/*! What happens to a gateway that gets a successful reply without a group; ends a sentence. */
 constexpr char groupLossWarning[] =
     "; when a gateway is set up, as at each start of nymea, such a reply removes every wallbox together with "
     "its total energy";
@@ -26,7 +26,7 @@ bool mayBeDueToTls(const Step &step);
     fail too. */
 void judgeAnswer(Step &step);
 
-/*! Whether the error of \a step will meet every other request as well. */
+/*! Whether every other request would fail for the same reason as \a step. */
 bool isUnreachable(const Step &step);
 
 #endif // TRANSPORT_H

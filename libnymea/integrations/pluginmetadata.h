@@ -13,7 +13,7 @@
 class LIBNYMEA_EXPORT PluginMetadata
 {
 public:
-    /*! Metadata of no plugin, which are not valid. */
+    /*! Invalid metadata, of no plugin. */
     PluginMetadata() = default;
 
     /*! Reads \a document. Whatever cannot be used is left out and listed in validationErrors(). */
@@ -21,7 +21,7 @@ public:
 
     /*! Whether all of the document could be used. The daemon refuses a plugin with invalid metadata. */
     bool isValid() const { return m_validationErrors.isEmpty(); }
-    /*! One sentence for each error, with its place in the document; empty if the metadata are valid. */
+    /*! One sentence for each error, with its place in the document; empty if the metadata is valid. */
     QStringList validationErrors() const { return m_validationErrors; }
 
     PluginId pluginId() const { return m_pluginId; }

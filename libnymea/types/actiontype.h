@@ -13,7 +13,7 @@ struct ActionType
     ActionTypeId id;
     QString name;
     QString displayName; //!< the state's displayNameAction
-    //! One. Its limits are those of the metadata; a thing may have changed them for its state.
+    /*! One. Its limits are those of the metadata; the state of a thing may have others. */
     ParamTypes paramTypes;
 };
 

@@ -15,7 +15,7 @@ struct StateType
     StateTypeId id;
     QString name; //!< unique in its class, lower camel case; for Thing::setStateValue()
     QString displayName;
-    QString displayNameEvent;                      //!< empty if the metadata have none
+    QString displayNameEvent;                      //!< empty if the metadata has none
     QString displayNameAction;                     //!< empty unless writable
     QMetaType::Type type = QMetaType::UnknownType; //!< Bool, Int, UInt, Double or QString
     QVariant defaultValue;                         //!< of \a type; the value of a new thing
