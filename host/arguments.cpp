@@ -10,11 +10,6 @@
 
 namespace {
 
-QString idText(const Thing *thing)
-{
-    return thing->id().toString(QUuid::WithoutBraces);
-}
-
 template <typename Predicate> Things matching(const Things &things, Predicate predicate)
 {
     Things result;
@@ -31,7 +26,7 @@ QString listed(const Things &things)
     for (const Thing *thing : first) {
         const QString name = thing->name();
         const Things same = matching(things, [&](const Thing *other) { return other->name() == name; });
-        texts.append(same.size() == 1 ? name : QStringLiteral("%1 (%2)").arg(name, idText(thing)));
+        texts.append(same.size() == 1 ? name : QStringLiteral("%1 (%2)").arg(name, idText(thing->id())));
     }
     if (things.size() > most)
         texts.append(QStringLiteral("…"));
@@ -91,11 +86,11 @@ tl::expected<std::chrono::milliseconds, QString> readSeconds(const QString &text
 tl::expected<Thing *, QString> findThing(const Things &things, const QString &text)
 {
     Things found = matching(things, [&text](const Thing *thing) {
-        return thing->name() == text || idText(thing) == text || thing->id().toString() == text;
+        return thing->name() == text || idText(thing->id()) == text || thing->id().toString() == text;
     });
     if (found.isEmpty() && !text.isEmpty())
         found = matching(things, [&text](const Thing *thing) {
-            return thing->name().startsWith(text) || idText(thing).startsWith(text);
+            return thing->name().startsWith(text) || idText(thing->id()).startsWith(text);
         });
     if (found.size() == 1)
         return found.first();

@@ -130,7 +130,7 @@ QStringList description(const Thing *thing, const Thing *parent)
         setup += QStringLiteral(": ") + thing->setupDisplayMessage();
     const QVector<QStringList> facts{
         {QStringLiteral("name"),   thing->name()                                   },
-        {QStringLiteral("id"),     thing->id().toString(QUuid::WithoutBraces)      },
+        {QStringLiteral("id"),     idText(thing->id())                             },
         {QStringLiteral("class"),  thingClass.name                                 },
         {QStringLiteral("parent"), parent ? parent->name() : QStringLiteral("none")},
         {QStringLiteral("set-up"), setup                                           }

@@ -3,6 +3,8 @@
 
 #include "thingjson.h"
 
+#include "values.h"
+
 #include <QJsonArray>
 #include <QVariant>
 
@@ -44,7 +46,7 @@ template <typename Types> QJsonArray typesArray(const Types &types)
 
 QJsonValue idValue(const QUuid &id)
 {
-    return id.isNull() ? QJsonValue() : QJsonValue(id.toString(QUuid::WithoutBraces));
+    return id.isNull() ? QJsonValue() : QJsonValue(idText(id));
 }
 
 QString errorName(Thing::ThingError error)

@@ -21,32 +21,27 @@
 
 namespace {
 
-QString key(const QUuid &id)
-{
-    return id.toString(QUuid::WithoutBraces);
-}
-
 QJsonObject toJson(const Thing *thing)
 {
     QJsonObject params;
     const ParamList paramList = thing->params();
     for (const Param &param : paramList)
-        params.insert(key(param.paramTypeId()), QJsonValue::fromVariant(param.value()));
+        params.insert(idText(param.paramTypeId()), QJsonValue::fromVariant(param.value()));
 
     QJsonObject states;
     const StateTypes stateTypes = thing->thingClass().stateTypes;
     for (const StateType &type : stateTypes) {
         if (type.cached)
-            states.insert(key(type.id), QJsonValue::fromVariant(thing->stateValue(type.id)));
+            states.insert(idText(type.id), QJsonValue::fromVariant(thing->stateValue(type.id)));
     }
 
     return {
-        {QStringLiteral("id"),       key(thing->id())                                               },
-        {QStringLiteral("class"),    key(thing->thingClassId())                                     },
-        {QStringLiteral("name"),     thing->name()                                                  },
-        {QStringLiteral("parentId"), thing->parentId().isNull() ? QString() : key(thing->parentId())},
-        {QStringLiteral("params"),   params                                                         },
-        {QStringLiteral("states"),   states                                                         }
+        {QStringLiteral("id"),       idText(thing->id())                                               },
+        {QStringLiteral("class"),    idText(thing->thingClassId())                                     },
+        {QStringLiteral("name"),     thing->name()                                                     },
+        {QStringLiteral("parentId"), thing->parentId().isNull() ? QString() : idText(thing->parentId())},
+        {QStringLiteral("params"),   params                                                            },
+        {QStringLiteral("states"),   states                                                            }
     };
 }
 
@@ -54,11 +49,12 @@ QJsonObject toJson(const Thing *thing)
     warning. */
 QVariant storedValue(const QJsonObject &values, const QUuid &id, const ParamType &rule)
 {
-    if (!values.contains(key(id)))
+    if (!values.contains(idText(id)))
         return QVariant();
-    const auto checked = checkValue(values.value(key(id)).toVariant(), rule);
+    const auto checked = checkValue(values.value(idText(id)).toVariant(), rule);
     if (!checked)
-        qCWarning(dcHost).noquote() << "The stored value" << key(id) << "is not used: it" << checked.error();
+        qCWarning(dcHost).noquote() << "The stored value" << idText(id) << "is not used: it"
+                                    << checked.error();
     return checked.value_or(QVariant());
 }
 

@@ -125,6 +125,11 @@ QVariant typedValue(const QString &text, QMetaType::Type type)
                                                                              : QVariant(text);
 }
 
+QString idText(const QUuid &id)
+{
+    return id.toString(QUuid::WithoutBraces);
+}
+
 QString valueText(const QVariant &value, Types::Unit unit)
 {
     if (unit == Types::UnitUnixTime)

@@ -21,6 +21,9 @@ tl::expected<ParamList, QString> checkParams(const ParamList &params, const Para
 /*! What a user has typed: a number or a bool if \a type needs one and \a text is one, else the text. */
 QVariant typedValue(const QString &text, QMetaType::Type type);
 
+/*! \a id without braces. */
+QString idText(const QUuid &id);
+
 /*! The value as people read it, to 0.001 and with its unit; a Unix time as local date and time. */
 QString valueText(const QVariant &value, Types::Unit unit);
 
