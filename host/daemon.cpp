@@ -92,7 +92,7 @@ QString Daemon::load()
     m_plugin->init();
     restoreThings();
     m_plugin->startMonitoringAutoThings();
-    return QString();
+    return {};
 }
 
 void Daemon::restoreThings()

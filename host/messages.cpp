@@ -150,7 +150,7 @@ QStringList description(const Thing *thing, const Thing *parent)
 QString errorText(const ThingJob *job)
 {
     if (job->status() == Thing::ThingErrorNoError)
-        return QString();
+        return {};
     const QString text = job->displayMessage().isEmpty() ? errorName(job->status()) : job->displayMessage();
     const bool hasTimedOut = job->status() == Thing::ThingErrorTimeout;
     return hasTimedOut ? text + QLatin1String(" Warnings in the log may tell why.") : text;

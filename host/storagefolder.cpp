@@ -24,7 +24,7 @@ QString createFolder(const QString &path)
 {
     const bool hasParent = QDir().mkpath(QFileInfo(path).path());
     if (hasParent && (::mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0 || errno == EEXIST))
-        return QString();
+        return {};
     return QStringLiteral("Cannot create the storage folder %1.").arg(path);
 }
 
@@ -38,7 +38,7 @@ QString ownerError(const QString &path)
     if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
         return QStringLiteral("Other users can write in the storage folder %1; \"chmod go-w\" ends that.")
             .arg(path);
-    return QString();
+    return {};
 }
 
 QString linkError(const QString &path)
@@ -53,7 +53,7 @@ QString linkError(const QString &path)
             return QStringLiteral("%1 is a symbolic link; the host follows none in its storage folder.")
                 .arg(file.filePath());
     }
-    return QString();
+    return {};
 }
 
 } // namespace
@@ -103,7 +103,7 @@ QString StorageFolder::lock()
         m_lockFile.resize(0);
         m_lockFile.write(QByteArray::number(QCoreApplication::applicationPid()));
         m_lockFile.flush();
-        return QString();
+        return {};
     }
     if (errno != EWOULDBLOCK)
         return QStringLiteral("Cannot lock the storage folder %1: %2.").arg(m_path, qt_error_string(errno));

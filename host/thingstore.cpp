@@ -50,7 +50,7 @@ QJsonObject toJson(const Thing *thing)
 QVariant storedValue(const QJsonObject &values, const QUuid &id, const ParamType &rule)
 {
     if (!values.contains(idText(id)))
-        return QVariant();
+        return {};
     const auto checked = checkValue(values.value(idText(id)).toVariant(), rule);
     if (!checked)
         qCWarning(dcHost).noquote() << "The stored value" << idText(id) << "is not used: it"
@@ -139,7 +139,7 @@ QString replaceFile(const QString &name, const QByteArray &content)
     // Read now, before another call changes it. QFile reports no error if it has written a part of the content.
     const int error = errno;
     if (isDone)
-        return QString();
+        return {};
     QFile::remove(newName);
     return qt_error_string(error);
 }
@@ -155,7 +155,7 @@ QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *th
 {
     QFile file(m_fileName);
     if (!file.exists())
-        return QString();
+        return {};
     const QString error = QStringLiteral("Cannot use the stored things in %1: %2.");
     if (!openNoFollow(&file, QIODevice::ReadOnly, O_RDONLY))
         return error.arg(m_fileName, qt_error_string(errno));
@@ -168,7 +168,7 @@ QString ThingStore::read(const ThingClasses &classes, QObject *owner, Things *th
     for (const QJsonValue &entry : *entries)
         restore(entry.toObject(), classes, owner, &stored);
     things->append(parentsFirst(stored));
-    return QString();
+    return {};
 }
 
 void ThingStore::restore(const QJsonObject &entry, const ThingClasses &classes, QObject *owner,
@@ -196,11 +196,11 @@ QString ThingStore::write(const Things &things)
     };
     const QByteArray content = QJsonDocument(document).toJson();
     if (content == m_content)
-        return QString();
+        return {};
 
     const QString reason = replaceFile(m_fileName, content);
     if (!reason.isEmpty())
         return QStringLiteral("Cannot store the things in %1: %2.").arg(m_fileName, reason);
     m_content = content;
-    return QString();
+    return {};
 }
