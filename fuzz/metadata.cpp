@@ -44,7 +44,7 @@ void useThing(const ThingClass &thingClass)
         thing.setParamValue(type.id, type.maxValue);
     for (const StateType &type : thingClass.stateTypes) {
         thing.setStateMaxValue(type.id, type.minValue);
-        thing.setStateValue(type.name, QStringLiteral("17"));
+        thing.setStateValue(type.name, "17");
         thing.setStateValue(type.name, type.defaultValue);
     }
     require(thing.params().size() == thingClass.paramTypes.size(), "each parameter type has its parameter");

@@ -218,12 +218,14 @@ void PolledPlugin::pass()
     const Things wallboxes = m_site.wallboxes();
     for (const Thing *wallbox : wallboxes) {
         const int meter = meterAt(wallbox, m_time);
-        QJsonObject record;
-        record["timestamp"] = QDateTime::fromSecsSinceEpoch(m_time, Qt::UTC).toString(Qt::ISODate);
-        record["status"] = meter % 5 == 0 ? "SuspendedEV" : "Charging";
-        record["phase_1"] = 6 + meter % 10;
-        record["meter_value"] = meter;
-        m_site.backend.values.insert(infraIdOf(wallbox), record);
+        const QString time = QDateTime::fromSecsSinceEpoch(m_time, Qt::UTC).toString(Qt::ISODate);
+        const char *const status = meter % 5 == 0 ? "SuspendedEV" : "Charging";
+        m_site.backend.values[infraIdOf(wallbox)] = QJsonObject{
+            {"timestamp",   time          },
+            {"status",      status        },
+            {"phase_1",     6 + meter % 10},
+            {"meter_value", meter         }
+        };
     }
     moveClock(2);
     m_site.tick();

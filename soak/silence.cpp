@@ -54,7 +54,7 @@ void keepSilent(Site &site, int polls, const char *name, const std::function<voi
         return !site.gateway() || site.backend.requests(Backend::Values).size() >= polls;
     };
     require(waitFor(answered), "The backend does not receive all polls.");
-    std::printf("  took %lld ms\n", static_cast<long long>(timer.elapsed()));
+    std::printf("  took %lld ms\n", timer.elapsed());
     site.log.clear();
     Census::takeSettled();
     site.backend.forgetRequests(); // only now: Qt may have sent some of them again

@@ -49,7 +49,7 @@ int openDescriptors()
 
 qint64 residentBytes()
 {
-    QFile file(QStringLiteral("/proc/self/statm"));
+    QFile file("/proc/self/statm");
     const bool opened = file.open(QIODevice::ReadOnly);
     return opened ? file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE) : 0;
 }

@@ -38,7 +38,7 @@ using Job = std::shared_ptr<const JobOutcome>;
 class Site
 {
 public:
-    explicit Site(const QString &pluginFile = QStringLiteral(VELA_PLUGIN_FILE));
+    explicit Site(const QString &pluginFile = VELA_PLUGIN_FILE);
     ~Site();
     Q_DISABLE_COPY(Site)
 

@@ -38,7 +38,7 @@ private:
         bool needsProgram;
     };
 
-    QString beginCase(const QString &name);
+    QString beginCase(const QString &);
     QString start(const QString &nameAndCommand);
     QString runShell(const QString &script);
     QString choose(const QString &name);
@@ -91,13 +91,12 @@ QString TranscriptRunner::run(const QString &line)
     return (this->*order->second.run)(line.section(' ', 1));
 }
 
-QString TranscriptRunner::beginCase(const QString &name)
+QString TranscriptRunner::beginCase(const QString &)
 {
     const QString difference = finishCase();
     m_folder = std::make_unique<QTemporaryDir>();
     m_placeholders = m_definitions;
     m_placeholders["folder"] = m_folder->path();
-    m_placeholders["case"] = name;
     return difference;
 }
 

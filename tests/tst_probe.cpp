@@ -59,7 +59,7 @@ void TestProbe::badRequestAtPortWithTls()
 {
     Step step;
     step.stage = Step::OnlineCheck;
-    step.url = QStringLiteral("http://127.0.0.1");
+    step.url = "http://127.0.0.1";
     step.error = QNetworkReply::ProtocolInvalidOperationError;
     step.status = 400;
     QVERIFY(mayBeDueToTls(step));
