@@ -3,8 +3,6 @@
 
 #include "logrecorder.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 #include <cstring>
 
@@ -32,12 +30,6 @@ void LogRecorder::record(QtMsgType type, const QMessageLogContext &context, cons
     s_recorder->m_lines.append((type == QtDebugMsg ? "debug: " : "warning: ") + message);
     if (s_recorder->onLine)
         s_recorder->onLine(s_recorder->m_lines.constLast());
-}
-
-QStringList LogRecorder::warnings() const
-{
-    QStringList result = m_lines.filter(QRegularExpression("^warning: "));
-    return result.replaceInStrings(QRegularExpression("^warning: "), QString());
 }
 
 int LogRecorder::count(const QString &start) const

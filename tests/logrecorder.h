@@ -19,9 +19,7 @@ public:
 
     /*! All lines since the last clear(), each as "debug: TEXT" or "warning: TEXT". */
     QStringList lines() const { return m_lines; }
-    /*! The warnings alone, without "warning: ". */
-    QStringList warnings() const;
-    /*! How many lines begin with \a start. */
+    /*! How many lines begin with \a start, for example "warning: ". */
     int count(const QString &start) const;
     void clear() { m_lines.clear(); }
 
