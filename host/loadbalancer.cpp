@@ -80,5 +80,7 @@ void LoadBalancer::share(Things cars, double left)
         const double ampere = std::min(least + share, mostFor(cars.at(i)));
         left -= powerAt(cars.at(i), ampere - least);
         m_daemon->execute(cars.at(i), QStringLiteral("maxChargingCurrent"), ampere);
+        if (!isOn(cars.at(i), "power")) // A current that was already set does not enable it.
+            m_daemon->execute(cars.at(i), QStringLiteral("power"), true);
     }
 }
