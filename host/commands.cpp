@@ -50,7 +50,7 @@ Message takeOffers(CommandContext *context, const ThingDiscoveryInfo *info)
     return {{{QStringLiteral("offers"), objects}}, aligned(rows)};
 }
 
-Outcome discoverThings(CommandContext *context, const QStringList &arguments)
+JobStart discoverThings(CommandContext *context, const QStringList &arguments)
 {
     ThingClasses classes = context->daemon->thingClasses();
     const ThingClass thingClass = classes.findByName(arguments.first());
@@ -69,7 +69,7 @@ Outcome discoverThings(CommandContext *context, const QStringList &arguments)
     });
 }
 
-Outcome addOffer(CommandContext *context, const QStringList &arguments)
+JobStart addOffer(CommandContext *context, const QStringList &arguments)
 {
     bool isNumber = false;
     const int index = arguments.first().toInt(&isNumber) - 1;
@@ -116,7 +116,7 @@ Outcome showThing(CommandContext *context, const QStringList &arguments)
     });
 }
 
-Outcome setState(CommandContext *context, const QStringList &arguments)
+JobStart setState(CommandContext *context, const QStringList &arguments)
 {
     const auto found = thingNamed(context, arguments.at(0));
     if (!found)
@@ -135,7 +135,7 @@ Outcome setState(CommandContext *context, const QStringList &arguments)
         }};
 }
 
-Outcome setUpThing(CommandContext *context, const QStringList &arguments)
+JobStart setUpThing(CommandContext *context, const QStringList &arguments)
 {
     return thingNamed(context, arguments.first()).map([context](Thing *thing) {
         return StartedJob{context->daemon->setup(thing), [] { return Message(); }};
@@ -175,7 +175,8 @@ Outcome balanceLoad(CommandContext *context, const QStringList &arguments)
                                   .arg(mostPower)
                                   .arg(arguments.first()));
     context->balancer->start(power);
-    return Message{{}, {QStringLiteral("The cars share %1 W; \"balance off\" ends it.").arg(power)}};
+    const QString line = QStringLiteral("The cars share %1; \"balance off\" ends it.");
+    return Message{{}, {line.arg(valueText(power, Types::UnitWatt))}};
 }
 
 Outcome showHelp(CommandContext *, const QStringList &)
@@ -203,19 +204,19 @@ Outcome quitHost(CommandContext *, const QStringList &)
 const QVector<Command> &commands()
 {
     static const QVector<Command> table{
-        {"classes",  "",                        "list the plugin's thing classes",                  false, listClasses   },
-        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",                       true,  discoverThings},
-        {"add",      "N",                       "add or reconfigure the N-th offer",                true,  addOffer      },
-        {"things",   "",                        "list all things",                                  false, listThings    },
-        {"show",     "THING",                   "show a thing's parameters and states",             false, showThing     },
-        {"set",      "THING STATE VALUE",       "set a writable state",                             true,  setState      },
-        {"setup",    "THING",                   "run a thing's set-up again",                       true,  setUpThing    },
-        {"remove",   "THING",                   "remove a thing, its children first",               false, removeThing   },
-        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",           false, watchWallboxes},
-        {"balance",  "WATT",                    "share a power among the cars, or \"off\"",         false, balanceLoad   },
-        {"wait",     "SECONDS",                 "let time pass",                                    false, letTimePass   },
-        {"help",     "",                        "show this list (also \"?\")",                      false, showHelp      },
-        {"quit",     "",                        "end the host (also \"exit\"); things stay stored", false, quitHost      },
+        {"classes",  "",                        "list the plugin's thing classes",                  listClasses   },
+        {"discover", "CLASS [PARAM=VALUE ...]", "look for things of a class",                       discoverThings},
+        {"add",      "N",                       "add or reconfigure the N-th offer",                addOffer      },
+        {"things",   "",                        "list all things",                                  listThings    },
+        {"show",     "THING",                   "show a thing's parameters and states",             showThing     },
+        {"set",      "THING STATE VALUE",       "set a writable state",                             setState      },
+        {"setup",    "THING",                   "run a thing's set-up again",                       setUpThing    },
+        {"remove",   "THING",                   "remove a thing, its children first",               removeThing   },
+        {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",           watchWallboxes},
+        {"balance",  "WATT",                    "share a power among the cars, or \"off\"",         balanceLoad   },
+        {"wait",     "SECONDS",                 "let time pass",                                    letTimePass   },
+        {"help",     "",                        "show this list (also \"?\")",                      showHelp      },
+        {"quit",     "",                        "end the host (also \"exit\"); things stay stored", quitHost      },
     };
     return table;
 }

@@ -36,18 +36,22 @@ struct Pause
     bool showsWallboxes = false;                   //!< meanwhile, every second
 };
 
-/*! The answer, now or later, or the sentence that says what is wrong with the arguments. */
-using Outcome = tl::expected<std::variant<Message, StartedJob, Pause>, QString>;
+// Each is a command's result, or the sentence that says what is wrong with the arguments.
+using Outcome = tl::expected<std::variant<Message, Pause>, QString>;
+using JobStart = tl::expected<StartedJob, QString>;
 
 /*! A command of the host: a row of the table at the end of the source. */
 struct Command
 {
+    using Function = Outcome (*)(CommandContext *context, const QStringList &arguments);
+    using JobFunction = JobStart (*)(CommandContext *context, const QStringList &arguments);
+
     const char *name;
     const char *arguments; //!< as the usage shows them; optional ones in brackets
     const char *summary;
-    bool startsJob; //!< what it returns is a StartedJob
-    Outcome (*run)(CommandContext *context, const QStringList &arguments); //!< a started job needs \a context
+    std::variant<Function, JobFunction> run; //!< a started job needs the context until it has finished
 
+    bool startsJob() const { return std::holds_alternative<JobFunction>(run); }
     QString usage() const;
     /*! The name of the argument at \a index, counted from 0, without brackets; empty if there is none. */
     QString argument(int index) const;

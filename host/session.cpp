@@ -89,13 +89,23 @@ void Session::execute(const QString &line)
     if (!m_command)
         return refuse(QStringLiteral("There is no command \"%1\"; there are %2.")
                           .arg(m_name, commandNames().join(QStringLiteral(", "))));
+    m_name = QLatin1String(m_command->name);
     const QStringList arguments = words->mid(1);
     if (!m_command->takes(arguments.size()))
         return refuse(QStringLiteral("Usage: ") + m_command->usage().trimmed());
-    const Outcome outcome = m_command->run(&m_context, arguments);
-    if (!outcome)
-        return refuse(outcome.error());
-    std::visit([this](const auto &result) { answer(result); }, *outcome);
+    const auto run = [&](const auto function) {
+        const auto outcome = function(&m_context, arguments);
+        if (outcome)
+            answer(*outcome);
+        else
+            refuse(outcome.error());
+    };
+    std::visit(run, m_command->run);
+}
+
+void Session::answer(const std::variant<Message, Pause> &result)
+{
+    std::visit([this](const auto &value) { answer(value); }, result);
 }
 
 void Session::answer(const StartedJob &started)
@@ -140,7 +150,7 @@ void Session::endPause()
 
 void Session::refuse(const QString &reason)
 {
-    const bool startsJob = m_command && m_command->startsJob;
+    const bool startsJob = m_command && m_command->startsJob();
     answer(startsJob ? withStatus({}, Thing::ThingErrorInvalidParameter, reason) : Message(), reason);
 }
 

@@ -35,6 +35,7 @@ private:
 
     // The answer to the last command, now or later.
     void answer(Message message, const QString &error = QString());
+    void answer(const std::variant<Message, Pause> &result);
     void answer(const StartedJob &started);
     void answer(const Pause &pause);
     void refuse(const QString &reason);
