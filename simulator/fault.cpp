@@ -7,18 +7,40 @@ namespace {
 
 constexpr std::chrono::hours untilEnded{24 * 365};
 
-// The control endpoint and the page read this table: a new fault needs a row here, its effect in effectOf() and a
-// line in README.md.
+void refuse(const QJsonValue &status, FaultEffect *effect)
+{
+    const QString reason = QStringLiteral("the backend is told to answer with status %1");
+    effect->reply = refusal(status.toInt(), reason.arg(status.toInt()));
+}
+
+void delay(const QJsonValue &milliseconds, FaultEffect *effect)
+{
+    effect->hold = std::chrono::milliseconds(milliseconds.toInt());
+}
+
+void garble(const QJsonValue &, FaultEffect *effect)
+{
+    effect->reply = HttpReply{effect->reply ? effect->reply->status : 200, "\x1f<garbage \"values\": {["};
+}
+
+void keepSilent(const QJsonValue &, FaultEffect *effect)
+{
+    effect->hold = untilEnded;
+}
+
+// In the order in which they take effect. The control endpoint and the page read this table: a new fault needs a
+// row here and a line in README.md.
 constexpr struct
 {
     BodyMember member;
+    void (*apply)(const QJsonValue &value, FaultEffect *effect);
     const char *label; // of the page's field
     const char *says;
 } faultTable[] = {
-    {{"status", BodyMember::WholeNumber, 200, 599},           "Status",    "status %1"       },
-    {{"delayMs", BodyMember::WholeNumber, 0, 10 * 60 * 1000}, "Delay, ms", "a delay of %1 ms"},
-    {{"garbage", BodyMember::Flag},                           "Garbage",   "garbage"         },
-    {{"silent", BodyMember::Flag},                            "No answer", "no answer"       },
+    {{"status", BodyMember::WholeNumber, 200, 599},           refuse,     "Status",    "status %1"       },
+    {{"delayMs", BodyMember::WholeNumber, 0, 10 * 60 * 1000}, delay,      "Delay, ms", "a delay of %1 ms"},
+    {{"garbage", BodyMember::Flag},                           garble,     "Garbage",   "garbage"         },
+    {{"silent", BodyMember::Flag},                            keepSilent, "No answer", "no answer"       },
 };
 
 } // namespace
@@ -33,29 +55,25 @@ std::vector<BodyMember> faultMembers()
 
 FaultEffect effectOf(const QJsonObject &faults)
 {
-    const QString refused = QStringLiteral("the backend is told to answer with status %1");
-    const int status = faults.value(QLatin1String("status")).toInt(200);
     FaultEffect effect;
-    effect.hold = std::chrono::milliseconds(faults.value(QLatin1String("delayMs")).toInt());
-    if (faults.contains(QLatin1String("silent")))
-        effect.hold = untilEnded;
-    if (faults.contains(QLatin1String("garbage")))
-        effect.reply = HttpReply{status, "\x1f<garbage \"values\": {["};
-    else if (faults.contains(QLatin1String("status")))
-        effect.reply = refusal(status, refused.arg(status));
+    for (const auto &fault : faultTable) {
+        const QJsonValue value = faults.value(QLatin1String(fault.member.name));
+        if (!value.isUndefined())
+            fault.apply(value, &effect);
+    }
     return effect;
 }
 
 QJsonArray describeFaults()
 {
     QJsonArray faults;
-    for (const auto &[member, label, says] : faultTable)
+    for (const auto &fault : faultTable)
         faults.append(QJsonObject{
-            {QStringLiteral("name"),  QLatin1String(member.name)},
-            {QStringLiteral("label"), QLatin1String(label)      },
-            {QStringLiteral("says"),  QLatin1String(says)       },
-            {QStringLiteral("least"), member.least              },
-            {QStringLiteral("most"),  member.most               }
+            {QStringLiteral("name"),  QLatin1String(fault.member.name)},
+            {QStringLiteral("label"), QLatin1String(fault.label)      },
+            {QStringLiteral("says"),  QLatin1String(fault.says)       },
+            {QStringLiteral("least"), fault.member.least              },
+            {QStringLiteral("most"),  fault.member.most               }
         });
     return faults;
 }
