@@ -7,10 +7,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-/*! The object that \a text stands for; empty when it stands for none. */
+/*! The object that \a text stands for; a text that stands for none ends the program. */
 inline QJsonObject json(const QByteArray &text)
 {
-    return QJsonDocument::fromJson(text).object();
+    const QJsonDocument document = QJsonDocument::fromJson(text);
+    if (!document.isObject())
+        qFatal("This is not a JSON object: %s", text.constData());
+    return document.object();
 }
 
 #endif // JSON_H

@@ -25,8 +25,33 @@
 
 namespace {
 
-ScriptedBackend::Operation operation(const QString &name)
+QString takeWord(QStringList &words)
 {
+    if (words.isEmpty())
+        qFatal("A word is missing.");
+    return words.takeFirst();
+}
+
+int takeNumber(QStringList &words)
+{
+    const QString word = takeWord(words);
+    bool isNumber = false;
+    const int number = word.toInt(&isNumber);
+    if (!isNumber)
+        qFatal("\"%s\" is not a whole number.", qPrintable(word));
+    return number;
+}
+
+QByteArray takeRest(QStringList &words)
+{
+    const QString rest = words.join(' ');
+    words.clear();
+    return rest.toUtf8();
+}
+
+ScriptedBackend::Operation takeOperation(QStringList &words)
+{
+    const QString name = takeWord(words);
     bool known = false;
     const int value =
         QMetaEnum::fromType<ScriptedBackend::Operation>().keyToValue(name.toUtf8().constData(), &known);
@@ -55,12 +80,12 @@ constexpr int slowness = 1;
 constexpr int smallness = 1;
 #endif
 
-/*! The bytes that \a words stand for: "<<3 x TEXT>>" is a repetition, in which # is the number; then come the
-    escapes \r, \n and \xHH. */
-QByteArray bytes(const QStringList &words)
+/*! The bytes that the rest of \a words stands for: "<<3 x TEXT>>" is a repetition, in which # is the number; then
+    come the escapes \r, \n and \xHH. */
+QByteArray takeBytes(QStringList &words)
 {
     static const QRegularExpression repetition("<<(\\d+) x (.+?)>>");
-    QString text = words.join(' ');
+    QString text = takeRest(words);
     for (auto match = repetition.match(text); match.hasMatch(); match = repetition.match(text)) {
         QString repeated;
         for (int i = 0; i < match.captured(1).toInt() / smallness; ++i)
@@ -108,6 +133,8 @@ void PluginConsole::run(const QString &line)
     if (!command)
         qFatal("There is no command \"%s\".", qPrintable(line));
     command(words);
+    if (!words.isEmpty())
+        qFatal("\"%s\" has too many words.", qPrintable(line));
     waitUntilIdle();
     printFinishedJobs();
     flush();
@@ -123,32 +150,44 @@ void PluginConsole::waitUntilIdle() const
 void PluginConsole::addBackendCommands()
 {
     ScriptedBackend &backend = m_site.backend;
-    m_commands["wallbox"] = [&](const Words &words) {
-        backend.setWallbox(words.value(0), words.value(1).toInt());
+    m_commands["wallbox"] = [&](Words &words) {
+        const QString infraId = takeWord(words);
+        backend.setWallbox(infraId, takeNumber(words));
     };
-    m_commands["wallboxes"] = [&](const Words &words) {
-        for (int i = 1; i <= words.value(0).toInt(); ++i)
+    m_commands["wallboxes"] = [&](Words &words) {
+        const int count = takeNumber(words);
+        for (int i = 1; i <= count; ++i)
             backend.setWallbox(numberedId(i), 16);
     };
-    m_commands["unlist"] = [&](const Words &words) { backend.wallboxes.remove(words.value(0)); };
-    m_commands["group"] = [&](const Words &words) { backend.wallboxes = json(words.join(' ').toUtf8()); };
-    m_commands["values"] = [&](const Words &words) { backend.values = json(words.join(' ').toUtf8()); };
-    m_commands["answer"] = [&](const Words &words) {
-        backend.answer(operation(words.value(0)), words.value(1).toInt(), bytes(words.mid(2)));
+    m_commands["unlist"] = [&](Words &words) {
+        const QString infraId = takeWord(words);
+        if (backend.wallboxes.take(infraId).isUndefined())
+            qFatal("There is no wallbox \"%s\".", qPrintable(infraId));
     };
-    m_commands["normal"] = [&](const Words &words) { backend.answerNormally(operation(words.value(0))); };
-    m_commands["endless"] = [&](const Words &words) {
-        backend.sendRaw(operation(words.value(0)),
+    m_commands["group"] = [&](Words &words) { backend.wallboxes = json(takeRest(words)); };
+    m_commands["values"] = [&](Words &words) { backend.values = json(takeRest(words)); };
+    m_commands["answer"] = [&](Words &words) {
+        const auto operation = takeOperation(words);
+        const int status = takeNumber(words);
+        backend.answer(operation, status, takeBytes(words));
+    };
+    m_commands["normal"] = [&](Words &words) { backend.answerNormally(takeOperation(words)); };
+    m_commands["endless"] = [&](Words &words) {
+        backend.sendRaw(takeOperation(words),
                         "HTTP/1.1 200 OK\r\nSet-Cookie: a=b\r\n\r\n" + QByteArray(65 << 20, ' '));
     };
-    m_commands["serve"] = [&](const Words &words) {
+    m_commands["serve"] = [&](Words &words) {
+        const auto operation = takeOperation(words);
         QTextStream(stdout) << backend.url() << '\n';
-        const int before = backend.requests(operation(words.value(0))).size();
-        if (!waitFor([&] { return backend.requests(operation(words.value(0))).size() > before; }))
-            qFatal("Another program has not sent \"%s\".", qPrintable(words.value(0)));
+        const int before = backend.requests(operation).size();
+        if (!waitFor([&] { return backend.requests(operation).size() > before; }))
+            qFatal("Another program has not sent the request.");
     };
-    m_commands["hold"] = [&](const Words &words) { backend.hold(operation(words.value(0))); };
-    m_commands["release"] = [&](const Words &words) { backend.releaseAll(operation(words.value(0))); };
+    m_commands["hold"] = [&](Words &words) { backend.hold(takeOperation(words)); };
+    m_commands["release"] = [&](Words &words) {
+        if (!backend.releaseAll(takeOperation(words)))
+            qFatal("No request is held.");
+    };
 }
 
 void PluginConsole::addFaultCommands()
@@ -157,13 +196,15 @@ void PluginConsole::addFaultCommands()
     m_commands["shutdown"] = [&](const Words &) { backend.shutDown(); };
     m_commands["startup"] = [&](const Words &) { backend.startUp(); };
     m_commands["close"] = [&](const Words &) { backend.closeConnections(); };
-    m_commands["reset"] = [&](const Words &words) { backend.reset(operation(words.value(0))); };
-    m_commands["hangup"] = [&](const Words &words) {
-        backend.hangUp(operation(words.value(0)), bytes(words.mid(1)));
+    m_commands["reset"] = [&](Words &words) { backend.reset(takeOperation(words)); };
+    m_commands["hangup"] = [&](Words &words) {
+        const auto operation = takeOperation(words);
+        backend.hangUp(operation, takeBytes(words));
     };
-    m_commands["part"] = [&](const Words &words) {
-        if (!backend.sendPart(operation(words.value(0)), bytes(words.mid(1))))
-            qFatal("No \"%s\" is held.", qPrintable(words.value(0)));
+    m_commands["part"] = [&](Words &words) {
+        const auto operation = takeOperation(words);
+        if (!backend.sendPart(operation, takeBytes(words)))
+            qFatal("No request is held.");
     };
     m_commands["namesfail"] = [](const Words &) { setNamesResolve(false); };
     m_commands["namesresolve"] = [](const Words &) { setNamesResolve(true); };
@@ -195,8 +236,10 @@ void PluginConsole::addClientCommands()
             [this](const QString &device) { print("online " + device); });
     connect(&m_client, &NetworkHandler::ocppDaemonStatus, this,
             [this](bool state) { print(QString("backend %1").arg(state)); });
-    m_commands["client-aim"] = [&](const Words &words) {
-        m_client.setServerInfo(words.at(0), words.at(1), words.at(2));
+    m_commands["client-aim"] = [&](Words &words) {
+        const QString url = takeWord(words);
+        const QString groupId = takeWord(words);
+        m_client.setServerInfo(url, groupId, takeWord(words));
     };
     m_commands["client-online"] = [&](const Words &) { m_client.isOnline(); };
     m_commands["client-group"] = [&](const Words &) { m_client.getConnectedInfra(); };
@@ -209,20 +252,22 @@ void PluginConsole::addClientCommands()
 
 void PluginConsole::addJobCommands()
 {
-    m_commands["discover"] = [&](const Words &words) {
-        const auto word = [&words](int index) {
-            return words.at(index) == "?" ? QString()
-                : words.at(index) == "-"  ? QString("")
-                                          : words.at(index);
+    m_commands["discover"] = [&](Words &words) {
+        if (words.isEmpty())
+            return m_jobs.append({"discovery", m_site.discover()});
+        const auto takeParam = [&words] {
+            const QString word = takeWord(words);
+            return word == "?" ? QString() : word == "-" ? QString("") : word;
         };
-        m_jobs.append(
-            {"discovery", words.isEmpty() ? m_site.discover() : m_site.discover(word(0), word(1), word(2))});
+        const QString url = takeParam();
+        const QString groupId = takeParam();
+        m_jobs.append({"discovery", m_site.discover(url, groupId, takeParam())});
     };
     m_commands["add"] = [&](const Words &) { m_jobs.append({"set-up", m_site.add(m_offers.first())}); };
-    m_commands["addwallbox"] = [&](const Words &words) {
-        const ThingClass thingClass = m_site.daemon->thingClasses().findByName(words.value(0));
-        ThingDescriptor descriptor(thingClass.id, words.value(1));
-        descriptor.setParams({{Param(thingClass.paramTypes.findByName("infraID").id, words.value(2))}});
+    m_commands["addwallbox"] = [&](Words &words) {
+        const ThingClass thingClass = m_site.daemon->thingClasses().findByName(takeWord(words));
+        ThingDescriptor descriptor(thingClass.id, takeWord(words));
+        descriptor.setParams({{Param(thingClass.paramTypes.findByName("infraID").id, takeWord(words))}});
         m_jobs.append({"set-up", m_site.add(descriptor)});
     };
     m_commands["gateway"] = [&](const Words &) {
@@ -230,54 +275,70 @@ void PluginConsole::addJobCommands()
         if (!error.isEmpty())
             print(error);
     };
-    m_commands["setup"] = [&](const Words &words) {
-        m_jobs.append({"set-up", m_site.setup(thing(words.value(0)))});
+    m_commands["setup"] = [&](Words &words) {
+        m_jobs.append({"set-up", m_site.setup(thing(takeWord(words)))});
     };
-    m_commands["set"] = [&](const Words &words) {
-        m_jobs.append({"action", m_site.set(words.value(0), words.value(1), value(words.value(2)))});
+    m_commands["set"] = [&](Words &words) {
+        const QString name = takeWord(words);
+        const QString state = takeWord(words);
+        m_jobs.append({"action", m_site.set(name, state, value(takeWord(words)))});
     };
 }
 
 void PluginConsole::addOtherCommands()
 {
-    m_commands["show"] = [&](const Words &words) { m_shown = words; };
-    m_commands["remove"] = [&](const Words &words) { m_site.remove(thing(words.value(0))); };
+    m_commands["show"] = [&](Words &words) {
+        static const QStringList kinds{"announced", "changes", "limits", "log", "requests"};
+        m_shown.clear();
+        while (!words.isEmpty()) {
+            m_shown.append(takeWord(words));
+            if (!kinds.contains(m_shown.constLast()))
+                qFatal("There are no events of the kind \"%s\".", qPrintable(m_shown.constLast()));
+        }
+    };
+    m_commands["remove"] = [&](Words &words) { m_site.remove(thing(takeWord(words))); };
     m_commands["restart"] = [&](const Words &) {
         m_site.restart();
         listen();
     };
-    m_commands["poll"] = [&](const Words &words) {
-        for (int i = 0; i < words.value(0, "1").toInt(); ++i) {
+    m_commands["poll"] = [&](Words &words) {
+        const int count = words.isEmpty() ? 1 : takeNumber(words);
+        for (int i = 0; i < count; ++i) {
             m_site.tick();
             waitUntilIdle();
         }
     };
     m_commands["quiet"] = [](const Words &) { QLoggingCategory::setFilterRules("Vela.debug=false"); };
-    m_commands["busy"] = [&](const Words &words) {
+    m_commands["busy"] = [&](Words &words) {
         auto *application = static_cast<WatchedApplication *>(QCoreApplication::instance());
-        if (!words.isEmpty() && words.first().toDouble() * slowness < application->longest)
+        if (!words.isEmpty() && takeNumber(words) * slowness < application->longest)
             print(QString("busy for %1 ms").arg(application->longest));
         application->longest = 0;
     };
     m_commands["renew"] = [&](const Words &) { m_site.fireChargeLimitTimer(); };
-    m_commands["zone"] = [](const Words &words) { qputenv("TZ", words.value(0).toUtf8()); };
-    m_commands["clock"] = [&](const Words &words) { Site::moveClock(words.value(0).toInt()); };
-    m_commands["write"] = [&](const Words &words) {
-        thing(words.value(0), words.mid(1, 1))->setStateValue(words.value(1), value(words.value(2)));
+    m_commands["zone"] = [](Words &words) { qputenv("TZ", takeWord(words).toUtf8()); };
+    m_commands["clock"] = [](Words &words) { Site::moveClock(takeNumber(words)); };
+    m_commands["write"] = [&](Words &words) {
+        const QString name = takeWord(words);
+        const QString state = takeWord(words);
+        thing(name, {state})->setStateValue(state, value(takeWord(words)));
     };
-    m_commands["param"] = [&](const Words &words) {
-        Thing *changed = thing(words.value(0));
-        changed->setParamValue(changed->thingClass().paramTypes.findByName(words.value(1)).id,
-                               value(words.value(2)));
+    m_commands["param"] = [&](Words &words) {
+        Thing *changed = thing(takeWord(words));
+        const QString name = takeWord(words);
+        const ParamType type = changed->thingClass().paramTypes.findByName(name);
+        if (type.id.isNull())
+            qFatal("There is no parameter \"%s\".", qPrintable(name));
+        changed->setParamValue(type.id, value(takeWord(words)));
     };
-    m_commands["credentials"] = [&](const Words &words) {
+    m_commands["credentials"] = [&](Words &words) {
         QSettings *storage = m_site.daemon->plugin()->pluginStorage();
         storage->remove(QString());
         storage->beginGroup(m_site.daemon->thingClasses().findByName("vela").id.toString());
-        const char *const keys[] = {"url", "groupId", "groupSecret"};
-        for (int i = 0; i < 3; ++i) {
-            if (words.at(i) != "-")
-                storage->setValue(keys[i], words.at(i));
+        for (const char *key : {"url", "groupId", "groupSecret"}) {
+            const QString word = takeWord(words);
+            if (word != "-")
+                storage->setValue(key, word);
         }
         storage->endGroup();
     };
@@ -286,12 +347,15 @@ void PluginConsole::addOtherCommands()
 /*! Commands for what listeners to the plugin and its things may do. */
 void PluginConsole::addListeners()
 {
-    m_commands["overwrite"] = [&](const Words &words) {
-        Thing *changed = thing(words.value(0), words.mid(1, 1));
-        connect(changed, &Thing::stateValueChanged, this, [changed, words](const StateTypeId &id) {
-            if (changed->thingClass().stateTypes.findById(id).name == words.value(1))
-                changed->setStateValue(words.value(1), value(words.value(2)));
-        });
+    m_commands["overwrite"] = [&](Words &words) {
+        const QString name = takeWord(words);
+        const QString state = takeWord(words);
+        Thing *changed = thing(name, {state});
+        connect(changed, &Thing::stateValueChanged, this,
+                [changed, state, written = value(takeWord(words))](const StateTypeId &id) {
+                    if (changed->thingClass().stateTypes.findById(id).name == state)
+                        changed->setStateValue(state, written);
+                });
     };
     const auto removeAllBut = [this](int count) {
         while (m_site.wallboxes().size() > count)
@@ -322,15 +386,18 @@ void PluginConsole::addQueries()
             classes.insert(wallbox->thingClassId());
         print(QString("%1 wallboxes of %2 classes").arg(wallboxes.size()).arg(classes.size()));
     };
-    m_commands["state"] = [&](const Words &words) {
+    m_commands["state"] = [&](Words &words) {
+        const QString name = takeWord(words);
         Words values;
-        const Words names = words.mid(1);
-        for (const QString &name : names)
-            values.append(thing(words.value(0), {name})->stateValue(name).toString());
+        while (!words.isEmpty()) {
+            const QString state = takeWord(words);
+            values.append(thing(name, {state})->stateValue(state).toString());
+        }
         print(values.join(' '));
     };
-    m_commands["params"] = [&](const Words &words) {
-        print(paramTexts(thing(words.value(0))->thingClass(), thing(words.value(0))->params()));
+    m_commands["params"] = [&](Words &words) {
+        const Thing *shown = thing(takeWord(words));
+        print(paramTexts(shown->thingClass(), shown->params()));
     };
     m_commands["storage"] = [&](const Words &) {
         const QSettings *storage = m_site.daemon->plugin()->pluginStorage();

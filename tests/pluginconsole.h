@@ -19,7 +19,7 @@ public:
     PluginConsole();
     ~PluginConsole() override;
     Q_DISABLE_COPY(PluginConsole)
-    /*! Runs one command; an unknown one ends the program. */
+    /*! Runs one command; an unknown one, or one with too few, too many or wrong words, ends the program. */
     void run(const QString &line);
 
 private Q_SLOTS:
@@ -55,7 +55,7 @@ private:
     QVector<QPair<QString, Job>> m_jobs; // whose results have not been printed, with their names
     ThingDescriptors m_offers;           // of the last discovery that has finished
     Census m_census;                     // the last one
-    QMap<QString, std::function<void(const Words &)>> m_commands;
+    QMap<QString, std::function<void(Words &)>> m_commands; // each takes its words
     ScriptedBackend m_other;
     NetworkHandler m_client; // without a plugin
     Site m_site;             // the last member: until it is destroyed, it calls this object

@@ -84,7 +84,10 @@ bool takeRequest(QByteArray &buffer, ScriptedBackend::Request &request)
     if (headerEnd < 0)
         return false;
     QList<QByteArray> lines = buffer.left(headerEnd).split('\n');
-    request.target = lines.takeFirst().split(' ').value(1);
+    const QList<QByteArray> requestLine = lines.takeFirst().split(' ');
+    if (requestLine.first() != "POST")
+        qFatal("The scripted backend was sent a %s.", requestLine.first().constData());
+    request.target = requestLine.value(1);
     for (const QByteArray &line : qAsConst(lines)) {
         const int colon = line.indexOf(':');
         request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
@@ -198,11 +201,13 @@ bool ScriptedBackend::release(Operation operation, const QByteArray &body, int i
     return socket && socket->write(response(200, body)) > 0;
 }
 
-void ScriptedBackend::releaseAll(Operation operation)
+bool ScriptedBackend::releaseAll(Operation operation)
 {
+    const bool isAnyHeld = !m_held.value(operation).isEmpty();
     answerNormally(operation);
     while (!m_held.value(operation).isEmpty())
         release(operation, defaultBody(operation));
+    return isAnyHeld;
 }
 
 bool ScriptedBackend::sendPart(Operation operation, const QByteArray &bytes)

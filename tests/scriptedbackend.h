@@ -13,8 +13,8 @@
 /*! An OCPP backend that answers as the test says and remembers every request.
 
     Without a script it accepts everything: it is online, answers with the wallboxes and values below and
-    takes all limits. It is strict about what it is sent: an unknown path, or an unknown or missing member of
-    the body, ends the program with a message that names it. Connections are kept alive. It listens on a free
+    takes all limits. It is strict about what it is sent: an unknown path, another method than POST, or an unknown or missing
+    member of the body, ends the program with a message that names it. Connections are kept alive. It listens on a free
     port of the loopback interface. */
 class ScriptedBackend : public QObject
 {
@@ -66,8 +66,9 @@ public:
     /*! Answers a held request of \a operation with \a body: the one at \a index, of which 0 is the oldest.
         False if there is none, or if its connection has ended. */
     bool release(Operation operation, const QByteArray &body, int index = 0);
-    /*! Gives the default answer to all held requests of \a operation, and to later ones at once. */
-    void releaseAll(Operation operation);
+    /*! Gives the default answer to all held requests of \a operation, and to later ones at once. False if none
+        was held. */
+    bool releaseAll(Operation operation);
     /*! Sends \a bytes in answer to the oldest held request of \a operation, and goes on holding it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
 

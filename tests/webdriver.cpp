@@ -113,7 +113,7 @@ QJsonValue WebDriver::call(const QByteArray &method, const QString &path, const 
     QNetworkReply *reply = m_manager.sendCustomRequest(request, method, content); // the manager's
     const bool done = waitFor([reply] { return reply->isFinished(); });
     reply->deleteLater();
-    const QJsonValue value = json(reply->readAll()).value("value");
+    const QJsonValue value = QJsonDocument::fromJson(reply->readAll())["value"];
     if ((!done || reply->error() != QNetworkReply::NoError) && m_error.isEmpty())
         m_error = path + ": " + reply->errorString() + ' ' + value["message"].toString().section('\n', 0, 0);
     return value;
