@@ -97,7 +97,7 @@ void judgeTlsFault(Step &step)
     if (!isHttps(step))
         step.problem("needs-https", "that port speaks TLS: did you mean https://?");
     else if (!step.speaksTls)
-        step.problem("no-tls", "no TLS is spoken there: did you mean http://? (%1)", {step.errorText});
+        step.problem("no-tls", "that port does not speak TLS: did you mean http://? (%1)", {step.errorText});
     else if (step.certificateErrors.isEmpty())
         step.problem("tls-failed", "the TLS handshake failed: %1", {step.errorText});
     else
