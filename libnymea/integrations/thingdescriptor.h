@@ -56,6 +56,7 @@ private:
     ParamList m_params;
 };
 
+/*! Offers or new things, in the order in which the plugin has found them. */
 class LIBNYMEA_EXPORT ThingDescriptors : public QList<ThingDescriptor>
 {
 public:

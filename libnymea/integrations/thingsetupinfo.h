@@ -19,7 +19,7 @@ public:
     {
     }
 
-    /*! Never null. Valid as long as the job exists. */
+    /*! Never null for a plugin. Valid as long as the job exists. */
     Thing *thing() const { return m_thing; }
 
 private:

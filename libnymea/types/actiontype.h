@@ -17,6 +17,7 @@ struct ActionType
     ParamTypes paramTypes;
 };
 
+/*! The actions of a thing class: one for each writable state, with the state's id. */
 class LIBNYMEA_EXPORT ActionTypes : public TypeList<ActionType, ActionTypeId>
 {
 };

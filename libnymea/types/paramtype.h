@@ -23,6 +23,7 @@ struct ParamType
     bool readOnly = false; //!< can only be set when the thing is created
 };
 
+/*! The parameters of a thing class or an action, in the order of the metadata. */
 class LIBNYMEA_EXPORT ParamTypes : public TypeList<ParamType, ParamTypeId>
 {
 };

@@ -26,6 +26,7 @@ struct StateType
     bool writable = false; //!< whether there is an action with the same id, which sets it
 };
 
+/*! The states of a thing class, in the order of the metadata. */
 class LIBNYMEA_EXPORT StateTypes : public TypeList<StateType, StateTypeId>
 {
 };

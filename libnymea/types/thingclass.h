@@ -26,6 +26,7 @@ struct ThingClass
     ActionTypes actionTypes; //!< one for each writable state
 };
 
+/*! The thing classes of a plugin, in the order of the metadata. */
 class LIBNYMEA_EXPORT ThingClasses : public TypeList<ThingClass, ThingClassId>
 {
 public:
