@@ -174,7 +174,7 @@ QString TranscriptRunner::expectOutput(const QString &text)
             return {};
         }
         if (!m_program->skips)
-            return "printed is\n  " + line;
+            return "it printed\n  " + line;
     }
 }
 
@@ -198,7 +198,7 @@ QString TranscriptRunner::expectError(const QString &text)
         found = find();
         return found || ended;
     });
-    return done && found ? QString() : "standard error holds\n  " + seen.join("\n  ");
+    return done && found ? QString() : "standard error contains\n  " + seen.join("\n  ");
 }
 
 QString TranscriptRunner::endInput(const QString &)
@@ -219,7 +219,7 @@ QString TranscriptRunner::expectStatus(const QString &status)
         return "the program does not end";
     const QByteArray rest = m_program->skips ? QByteArray() : process.readAllStandardOutput();
     if (!rest.isEmpty())
-        return "printed is also\n  " + QString::fromUtf8(rest);
+        return "it also printed\n  " + QString::fromUtf8(rest);
     // A shell reports a program that a signal has ended in the same way.
     const int ended =
         process.exitStatus() == QProcess::CrashExit ? 128 + process.exitCode() : process.exitCode();

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Vela authors
 // SPDX-License-Identifier: MIT
 
+#include "waiting.h"
+
 #include <QtTest>
 
 #include <csignal>
@@ -38,7 +40,7 @@ void TestFullPipe::secondSignalKills()
         int size = 0;
         return ioctl(fd, FIONREAD, &size) == 0 ? size : -1;
     };
-    QTRY_VERIFY(written() + answer.size() > capacity);
+    QVERIFY(waitFor([&] { return written() + answer.size() > capacity; }));
     // More than two may be needed: two that arrive together are one.
     for (int i = 0; i < 100 && !process.waitForFinished(100); ++i)
         process.terminate();

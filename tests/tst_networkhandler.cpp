@@ -4,6 +4,7 @@
 #include "json.h"
 #include "networkhandler.h"
 #include "scriptedbackend.h"
+#include "waiting.h"
 
 #include <QMetaMethod>
 #include <QtTest>
@@ -26,7 +27,7 @@ void TestNetworkHandler::request()
     QJsonObject body = json(R"({"secret": "caller's", "evse_ids": []})");
     handler.sendRequestPost("/vela/get_values/yard", body, [](QNetworkReply *) {});
     QCOMPARE(body, json(R"({"secret": "s3cret", "evse_ids": []})")); // changed in place
-    QTRY_COMPARE(backend.requests().size(), 1);
+    QVERIFY(waitFor([&backend] { return !backend.requests().isEmpty(); }));
     const ScriptedBackend::Request request = backend.requests().constFirst();
     QCOMPARE(request.body, QJsonDocument(body).toJson()); // indented
     QCOMPARE(request.headers.value("content-type"), QByteArray("application/json"));
