@@ -251,7 +251,7 @@ void PolledPlugin::arrive(qint64 time)
         counts["kWh counted in totals"] += growth;
         // Exactly: the same additions in the same order.
         require(wallbox->stateValue("totalEnergyConsumed").toDouble() == meter.total,
-                "The total of " + wallbox->name() + " is not what its readings make.");
+                "The total of " + wallbox->name() + " is not the sum of its readings.");
     }
 }
 
