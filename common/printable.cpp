@@ -5,6 +5,8 @@
 
 #include <QJsonDocument>
 
+#include <cmath>
+
 QString printable(const QString &text)
 {
     QVector<uint> characters = text.toUcs4();
@@ -34,4 +36,10 @@ QByteArray printableJson(const QJsonObject &object)
             text += escaped(character); // fromUcs4() would drop U+FEFF as a byte order mark
     }
     return text.toUtf8();
+}
+
+QString numberText(double number)
+{
+    const double rounded = std::round(number * 1000) / 1000 + 0.0; // Adding 0 makes -0 a 0.
+    return QString::number(rounded, 'g', 15);
 }

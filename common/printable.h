@@ -18,4 +18,7 @@ QString printable(const QString &text);
     change: the characters that printable() would replace are written as escape sequences. */
 QByteArray printableJson(const QJsonObject &object);
 
+/*! Returns \a number to 0.001, without trailing zeros. */
+QString numberText(double number);
+
 #endif // PRINTABLE_H

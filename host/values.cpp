@@ -3,6 +3,8 @@
 
 #include "values.h"
 
+#include "printable.h"
+
 #include <QDateTime>
 
 #include <cmath>
@@ -137,7 +139,5 @@ QString valueText(const QVariant &value, Types::Unit unit)
             .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     if (value.userType() != QMetaType::Double)
         return value.toString() + unitSuffix(unit);
-    // To 0.001, without trailing zeros. Adding 0 makes -0 a 0.
-    const double rounded = std::round(value.toDouble() * 1000) / 1000 + 0.0;
-    return QString::number(rounded, 'g', 15) + unitSuffix(unit);
+    return numberText(value.toDouble()) + unitSuffix(unit);
 }

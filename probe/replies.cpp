@@ -4,6 +4,7 @@
 #include "replies.h"
 
 #include "livevalues.h"
+#include "printable.h"
 #include "transport.h"
 #include "wallboxbounds.h"
 
@@ -131,7 +132,7 @@ QString shown(const QString &wallbox, const LiveValues &values)
 {
     const double power = values.charging ? activePower(values) : 0;
     return QStringLiteral("%1: %2, %3 W, %4 kWh")
-        .arg(wallbox, values.state, QString::number(power), QString::number(values.sessionEnergy));
+        .arg(wallbox, values.state, numberText(power), numberText(values.sessionEnergy));
 }
 
 } // namespace
