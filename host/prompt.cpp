@@ -196,6 +196,8 @@ void Prompt::handleKeys()
     if (interrupt != std::wstring::npos) {
         m_keys.erase(0, interrupt + 1);
         emit interrupted();
+    } else if (!m_keys.empty() && m_keys.front() == endKey) {
+        emit interrupted(); // The prompt, which is shown then, takes the key.
     } else if (m_keys.find_first_of(L"\r\n") != std::wstring::npos) {
         emit enterPressed();
     }

@@ -44,7 +44,7 @@ public:
     void print(const QByteArray &bytes);
 
 Q_SIGNALS:
-    /*! While the prompt is not shown: Enter or Ctrl-C has been pressed. */
+    /*! While the prompt is not shown: Enter has been pressed, or one of Ctrl-C and Ctrl-D. */
     void enterPressed();
     void interrupted();
 
