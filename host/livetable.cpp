@@ -81,12 +81,14 @@ QString barText(const Thing *wallbox, const WallboxTable &table, int width, bool
 }
 
 /*! The current and its limit: "off" for a wallbox that is limited to 0 A, "-" for one that is not limited.
-    The plugin limits wallboxes that are not enabled only after an action on one of them, some seconds later. */
+    The plugin limits wallboxes that are not enabled only after an action on one of them, some seconds later. A
+    limit from before the host was started shows in the state of the wallbox alone. */
 QString currentText(const Thing *wallbox, const WallboxTable &table)
 {
-    const bool isManaged = table.gateways.contains(wallbox->parentId());
     const double ampere = current(wallbox);
-    QString limit = isManaged && ampere == 0 ? QStringLiteral("off") : QStringLiteral("-");
+    const bool isPaused =
+        isInState(wallbox, {"SuspendedEVSE"}) || (table.managed.contains(wallbox->id()) && ampere == 0);
+    QString limit = isPaused ? QStringLiteral("off") : QStringLiteral("-");
     if (isOn(wallbox, "power"))
         limit = decimals(number(wallbox, "maxChargingCurrent"), 0);
     return measured(wallbox, table, ampere, 1) + QLatin1Char('/') + limit;

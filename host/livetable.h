@@ -13,9 +13,10 @@
 struct WallboxTable
 {
     Things wallboxes;
-    QSet<ThingId> gateways; //!< those with an action on one of their wallboxes
-    qint64 now;             //!< seconds since the epoch
-    bool isLive;            //!< values arrive; if not, the last ones say nothing about now
+    /*! Those that have seen an action, on themselves or on another wallbox of their gateway. */
+    QSet<ThingId> managed;
+    qint64 now;  //!< seconds since the epoch
+    bool isLive; //!< values arrive; if not, the last ones say nothing about now
 };
 
 struct TableStyle

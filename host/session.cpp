@@ -52,8 +52,11 @@ void Session::reportEvents()
             [this](const Thing *thing) { m_output->print(thingRemovedEvent(thing)); });
     connect(m_daemon, &Daemon::setupFinished, this,
             [this](const ThingSetupInfo *info) { m_output->print(setupFinishedEvent(info)); });
-    connect(m_daemon, &Daemon::actionExecuted, this,
-            [this](const Thing *thing) { m_managedGateways.insert(thing->parentId()); });
+    connect(m_daemon, &Daemon::actionExecuted, this, [this](const Thing *thing) {
+        const Things siblings = m_daemon->configuredThings().filterByParentId(thing->parentId());
+        for (const Thing *sibling : siblings)
+            m_managed.insert(sibling->id());
+    });
     connect(m_daemon, &Daemon::stateChanged, this,
             [this](const Thing *thing, const StateTypeId &id, const QVariant &value) {
                 if (!thing->thingClass().stateTypes.findById(id).writable)
@@ -173,6 +176,6 @@ void Session::answer(Message message, const QString &error)
 
 void Session::drawWallboxes()
 {
-    m_output->draw({wallboxesOf(m_daemon->configuredThings()), m_managedGateways,
-                    QDateTime::currentSecsSinceEpoch(), !m_sinceValues.hasExpired(longestSilence)});
+    m_output->draw({wallboxesOf(m_daemon->configuredThings()), m_managed, QDateTime::currentSecsSinceEpoch(),
+                    !m_sinceValues.hasExpired(longestSilence)});
 }

@@ -48,8 +48,8 @@ private:
     Output *const m_output;
     LoadBalancer m_balancer;
     CommandContext m_context;
-    QSet<ThingId> m_managedGateways; // with an action on one of their wallboxes since the start
-    QElapsedTimer m_sinceValues;     // since the start or a change of what the plugin measures
+    QSet<ThingId> m_managed;     // see WallboxTable
+    QElapsedTimer m_sinceValues; // since the start or a change of what the plugin measures
     bool m_quit = false;
     bool m_hasFailed = false;
 
