@@ -55,13 +55,13 @@ void LoadBalancer::balance()
     double left = m_power;
     const Things wallboxes = wallboxesOf(m_daemon->configuredThings());
     for (Thing *wallbox : wallboxes) {
-        if (!isInState(wallbox, {"Preparing", "Charging", "SuspendedEVSE", "SuspendedEV"}))
-            continue;
+        const bool hasCar = isInState(wallbox, {"Preparing", "Charging", "SuspendedEVSE", "SuspendedEV"});
         const double least = powerAt(wallbox, limitOf(wallbox).minValue());
-        if (least <= left) {
+        if (hasCar && least <= left) {
             cars.append(wallbox);
             left -= least;
-        } else if (isOn(wallbox, "power")) {
+        } else {
+            // Also if it is disabled already: the action keeps its limit of 0 A in force.
             m_daemon->execute(wallbox, QStringLiteral("power"), false);
         }
     }
