@@ -28,7 +28,7 @@ public:
     /*! The address of the backend, and the group with its secret. */
     struct ServerInfo
     {
-        QUrl url; //!< scheme, host and port are used; the path is replaced by that of the endpoint
+        QUrl url; //!< its path is replaced by that of the endpoint; a query is sent with each request
         QString groupId;
         QString groupSecret; //!< sent in every body, never logged
     };

@@ -19,13 +19,14 @@
 
 namespace {
 
-/*! The URL of \a path at the backend, or of the backend itself, without the password that it may contain. */
+/*! The URL of \a path at the backend, or of the backend itself, without the password that it may contain, and
+    without a fragment, which is not sent. */
 QString displayUrl(const QString &base, const QString &path = {})
 {
     QUrl url(base, QUrl::TolerantMode);
     if (!path.isEmpty())
         url.setPath(path, QUrl::DecodedMode);
-    return url.toDisplayString(QUrl::FullyEncoded | QUrl::RemovePassword);
+    return url.toDisplayString(QUrl::FullyEncoded | QUrl::RemovePassword | QUrl::RemoveFragment);
 }
 
 void readReply(Step &step, QNetworkReply *reply)

@@ -41,13 +41,18 @@ QString answerText(const Step &step)
         + (plain ? QString() : QLatin1String(", ") + errorName(step));
 }
 
+/*! Whether there is a problem of the backend as a whole, and not just of a wallbox. */
+bool hasGeneralProblem(const Step &step)
+{
+    return std::any_of(step.findings.begin(), step.findings.end(), [](const Finding &finding) {
+        return finding.severity == Problem && finding.wallbox.isEmpty();
+    });
+}
+
 /*! Whether the reply is shown. A finding about a single wallbox quotes all that matters. */
 bool isReplyOfInterest(const Step &step)
 {
-    return !step.reply.isEmpty()
-        && std::any_of(step.findings.begin(), step.findings.end(), [](const Finding &finding) {
-               return finding.severity == Problem && finding.wallbox.isEmpty();
-           });
+    return !step.reply.isEmpty() && hasGeneralProblem(step);
 }
 
 QString line(const char *label, const QString &text)
@@ -139,8 +144,10 @@ QString stepText(const Step &step)
 QString verdictText(const Report &report)
 {
     const int problems = count(report, Problem);
-    return QStringLiteral("The plugin would %1work with this backend (problems: %2, warnings: %3).\n")
-        .arg(QLatin1String(problems == 0 ? "" : "not "))
+    const bool works = std::none_of(report.begin(), report.end(), hasGeneralProblem);
+    return QStringLiteral("The plugin would %1work with this backend%2 (problems: %3, warnings: %4).\n")
+        .arg(QLatin1String(works ? "" : "not "))
+        .arg(QLatin1String(works && problems > 0 ? ", apart from the problems above" : ""))
         .arg(problems)
         .arg(count(report, Warning));
 }

@@ -183,8 +183,8 @@ void judgeUrl(Step &step, const QString &url)
             "the path \"%1\" of the URL is replaced by the plugin's own paths; it is not put in front "
             "of them",
             {parsed.path()});
-    if (parsed.hasQuery() || parsed.hasFragment())
-        step.warning("query-kept", "the URL has a query or fragment, which is part of every request");
+    if (parsed.hasQuery())
+        step.warning("query-kept", "the URL has a query, which is part of every request");
 }
 
 bool mayBeDueToTls(const Step &step)
