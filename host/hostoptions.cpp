@@ -32,8 +32,8 @@ as it can write; a second one kills it at once (in a shell, status 130, 143 or 1
 Nothing that is stored is lost. Both output streams must be read: when a pipe is full,
 the host and its plugin wait until it is read again.
 
-Exit status: 0 after "quit", end of input, SIGINT or SIGTERM; 1 if the plugin or the
-storage folder cannot be used, if things, settings or output could not be written in
+Exit status: 0 after "quit", end of input, SIGINT, SIGTERM or SIGHUP; 1 if the plugin or
+the storage folder cannot be used, if things, settings or output could not be written in
 the end, or if a command failed that was neither typed at a terminal nor read with
 --json; 2 for a wrong option.)";
 
