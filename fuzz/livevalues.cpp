@@ -52,7 +52,8 @@ void checkCurrents(const Values &values)
     require(power >= 0.0, "power is a number and not negative");
     // Only currents whose power in hundredths of a watt is beyond all numbers give an infinite one.
     require(std::isfinite(power) || sum > 1e300, "power is finite");
-    require(!(sum < 1e6) || std::abs(power - sum * 230.0) <= 0.0101, "power is that of the currents at 230 V");
+    require(!(sum < 1e6) || std::abs(power - sum * 230.0) <= 0.0101,
+            "power is that of the currents at 230 V");
     require(values["phaseCount"].toInt() == std::max(phases, 1), "phases that carry current are counted");
 }
 
