@@ -4,6 +4,7 @@
 #include "livetable.h"
 
 #include "printable.h"
+#include "screen.h"
 #include "wallboxes.h"
 
 #include <algorithm>
@@ -122,7 +123,7 @@ constexpr struct
     int width;      // of name and bar: the least
     bool isNumber;  // aligned to the right
     int importance; // the least important column is left out first
-} columns[] = {
+} columnTable[] = {
     {"Wallbox",    "",           7,  false, 9},
     {"OCPP state", "",           13, false, 8},
     {"Car",        "",           8,  false, 4},
@@ -133,7 +134,7 @@ constexpr struct
     {"Total",      "kWh",        8,  true,  1},
     {"Age",        "",           3,  true,  3},
 };
-constexpr int columnCount = std::size(columns);
+constexpr int columnCount = std::size(columnTable);
 constexpr int nameColumn = 0;
 constexpr int stateColumn = 1;
 constexpr int barColumn = 3;
@@ -154,14 +155,14 @@ Widths widthsFor(const Things &wallboxes, int screenWidth)
 {
     Widths widths;
     for (int i = 0; i < columnCount; ++i)
-        widths[i] = columns[i].width;
+        widths[i] = columnTable[i].width;
     for (int importance = 1; usedWidth(widths) > screenWidth && importance < columnCount; ++importance) {
         for (int i = 0; i < columnCount; ++i)
-            widths[i] = columns[i].importance == importance ? 0 : widths[i];
+            widths[i] = columnTable[i].importance == importance ? 0 : widths[i];
     }
     int longestName = widths[nameColumn];
     for (const Thing *wallbox : wallboxes)
-        longestName = std::max(longestName, std::min(wallbox->name().size(), mostForName));
+        longestName = std::max(longestName, std::min(columns(printable(wallbox->name())), mostForName));
     const int spare = std::max(0, screenWidth - usedWidth(widths));
     const int forName = std::min(spare, longestName - widths[nameColumn]);
     widths[nameColumn] += forName;
@@ -170,11 +171,14 @@ Widths widthsFor(const Things &wallboxes, int screenWidth)
     return widths;
 }
 
-QString fitted(const QString &text, int width, const TableStyle &style)
+/*! \a text in exactly \a width columns. */
+QString fitted(const QString &text, int width, bool toTheRight, const TableStyle &style)
 {
-    if (text.size() <= width)
-        return text;
-    return text.left(width - 1) + (style.unicode ? QChar(0x2026) : QLatin1Char('~'));
+    QString cell = text;
+    if (columns(cell) > width)
+        cell = leftColumns(text, width - 1) + (style.unicode ? QChar(0x2026) : QLatin1Char('~'));
+    const QString blanks(width - columns(cell), QLatin1Char(' '));
+    return toTheRight ? blanks + cell : cell + blanks;
 }
 
 /*! Lays \a cells out; \a colour is an ANSI code for the state's cell, empty for none. */
@@ -185,8 +189,7 @@ QString line(const QStringList &cells, const Widths &widths, const TableStyle &s
     for (int i = 0; i < columnCount; ++i) {
         if (widths[i] == 0)
             continue;
-        const QString cell = fitted(cells.value(i), widths[i], style);
-        QString part = columns[i].isNumber ? cell.rightJustified(widths[i]) : cell.leftJustified(widths[i]);
+        QString part = fitted(cells.value(i), widths[i], columnTable[i].isNumber, style);
         if (i == stateColumn && !colour.isEmpty())
             part = QStringLiteral("\x1b[%1m%2\x1b[0m").arg(colour, part);
         parts.append(part);
@@ -253,7 +256,7 @@ QStringList liveTable(const WallboxTable &table, const TableStyle &style)
     const Widths widths = widthsFor(table.wallboxes, style.width);
     QStringList titles;
     QStringList units;
-    for (const auto &column : columns) {
+    for (const auto &column : columnTable) {
         titles.append(QLatin1String(column.title));
         units.append(QLatin1String(column.unit));
     }

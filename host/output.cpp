@@ -5,6 +5,7 @@
 
 #include "printable.h"
 #include "prompt.h"
+#include "screen.h"
 
 #include <QTextCodec>
 
@@ -94,8 +95,11 @@ QStringList Output::warningLines(int width) const
         ? QStringLiteral("A warning, %1 s ago:").arg(age)
         : QStringLiteral("%1 warnings, the last one %2 s ago:").arg(m_warningCount).arg(age);
     QStringList lines{heading.left(width)};
-    for (int i = 0; i < mostWarningLines && i * width < m_lastWarning.size(); ++i)
-        lines.append(m_lastWarning.mid(i * width, width));
+    QString rest = m_lastWarning;
+    for (int i = 0; i < mostWarningLines && !rest.isEmpty(); ++i) {
+        lines.append(leftColumns(rest, width));
+        rest.remove(0, lines.constLast().size());
+    }
     return lines;
 }
 

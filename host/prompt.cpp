@@ -4,16 +4,14 @@
 #include "prompt.h"
 
 #include "printable.h"
+#include "screen.h"
 
 #include <QFile>
 #include <QTextCodec>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cwchar>
-#include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -31,15 +29,6 @@ Prompt *promptOf(EditLine *editor)
     return static_cast<Prompt *>(prompt);
 }
 
-/*! On the screen: a character may be two columns wide, or none. */
-int columns(const std::wstring &text)
-{
-    int result = 0;
-    for (const wchar_t character : text)
-        result += std::max(0, ::wcwidth(character));
-    return result;
-}
-
 QString commonBeginning(const QStringList &words)
 {
     QString common = words.constFirst();
@@ -51,13 +40,6 @@ QString commonBeginning(const QStringList &words)
 }
 
 } // namespace
-
-QSize screenSize()
-{
-    winsize size = {};
-    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
-    return isKnown ? QSize(size.ws_col, size.ws_row) : QSize(80, 24);
-}
 
 Prompt::Prompt(const QString &historyFile, Completer completer)
     : m_historyFile(QFile::encodeName(historyFile))
@@ -162,7 +144,8 @@ bool Prompt::hide()
     const LineInfoW *line = el_wline(m_editor.get());
     m_line.assign(line->buffer, line->lastchar);
     m_position = size_t(line->cursor - line->buffer);
-    const int columnsBefore = int(sizeof promptText) - 1 + columns(m_line.substr(0, m_position));
+    const int columnsBefore =
+        int(sizeof promptText) - 1 + columns(QString::fromStdWString(m_line.substr(0, m_position)));
     const int rowsAbove = columnsBefore / screenSize().width();
     if (rowsAbove > 0)
         std::printf("\x1b[%dA", rowsAbove);

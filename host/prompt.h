@@ -6,7 +6,6 @@
 
 #include "linesource.h"
 
-#include <QSize>
 #include <QSocketNotifier>
 #include <QStringList>
 #include <QTextDecoder>
@@ -14,9 +13,6 @@
 #include <functional>
 #include <histedit.h>
 #include <memory>
-
-/*! Columns and rows of the terminal to which standard output goes; the usual ones if it does not say. */
-QSize screenSize();
 
 /*! The words that can complete a line. */
 struct Completions
