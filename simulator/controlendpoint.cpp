@@ -142,9 +142,12 @@ HttpReply apply(Simulation &simulation, const Control &control, const std::optio
     const QString mistake = findMistake(body, control.members);
     if (!mistake.isEmpty())
         return refusal(400, mistake);
-    if (control.needsMember && body.isEmpty())
-        return refusal(400,
-                       QStringLiteral("\"%1\" is missing").arg(QLatin1String(control.members.front().name)));
+    if (control.needsMember && body.isEmpty()) {
+        QStringList names;
+        for (const BodyMember &member : control.members)
+            names.append(QStringLiteral("\"%1\"").arg(QLatin1String(member.name)));
+        return refusal(400, names.join(QLatin1String(" or ")) + QLatin1String(" is missing"));
+    }
     if (id && simulation.wallboxes.count(*id) == 0)
         return refusal(404, QStringLiteral("there is no wallbox \"%1\"").arg(*id));
     const QString conflict = control.apply(simulation, id.value_or(QString()), body);

@@ -201,7 +201,7 @@ function fillRates() {
 function draw() {
     const id = $("plotted").value;
     const points = samples.map(({t, wallboxes}) => {
-        const values = id ? [wallboxes[id] ?? [0, 0]] : Object.values(wallboxes);
+        const values = id ? [Object.hasOwn(wallboxes, id) ? wallboxes[id] : [0, 0]] : Object.values(wallboxes);
         return {t, power: sum(values.map(value => value[0])), limit: sum(values.map(value => value[1]))};
     });
     const frame = makeFrame(points);
@@ -579,6 +579,7 @@ function plot(id) {
     render();
 }
 $("plotted").addEventListener("change", event => plot(event.target.value));
+addEventListener("hashchange", () => plot(decodeURIComponent(location.hash.slice(1))));
 $("quiet").addEventListener("change", event => $("log").classList.toggle("quiet", event.target.checked));
 $("address").textContent = location.host;
 new ResizeObserver(([entry]) => {
