@@ -49,7 +49,8 @@ public:
         myThings(). */
     virtual void postSetupThing(Thing *thing);
     /*! Called when \a thing is removed, after its children. It is no longer one of myThings(). The pointer
-        is valid until the event loop runs again. The daemon finishes the pending jobs of the thing. */
+        is valid until the event loop runs again. The daemon finishes the pending jobs of the thing. Not called
+        for a new thing whose first set-up has failed, and not when the daemon ends. */
     virtual void thingRemoved(Thing *thing);
     /*! Pairing, for setup methods that need the user: startPairing() asks the user, and confirmPairing()
         receives the answer. */

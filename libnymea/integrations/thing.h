@@ -12,8 +12,9 @@
 
 /*! The daemon's object for a device or service: parameters identify it, and states show its values. It is
     owned by the daemon and exists from before its first set-up until the event loop runs again after the
-    plugin's thingRemoved(). A plugin may keep the pointer from setupThing() to thingRemoved(). It is used on
-    the main thread only, like everything here. */
+    plugin's thingRemoved(), or after that first set-up has failed, which thingRemoved() does not follow. So a
+    plugin may keep the pointer from a successful set-up to thingRemoved(). It is used on the main thread only,
+    like everything here. */
 class LIBNYMEA_EXPORT Thing : public QObject
 {
     Q_OBJECT

@@ -16,9 +16,9 @@ struct ParamType
     QString name; //!< unique within its list, lower camel case
     QString displayName;
     QMetaType::Type type = QMetaType::UnknownType; //!< Bool, Int, UInt, Double or QString
-    QVariant defaultValue; //!< of \a type; if the metadata has none, it is invalid, and a value is required
-    QVariant minValue;     //!< of \a type, in \a unit; invalid if there is no minimum
-    QVariant maxValue;     //!< of \a type, in \a unit; invalid if there is no maximum
+    QVariant defaultValue;                         //!< of \a type; invalid if the metadata has none
+    QVariant minValue;                             //!< of \a type, in \a unit; invalid if there is no minimum
+    QVariant maxValue;                             //!< of \a type, in \a unit; invalid if there is no maximum
     Types::Unit unit = Types::UnitNone;
     bool readOnly = false; //!< can only be set when the thing is created
 };

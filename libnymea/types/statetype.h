@@ -18,9 +18,9 @@ struct StateType
     QString displayNameEvent;                      //!< empty if the metadata has none
     QString displayNameAction;                     //!< empty unless writable
     QMetaType::Type type = QMetaType::UnknownType; //!< Bool, Int, UInt, Double or QString
-    QVariant defaultValue;                         //!< of \a type; the value of a new thing
-    QVariant minValue;                             //!< of \a type, in \a unit; invalid if there is no minimum
-    QVariant maxValue;                             //!< of \a type, in \a unit; invalid if there is no maximum
+    QVariant defaultValue; //!< of \a type, the value of a new thing; invalid if the metadata has none
+    QVariant minValue;     //!< of \a type, in \a unit; invalid if there is no minimum
+    QVariant maxValue;     //!< of \a type, in \a unit; invalid if there is no maximum
     Types::Unit unit = Types::UnitNone;
     bool cached = true;    //!< whether a restart restores the last value, not the default
     bool writable = false; //!< whether there is an action with the same id, which sets it
