@@ -37,11 +37,12 @@ QString listed(const Things &things)
 
 tl::expected<QStringList, QString> splitWords(const QString &line)
 {
-    // To GLib a carriage return is a part of a word.
-    const QByteArray text = QString(line).replace(QLatin1Char('\r'), QLatin1Char(' ')).toUtf8();
+    QString text = line;
+    text.replace(QLatin1Char('\r'), QLatin1Char(' '));         // to GLib a part of a word
+    text.replace(QChar(), QChar(QChar::ReplacementCharacter)); // to GLib the end of the line
     GError *error = nullptr;
     gchar **words = nullptr;
-    g_shell_parse_argv(text.constData(), nullptr, &words, &error);
+    g_shell_parse_argv(text.toUtf8().constData(), nullptr, &words, &error);
     const bool isRefused = error && error->code != G_SHELL_ERROR_EMPTY_STRING;
     QStringList result;
     for (gchar **word = words; word && *word; ++word)

@@ -38,7 +38,7 @@ void LineReader::read()
     QList<QByteArray> lines = m_rest.split('\n');
     m_rest = lines.takeLast();
     for (const QByteArray &line : qAsConst(lines))
-        add(QString::fromUtf8(line));
+        add(QString::fromUtf8(line.constData(), line.size())); // with its NUL characters
     m_notifier.setEnabled(false);
     emit ready();
 }
