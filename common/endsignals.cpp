@@ -39,6 +39,12 @@ void quitAtEndSignals()
     struct sigaction action = {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;
-    for (const int number : endSignals)
-        ::sigaction(number, &action, nullptr);
+    for (const int number : endSignals) {
+        struct sigaction before = {};
+        ::sigaction(number, nullptr, &before);
+        // nohup lets its program ignore SIGHUP. That SIGINT is ignored may only mean that a script runs the
+        // program in the background.
+        if (number != SIGHUP || before.sa_handler != SIG_IGN)
+            ::sigaction(number, &action, nullptr);
+    }
 }

@@ -6,7 +6,8 @@
 
 /*! Lets the first SIGINT, SIGTERM or SIGHUP end the application's event loop. The second one kills the process,
     which may be blocked in a write to a pipe that is not read. With a signalfd, the second signal would have no
-    effect until the process reads the first. Call this once, after the application has been created. */
+    effect until the process reads the first. SIGHUP stays ignored where it was ignored before, as with nohup.
+    Call this once, after the application has been created. */
 void quitAtEndSignals();
 
 #endif // ENDSIGNALS_H

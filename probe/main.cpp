@@ -35,5 +35,6 @@ int main(int argc, char *argv[])
     std::printf("%s",
                 options.json ? (printableJson(toJson(report)) + '\n').constData()
                              : qUtf8Printable(verdictText(report)));
-    return count(report, Problem) == 0 ? Succeeded : Failed;
+    const bool isPrinted = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    return isPrinted && count(report, Problem) == 0 ? Succeeded : Failed;
 }
