@@ -16,6 +16,9 @@ QString addWallbox(Simulation &simulation, const QString &, const QJsonObject &b
 {
     const QString wanted = body.value(QLatin1String("id")).toString();
     const QString id = wanted.isEmpty() ? simulation.freeId() : wanted;
+    // Half a surrogate pair has no UTF-8, and Qt cuts UTF-8 at a NUL.
+    if (QString::fromUtf8(id.toUtf8()) != id || id == QLatin1String(".") || id == QLatin1String(".."))
+        return QStringLiteral("the id cannot be a part of a URL");
     const int maximum = body.value(QLatin1String("maxChargingCurrent")).toInt(32);
     const auto [entry, isNew] = simulation.wallboxes.try_emplace(id);
     if (!isNew)

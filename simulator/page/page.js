@@ -201,11 +201,13 @@ function fillRates() {
 function draw() {
     const id = $("plotted").value;
     const points = samples.map(({t, wallboxes}) => {
-        const values = id ? [Object.hasOwn(wallboxes, id) ? wallboxes[id] : [0, 0]] : Object.values(wallboxes);
+        const values = id
+            ? [Object.hasOwn(wallboxes, id) ? wallboxes[id] : [0, 0]]
+            : Object.values(wallboxes);
         return {t, power: sum(values.map(value => value[0])), limit: sum(values.map(value => value[1]))};
     });
     const frame = makeFrame(points);
-    const marks = limitMarks(id, frame.start).reverse();
+    const marks = limitMarks(id).reverse();
     $("plot").replaceChildren(...drawAxes(frame), ...drawMarks(frame, marks), ...drawLines(frame, points));
 
     const last = points[points.length - 1];
@@ -313,9 +315,11 @@ function svg(name, attributes, text = "") {
     return node;
 }
 
+const recent = received => received.filter(limit => Date.parse(limit.time) > now() - windowMs);
+
 // When limits arrived, for the group or for one wallbox. For a wallbox each change is labelled with the current.
-function limitMarks(id, start) {
-    limits = limits.filter(limit => Date.parse(limit.time) > start);
+function limitMarks(id) {
+    limits = recent(limits);
     const marks = [];
     let before = null;
     for (const {time, id: target, value} of limits) {
@@ -467,7 +471,10 @@ function open() {
         note(state);
     });
     listen("history", news => recall(news.history));
-    listen("limits", news => limits.push(...news.limits));
+    // Here and not only when they are drawn: a hidden page draws nothing.
+    listen("limits", news => {
+        limits = recent([...limits, ...news.limits]);
+    });
     // The last event of each turn.
     listen("log", news => {
         merge(news.log);
