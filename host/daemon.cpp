@@ -289,7 +289,7 @@ void Daemon::onAutoThingsAppeared(const ThingDescriptors &descriptors)
 {
     for (const ThingDescriptor &descriptor : descriptors) {
         const ThingSetupInfo *info = add(descriptor);
-        if (!info->thing())
+        if (!info->thing() || info->status() == Thing::ThingErrorThingInUse)
             qCWarning(dcHost).noquote()
                 << "The announced thing" << descriptor.title() << "is refused:" << info->displayMessage();
     }

@@ -136,7 +136,9 @@ void FakePlugin::announceNonsense(const Thing *bridge)
     text.setParams(QList<Param>{paramOf(lamp.paramTypes, QStringLiteral("number"), QStringLiteral("1"))});
     const ThingDescriptor noClass(ThingClassId(), QStringLiteral("no class"), QString(), bridge->id());
     const ThingDescriptor noParent(lamp.id, QStringLiteral("no parent"), QString(), ThingId::createThingId());
-    emit autoThingsAppeared(QList<ThingDescriptor>{tooMuch, text, noClass, noParent});
+    ThingDescriptor pending(bridge->thingClassId(), QStringLiteral("pending"));
+    pending.setThingId(bridge->id());
+    emit autoThingsAppeared(QList<ThingDescriptor>{tooMuch, text, noClass, noParent, pending});
     emit autoThingDisappeared(ThingId::createThingId());
 }
 

@@ -25,7 +25,7 @@ class ThingPairingInfo;
     plugins wait for it.
 
     An operation that receives a job must finish it, at once or later. If a plugin does not override the
-    operation, the base class finishes the job with ThingErrorUnsupportedFeature. */
+    operation, the base class finishes the job with ThingErrorUnsupportedFeature, unless said otherwise. */
 class LIBNYMEA_EXPORT IntegrationPlugin : public QObject
 {
     Q_OBJECT
@@ -82,7 +82,7 @@ public:
 Q_SIGNALS:
     /*! The plugin has found things by itself. The daemon creates a thing for each descriptor and begins
         its set-up before the emission returns. It refuses a descriptor, with a warning, for the reasons that
-        are given at ThingDescriptor. */
+        are given at ThingDescriptor, and for a thing of which a set-up is pending. */
     void autoThingsAppeared(const ThingDescriptors &thingDescriptors);
     /*! A thing that the plugin announced no longer exists. The daemon removes it and calls thingRemoved()
         before the emission returns. It refuses an unknown id with a warning. */
