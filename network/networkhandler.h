@@ -18,8 +18,9 @@ class QNetworkReply;
 /*! HTTP client of one group of wallboxes at an OCPP backend.
 
     Every operation is one POST with a JSON body. It returns at once. Its result is a signal that is emitted
-    when the reply has finished. There is no time limit, and requests are not repeated: without an answer
-    there is no signal. Operations may overlap; results arrive in the order in which the replies finish.
+    when the reply has finished. A request that fails is logged as a warning and has no result, except that of
+    isOnline(). There is no time limit, and requests are not repeated: without an answer there is no signal.
+    Operations may overlap; results arrive in the order in which the replies finish.
     Deleting the handler ends outstanding requests; their callbacks never run. */
 class NetworkHandler : public QObject
 {

@@ -6,7 +6,8 @@
 
 #include "step.h"
 
-/*! How much of a reply the probe reads before it cancels the request. The reply for 32 wallboxes has 5 kB. */
+/*! How much of a reply the probe reads before it cancels the request. The reply for 32 wallboxes has 5 kB. Of a
+    compressed reply, Qt may have unpacked far more by then. */
 constexpr qint64 longestReply = qint64(64) << 20; // bytes
 
 /*! What happens to a gateway that gets a successful reply without a group; ends a sentence. */

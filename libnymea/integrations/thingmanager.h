@@ -14,7 +14,7 @@ public:
     using QObject::QObject;
 
     /*! All things, whatever their set-up status, except those whose first set-up is still pending and those
-        whose removal has begun. The daemon owns them. */
+        that are removed already; children go before their parent. The daemon owns them. */
     virtual Things configuredThings() const = 0;
 };
 

@@ -20,7 +20,7 @@ struct ParamType
     QVariant minValue;                             //!< of \a type, in \a unit; invalid if there is no minimum
     QVariant maxValue;                             //!< of \a type, in \a unit; invalid if there is no maximum
     Types::Unit unit = Types::UnitNone;
-    bool readOnly = false; //!< can only be set when the thing is created
+    bool readOnly = false; //!< only set when the thing is created; not enforced here
 };
 
 /*! The parameters of a thing class or an action, in the order of the metadata. */
