@@ -177,11 +177,13 @@ function makeFaultFields() {
     }
 }
 
+const linked = ids => ids.find(id => location.hash === `#${encodeURIComponent(id)}`);
+
 function fillChooser(ids) {
     const options = $("plotted").options;
     if (options.length === ids.length + 1 && ids.every((id, index) => options[index + 1].value === id))
         return;
-    const chosen = $("plotted").value || ids.find(id => location.hash === `#${encodeURIComponent(id)}`);
+    const chosen = $("plotted").value || linked(ids);
     $("plotted").replaceChildren(options[0], ...ids.map(id => new Option(id, id)));
     $("plotted").value = ids.includes(chosen) ? chosen : "";
 }
@@ -586,7 +588,10 @@ function plot(id) {
     render();
 }
 $("plotted").addEventListener("change", event => plot(event.target.value));
-addEventListener("hashchange", () => plot(decodeURIComponent(location.hash.slice(1))));
+addEventListener("hashchange", () => {
+    const id = linked([...cards.keys()]);
+    if (id) plot(id); // not for a link within the page
+});
 $("quiet").addEventListener("change", event => $("log").classList.toggle("quiet", event.target.checked));
 $("address").textContent = location.host;
 new ResizeObserver(([entry]) => {
