@@ -43,8 +43,8 @@ public:
     void setThingId(const ThingId &thingId) { m_thingId = thingId; }
 
     /*! A parameter that is left out has its default value in a new thing, and keeps its value in an existing
-        one. Refused with ThingErrorInvalidParameter if the
-        class has no such parameter, or if a value cannot be converted to its type or is out of range. */
+        one. Refused with ThingErrorInvalidParameter if the class has no such parameter, or if a value cannot be
+        converted to its type or is out of range. */
     ParamList params() const { return m_params; }
     void setParams(const ParamList &params) { m_params = params; }
 
