@@ -44,14 +44,6 @@ extern "C" int gettimeofday(timeval *tv, void *) noexcept
     return 0;
 }
 
-// The plugin keeps its client until the process ends, but a test ends its daemon before that.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
-extern "C" const char *__lsan_default_suppressions();
-extern "C" const char *__lsan_default_suppressions()
-{
-    return "leak:IntegrationPluginVela::discoverThings\nleak:IntegrationPluginVela::setupGateway\n";
-}
-
 Site::Site(const QString &pluginFile)
     : m_pluginFile(pluginFile)
 {
