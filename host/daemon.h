@@ -67,8 +67,8 @@ public:
     void remove(Thing *thing);
 
     /*! Stores what has changed, then reports the state changes so far. Call it before reporting something
-        else, to keep the order. Returns whether all is stored. What could not be stored is
-        reported nevertheless, with a warning, and tried again from the event loop. */
+        else, to keep the order. Returns whether all is stored. What could not be stored is reported
+        nevertheless, with a warning, and tried again from the event loop. */
     bool commit();
 
 Q_SIGNALS:
