@@ -75,6 +75,8 @@ Prompt::Prompt(const QString &historyFile, Completer completer)
         {"\\e[6~", "ed-ignore"             },
         {"\\ex",   "ed-ignore"             }, // the editor's own commands, for which it waits for more keys
         {"\\eX",   "ed-ignore"             },
+        {"^V",     "ed-ignore"             }, // these would take the next key as it is, and wait for it
+        {"^@",     "ed-ignore"             },
     };
     for (const auto &[key, function] : keys)
         el_set(editor, EL_BIND, key, function, nullptr);
