@@ -83,7 +83,7 @@ QString Daemon::load()
     const QSettings *settings = loaded->plugin->pluginStorage();
     settings->allKeys(); // parses the whole file, which sets the status
     if (settings->status() != QSettings::NoError)
-        return QStringLiteral("The plugin's storage %1 cannot be used.").arg(settings->fileName());
+        return QStringLiteral("The plugin's settings in %1 cannot be used.").arg(settings->fileName());
 
     m_plugin = std::move(loaded->plugin);
     m_plugin->pluginStorage()->installEventFilter(this);
@@ -249,7 +249,7 @@ ThingActionInfo *Daemon::execute(Thing *thing, const QString &stateName, const Q
     const ParamList params(QList<Param>{Param(rule.id, checked.value_or(value))});
     auto *info = new ThingActionInfo(thing, Action(type.id, thing->id(), params), m_options.jobTimeout);
     if (type.id.isNull())
-        return refused(info, Thing::ThingErrorInvalidParameter,
+        return refused(info, Thing::ThingErrorActionTypeNotFound,
                        tr("%1 has no such action.").arg(thing->name()));
     if (!checked)
         return refused(info, Thing::ThingErrorInvalidParameter,
@@ -319,7 +319,7 @@ bool Daemon::commit()
     return !m_unsaved && !m_settingsChanged;
 }
 
-/*! Takes note that the plugin's storage has changed, and keeps it from writing by itself: see
+/*! Takes note that the plugin's settings have changed, and keeps it from writing by itself: see
     storeSettings(). */
 bool Daemon::eventFilter(QObject *watched, QEvent *event)
 {
@@ -359,7 +359,7 @@ void Daemon::storeSettings()
     const bool isStored =
         hasSpace && (settings->status() == QSettings::NoError || fileNumber(*settings) != oldFile);
     m_settingsChanged = !isStored;
-    const QString error = QStringLiteral("Cannot write the plugin's storage %1; the disk may be full.");
+    const QString error = QStringLiteral("Cannot write the plugin's settings to %1; the disk may be full.");
     logStoring(isStored ? QString() : error.arg(settings->fileName()), &m_settingsError,
-               "The plugin's storage is written again.");
+               "The plugin's settings are written again.");
 }

@@ -121,7 +121,7 @@ private:
     QVector<StateChange> m_reports; // stored, about to be reported
     bool m_unsaved = false;         // m_things holds what m_store does not
     QString m_storeError;           // of the last attempt to store them
-    bool m_settingsChanged = false; // the plugin's storage holds what its file does not
+    bool m_settingsChanged = false; // the plugin's settings differ from their file
     QString m_settingsError;        // of the last attempt to write it
     QTimer m_storeTimer;            // runs out when the next attempt is due; only after a failure
 };

@@ -21,10 +21,10 @@ The first commands for a simulator are
 "discover vela backendUrl=http://127.0.0.1:8080 groupId=yard groupSecret=s3cret",
 then "add 1" and "watch".
 
-Things and plugin storage are kept in the storage folder, and so is the history of
-the prompt, with the secrets that were typed there. What has been reported is stored.
-Log records go to standard error; without --log, debug records only if that is not a
-terminal.
+Things and the plugin's settings are kept in the storage folder, and so is the
+history of the prompt, with the secrets that were typed there. What has been
+reported is stored. Log records go to standard error; without --log, debug records
+only if that is not a terminal.
 
 At a terminal, Ctrl-C ends a "watch", a "wait" or an unfinished line; Ctrl-D ends
 the host. Otherwise the first SIGINT, SIGTERM or SIGHUP ends the host normally as soon
@@ -51,8 +51,8 @@ HostOptions readHostOptions()
     // clang-format off
     CommandLine line(description, {
         {"plugin", "The plugin; by default the one built with the host.", "FILE"},
-        {"storage", "The folder in which things and plugin storage are kept, for one host at a time. Only its owner "
-                    "may write to it. By default vela-host below $XDG_DATA_HOME or ~/.local/share.", "FOLDER"},
+        {"storage", "The folder in which things and the plugin's settings are kept, for one host at a time. Only its "
+                    "owner may write to it. By default vela-host below $XDG_DATA_HOME or ~/.local/share.", "FOLDER"},
         {"json", "One JSON object per line on standard output, for programs."},
         {"begin-with", "A command to carry out before the first line is read.", "COMMAND"},
         {"job-timeout", "After how long a job that the plugin does not finish ends with ThingErrorTimeout "

@@ -71,7 +71,7 @@ int run(const HostOptions &options)
 int main(int argc, char **argv)
 {
     openStandardStreams();
-    ::umask(S_IRWXG | S_IRWXO); // the plugin's storage may hold secrets
+    ::umask(S_IRWXG | S_IRWXO); // the plugin's settings may hold secrets
     const QString environmentRules = takeEnvironmentLogRules();
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vela-host"));

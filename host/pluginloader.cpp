@@ -43,11 +43,12 @@ tl::expected<LoadedPlugin, QString> loadPlugin(const QString &file)
     if (!loader.load())
         return failure(path, loader.errorString());
     const QString version = apiVersion(path);
+    if (version.isEmpty())
+        return failure(path, QStringLiteral("it does not say for which API version it is built."));
     if (version != QLatin1String(LIBNYMEA_API_VERSION))
         return failure(path,
                        QStringLiteral("it is built for API version %1, not %2.")
-                           .arg(version.isEmpty() ? QStringLiteral("unknown") : version,
-                                QLatin1String(LIBNYMEA_API_VERSION)));
+                           .arg(version, QLatin1String(LIBNYMEA_API_VERSION)));
 
     const PluginMetadata metadata(loader.metaData().value(QLatin1String("MetaData")).toObject());
     if (!metadata.isValid())

@@ -14,7 +14,7 @@ constexpr char newFileSuffix[] = ".vela-host-new";
     its owner alone. After a failure errno is set. Afterwards \a file has no name. */
 bool openNoFollow(QFile *file, QIODevice::OpenMode mode, int flags);
 
-/*! The folder that holds a daemon's things and its plugin's storage, for one daemon at a time. */
+/*! The folder that holds a daemon's things and its plugin's settings, for one daemon at a time. */
 class StorageFolder
 {
 public:
