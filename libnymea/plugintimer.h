@@ -22,7 +22,7 @@ public:
 
     /*! Does nothing if the timer is already running. */
     void start() { m_running = true; }
-    /*! Stops the timer. After the next start() a whole period passes before the first timeout(). */
+    /*! Stops the timer; start() begins a new period. */
     void stop();
 
 Q_SIGNALS:
@@ -48,8 +48,8 @@ class LIBNYMEA_EXPORT PluginTimerManager : public QObject
 public:
     explicit PluginTimerManager(QObject *parent = nullptr);
 
-    /*! Creates and starts a timer with a period of \a seconds, at least 1. The caller connects to timeout()
-        and keeps the pointer until it calls unregisterTimer(). */
+    /*! Creates and starts a timer with a period of \a seconds; less than 1 counts as 1. The caller connects to
+        timeout() and keeps the pointer until it calls unregisterTimer(). */
     PluginTimer *registerTimer(int seconds = 60);
     /*! Stops \a timer at once and deletes it later, from the event loop. The caller no longer uses the
         pointer. Refused with a warning if the timer is not registered, for example on a second call. */

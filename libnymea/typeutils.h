@@ -10,9 +10,10 @@
 #include <QObject>
 #include <QUuid>
 
-/*! Declares a separate type for each kind of id, so that they cannot be confused: a ThingId does not convert
-    to a ParamTypeId. It is a UUID, which is null if it is default-constructed or made from a text that is not
-    a UUID. create…Id() returns a new random one. It is hashed and compared like a QUuid. */
+/*! Declares a separate type for each kind of id, so that a signature says which kind it takes; the compiler
+    does not tell them apart, because an id converts from any UUID. It is null if it is default-constructed or
+    made from a text that is not a UUID. create…Id() returns a new random one. It is hashed and compared like a
+    QUuid. */
 #define DECLARE_TYPE_ID(type)                                                                                \
     class type##Id : public QUuid                                                                            \
     {                                                                                                        \
@@ -43,7 +44,7 @@ class LIBNYMEA_EXPORT Types
 {
     Q_GADGET
 public:
-    /*! Units of parameter and state values. The metadata contain the name without "Unit". A value is always
+    /*! Units of parameter and state values. The metadata contains the name without "Unit". A value is always
         in the unit of its type and is never converted. */
     enum Unit {
         UnitNone,         //!< a number without a unit, a text or a bool

@@ -20,7 +20,8 @@ class QNetworkReply;
     Every operation is one POST with a JSON body. It returns at once. Its result is a signal that is emitted
     when the reply has finished. A request that fails is logged as a warning and has no result, except that of
     isOnline(). There is no time limit, and requests are not repeated: without an answer there is no signal.
-    Operations may overlap; results arrive in the order in which the replies finish.
+    Operations may overlap; results arrive in the order in which the replies finish. In its signals and log lines,
+    "daemon" means the backend, and "EVSE", "WB" and "device" mean a wallbox.
     Deleting the handler ends outstanding requests; their callbacks never run. */
 class NetworkHandler : public QObject
 {
@@ -73,8 +74,8 @@ Q_SIGNALS:
     /*! Reserved for backends that report a single wallbox; never emitted. */
     void evseIsOnline(const QString &device, bool state);
 
-    /*! Only emitted with false: when a request failed in a way that indicates a failure of the backend
-        itself. */
+    /*! Only emitted with false: after a request for the group has failed with any status but 418, and after a
+        request for values or limits that was answered with the status 0. */
     void ocppDaemonStatus(bool state);
 
 private:

@@ -288,7 +288,8 @@ void IntegrationPluginVela::updateCurrentValues()
     m_networkHandler->getEvseValues(QJsonArray::fromStringList(m_infraThings.keys()));
 }
 
-/*! Queues all limits again, so that the backend keeps them in force, unless the energy manager is silent. */
+/*! Queues all limits again, so that the backend keeps them in force, unless the energy manager, Holvex, is
+    silent. */
 void IntegrationPluginVela::renewChargeLimits()
 {
     qCDebug(dcVela) << "postSetupThing() - m_chargeLimitTimer timeout.";

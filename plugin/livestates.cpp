@@ -66,7 +66,7 @@ void writeLiveStates(Thing *thing, const LiveValues &values)
     writeTimestamp(thing, values);
     writeEnergy(thing, values.sessionEnergy);
     thing->setStateValue(QStringLiteral("state"), values.state);
-    // No status shows that a car is unplugged, so every wallbox that reports counts as plugged in.
+    // True for every wallbox with values, even one that is "Available".
     thing->setStateValue(QStringLiteral("pluggedIn"), true);
     thing->setStateValue(QStringLiteral("charging"), values.charging);
     writePower(thing, values);

@@ -20,9 +20,10 @@ class BrowserItemActionInfo;
 class BrowserItemResult;
 class ThingPairingInfo;
 
-/*! Base of every integration plugin. The daemon creates the plugin, calls the virtual operations on its
-    main thread, init() first, and deletes it. An operation must not block, because the daemon and all other
-    plugins wait for it.
+/*! Base of every integration plugin. The daemon creates the plugin and calls the virtual operations on its
+    main thread, init() first. It may keep the plugin until the process ends, so what belongs to a thing is
+    released in thingRemoved(), not in the destructor. An operation must not block, because the daemon and all
+    other plugins wait for it.
 
     An operation that receives a job must finish it, at once or later. If a plugin does not override the
     operation, the base class finishes the job with ThingErrorUnsupportedFeature, unless said otherwise. */
@@ -52,7 +53,7 @@ public:
         is valid until the event loop runs again. The daemon finishes the pending jobs of the thing. Not called
         for a new thing whose first set-up has failed, and not when the daemon ends. */
     virtual void thingRemoved(Thing *thing);
-    /*! Pairing, for setup methods that need the user: startPairing() asks the user, and confirmPairing()
+    /*! Pairing, for set-up methods that need the user: startPairing() asks the user, and confirmPairing()
         receives the answer. */
     virtual void startPairing(ThingPairingInfo *info);
     virtual void confirmPairing(ThingPairingInfo *info, const QString &username, const QString &secret);

@@ -51,7 +51,7 @@ QString Reader::text(const QJsonObject &object, const char *key, const QString &
 {
     QString text = object.value(QLatin1String(key)).toString();
     if (text.isEmpty())
-        addError(where, QStringLiteral("\"%1\" is not a text").arg(QLatin1String(key)));
+        addError(where, QStringLiteral("\"%1\" is missing, empty or not a string").arg(QLatin1String(key)));
     return text;
 }
 

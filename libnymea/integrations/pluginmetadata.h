@@ -16,13 +16,13 @@ public:
     /*! Invalid metadata, of no plugin. */
     PluginMetadata() = default;
 
-    /*! Reads \a document. Whatever cannot be used is left out and listed in validationErrors(). Members that
-        this library does not know, such as "actionTypes", "eventTypes" and "settingsTypes", are ignored: things
-        have only states, and the actions that set the writable ones. */
+    /*! Reads \a document. What it says wrongly is listed in validationErrors(). A member that may be missing has
+        its default also if it is of the wrong kind. Members that this library does not know, such as
+        "actionTypes", "eventTypes" and "settingsTypes", are ignored: things have only states, and the actions
+        that set the writable ones. */
     explicit PluginMetadata(const QJsonObject &document);
 
-    /*! Whether all known members of the document could be used. The daemon refuses a plugin with invalid
-        metadata. */
+    /*! Whether there is no error. The daemon refuses a plugin with invalid metadata. */
     bool isValid() const { return m_validationErrors.isEmpty(); }
     /*! One sentence for each error, with its place in the document; empty if the metadata is valid. */
     QStringList validationErrors() const { return m_validationErrors; }

@@ -14,7 +14,7 @@ public:
     using QObject::QObject;
 
     /*! All things, whatever their set-up status, except those whose first set-up is still pending and those
-        that are removed already; children go before their parent. The daemon owns them. */
+        that have been removed. Children are removed before their parent. The daemon owns the things. */
     virtual Things configuredThings() const = 0;
 };
 

@@ -16,7 +16,7 @@ struct StateType
     QString name; //!< unique in its class, lower camel case; for Thing::setStateValue()
     QString displayName;
     QString displayNameEvent;                      //!< empty if the metadata has none
-    QString displayNameAction;                     //!< empty unless writable
+    QString displayNameAction;                     //!< of its action; empty if there is none
     QMetaType::Type type = QMetaType::UnknownType; //!< Bool, Int, UInt, Double or QString
     QVariant defaultValue; //!< of \a type, the value of a new thing; invalid if the metadata has none
     QVariant minValue;     //!< of \a type, in \a unit; invalid if there is no minimum

@@ -27,7 +27,7 @@ constexpr struct ItemKind
 {
     const char *key;         // in the description of the thing class
     const char *pathElement; // for newId()
-    const char *prefix;      // of the constants' names, behind the name of the thing class
+    const char *prefix;      // of the constants' names, after the name of the thing class
     const char *type;        // of the constants
 } itemKinds[] = {
     {"paramTypes",          "paramThing",     "Thing",     "ParamTypeId"},
