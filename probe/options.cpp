@@ -10,16 +10,16 @@
 namespace {
 
 constexpr char description[] =
-    R"(Checks whether nymea's Vela plugin would work with a backend. It asks whether
-the backend is online, for the wallboxes of the group and for their live
-values, with the plugin's own requests, and says what the plugin cannot use.
+    R"(Checks whether nymea's Vela plugin would work with a backend. With the plugin's
+own requests, it checks that the backend is online, asks for the wallboxes of
+the group and for their live values, and says what the plugin cannot use.
 
 The group's secret is read from --secret-file, else from the environment
 variable VELA_SECRET, else from the terminal. It is never printed.
 
 PROBLEM marks what keeps the plugin from working with the backend or with one
-of its wallboxes. With what is marked as a warning, it works. The exit status
-is 0 without a problem, 1 with one, and 2 for a mistake in the command line.
+of its wallboxes; a warning does not. The exit status is 0 without a problem,
+1 with one, and 2 for a mistake in the command line.
 
 Nothing is changed at the backend, unless --set-limit sends a charge limit:
 that limit stays in force until another one is set.
@@ -57,7 +57,7 @@ ProbeOptions readOptions(const QStringList &arguments)
     CommandLine line(description, {
         {"secret-file", "Read the secret from this file, its only line.", "FILE"},
         {"set-limit", limitHelp.constData(), "EVSE=AMPERE"},
-        {"timeout", "Give up each step after this time, 10 if not set.", "SECONDS", "10"},
+        {"timeout", "Give up on a step after this time (default 10).", "SECONDS", "10"},
         {"json", "Print one JSON document instead of text."},
     });
     // clang-format on

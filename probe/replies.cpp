@@ -28,7 +28,7 @@ bool isAbsent(const QJsonValue &value)
 QString inWords(const QJsonValue &value)
 {
     const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    const QLatin1String kind(value.isString() ? "the text " : "");
+    const QLatin1String kind(value.isString() ? "the string " : "");
     return value.isUndefined() ? QStringLiteral("missing")
                                : kind + QString::fromUtf8(array.mid(1, array.size() - 2));
 }
@@ -72,7 +72,7 @@ void judgeTimestamp(Step &step, const QJsonValue &timestamp, const QDateTime &ti
         return step.warning("no-timestamp", "\"timestamp\" is missing; nymea shows no new time");
     if (time.isNull())
         return step.problem("unreadable-timestamp",
-                            "\"timestamp\" is %1; the plugin reads an ISO 8601 text, such as %2",
+                            "\"timestamp\" is %1; the plugin reads an ISO 8601 string, such as %2",
                             {inWords(timestamp), now.toUTC().toString(Qt::ISODate)});
     if (time.timeSpec() == Qt::LocalTime)
         step.warning("no-timezone",
@@ -149,7 +149,7 @@ QMap<QString, int> readGroupInfo(Step &step)
     if (evseIds.size() > wallboxCount)
         step.problem(
             "too-many-wallboxes",
-            "the group lists %1 wallboxes; it should not list more than %2. At first the others get no "
+            "the group lists %1 wallboxes; it should not list more than %2. At first the rest get no "
             "thing, and the probe does not ask for their values either. But each restart of nymea creates "
             "up to %2 more, and several then share a thing class",
             {QString::number(evseIds.size()), QString::number(wallboxCount)});

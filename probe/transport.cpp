@@ -151,7 +151,7 @@ void judgeDuration(Step &step)
             "slow",
             "the answer took %1 s; the plugin polls every 2 s without waiting for the previous answer, "
             "with up to 6 requests at once. Slow answers that overtake each other make energy count "
-            "twice: random delays of up to 3 s made the total 9 % too high, of up to 10 s 72 %",
+            "twice: random delays of up to 3 s made the total 9% too high, of up to 10 s 72%",
             {seconds(step)});
 }
 

@@ -55,7 +55,7 @@ QJsonObject valueRecord(const SimulatedWallbox &wallbox)
 HttpReply answerValues(Simulation &simulation, const QJsonObject &body)
 {
     const QJsonValue ids = body.value(QLatin1String("evse_ids"));
-    HttpReply wrongShape = refusal(400, QStringLiteral("\"evse_ids\" must be an array of texts"));
+    HttpReply wrongShape = refusal(400, QStringLiteral("\"evse_ids\" must be an array of strings"));
     if (!ids.isArray())
         return wrongShape;
     QJsonObject values;
@@ -120,7 +120,7 @@ HttpReply judgeBody(Simulation &simulation, const Operation &operation, const Ht
         return refusal(400, QStringLiteral("the body is not JSON: %1").arg(error.errorString()));
     const QJsonValue secret = document.object().value(QLatin1String("secret"));
     if (!secret.isString())
-        return refusal(400, QStringLiteral("the body must be a JSON object with a text \"secret\""));
+        return refusal(400, QStringLiteral("the body must be a JSON object with a string \"secret\""));
     if (secret.toString() != simulation.secret)
         return refusal(403, QStringLiteral("the secret is wrong"));
     const QString group = request.path.mid(QLatin1String(operation.path).size());

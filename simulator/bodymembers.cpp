@@ -14,7 +14,7 @@ QString expectation(const BodyMember &member, const QJsonValue &value)
 {
     const double number = value.toDouble();
     if (member.kind == BodyMember::Text)
-        return value.isString() ? QString() : QStringLiteral("a text");
+        return value.isString() ? QString() : QStringLiteral("a string");
     if (member.kind == BodyMember::Flag)
         return value.isBool() ? QString() : QStringLiteral("true or false");
     if (!value.isDouble() || number < member.least || number > member.most)

@@ -19,7 +19,8 @@
 
     Requests are refused, in this order, for an unknown host name (403), an unknown path (404), another method
     (405), a wrong token (401), a body that is not JSON or has no secret (400), a wrong secret (403), an unknown
-    group (404) or a malformed body (400). A refused request changes nothing. The reply's "error" says why. */
+    group (404) or a malformed body (400; 415 for a form). A refused request changes nothing. The reply's
+    "error" says why. */
 std::optional<HttpReply> answerBackend(Simulation &simulation, HttpRequest &request);
 
 /*! Answers a request to a path under /control/.

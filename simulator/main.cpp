@@ -36,15 +36,16 @@ struct SimulatorOptions
 
 SimulatorOptions readOptions()
 {
-    CommandLine line(description,
-                     {
-                         {"port",      "Listen on this port (8080); 0 picks a free one.", "port",    "8080"     },
-                         {"listen",    "Listen on this address (127.0.0.1).",             "address", "127.0.0.1"},
-                         {"group",     "The group's id (yard).",                          "id",      "yard"     },
-                         {"secret",    "The group's secret (s3cret).",                    "secret",  "s3cret"   },
-                         {"wallboxes", "Start with this many wallboxes (4).",             "N",       "4"        },
-                         {"speed",     "Let time pass this much faster (1); 0 stops it.", "factor",  "1"        },
+    // clang-format off
+    CommandLine line(description, {
+        {"port", "Listen on this port (default 8080); 0 picks a free one.", "PORT", "8080"},
+        {"listen", "Listen on this address (default 127.0.0.1).", "ADDRESS", "127.0.0.1"},
+        {"group", "The group's id (default yard).", "GROUP", "yard"},
+        {"secret", "The group's secret (default s3cret).", "SECRET", "s3cret"},
+        {"wallboxes", "Start with this many wallboxes (default 4).", "N", "4"},
+        {"speed", "Let time pass this much faster (default 1); 0 stops it.", "FACTOR", "1"},
     });
+    // clang-format on
     line.read(QCoreApplication::arguments());
     SimulatorOptions options;
     Simulation &simulation = options.simulation;

@@ -171,7 +171,7 @@ void TestLibnymea::metadataErrors_data()
     row("type", "type", "number", "box.number: type \"number\" is not supported");
     row("unit", "unit", "Furlong", "box.uint: unit \"Furlong\" is not known");
     row("default", "defaultValue", QJsonArray(), "box.uint: \"defaultValue\" does not fit the type");
-    row("no display name", "displayName", "", "box.uint: \"displayName\" is not a text");
+    row("no display name", "displayName", "", "box.uint: \"displayName\" is missing, empty or not a string");
 }
 
 void TestLibnymea::metadataErrors()
