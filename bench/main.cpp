@@ -18,7 +18,7 @@
 
 namespace {
 
-/*! Processor time of this process so far in µs, its own and the kernel's for it. */
+/*! User and system time of this process so far, in µs. */
 qint64 processorTime(const rusage &usage)
 {
     return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000000LL + usage.ru_utime.tv_usec

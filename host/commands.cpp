@@ -213,7 +213,7 @@ const QVector<Command> &commands()
         {"setup",    "THING",                   "run a thing's set-up again",                       setUpThing    },
         {"remove",   "THING",                   "remove a thing, its children first",               removeThing   },
         {"watch",    "[SECONDS]",               "show all wallboxes live; Enter ends it",           watchWallboxes},
-        {"balance",  "WATT",                    "share a power among the cars, or \"off\"",         balanceLoad   },
+        {"balance",  "WATT",                    "share this power among the cars, or \"off\"",      balanceLoad   },
         {"wait",     "SECONDS",                 "let time pass",                                    letTimePass   },
         {"help",     "",                        "show this list (also \"?\")",                      showHelp      },
         {"quit",     "",                        "end the host (also \"exit\"); things stay stored", quitHost      },

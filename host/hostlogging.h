@@ -18,7 +18,7 @@ public:
     virtual void writeRecord(QtMsgType type, const QString &message, const QByteArray &record) = 0;
 };
 
-/*! Gives the records of the calling thread to \a sink, which must outlive them; null ends that. */
+/*! Gives the records of the calling thread to \a sink, until it is called again; null stands for none. */
 void setLogSink(LogSink *sink);
 
 /*! Takes the logging rules out of the environment and returns them. There they would override those of

@@ -13,7 +13,7 @@
 struct WallboxTable
 {
     Things wallboxes;
-    /*! Those that have seen an action, on themselves or on another wallbox of their gateway. */
+    /*! Those for which, or for another wallbox of their gateway, an action has been executed. */
     QSet<ThingId> managed;
     qint64 now;  //!< seconds since the epoch
     bool isLive; //!< values arrive; if not, the last ones say nothing about now

@@ -26,7 +26,7 @@ State limitOf(const Thing *wallbox)
     return wallbox->state(QStringLiteral("maxChargingCurrent"));
 }
 
-/*! In A. The next round, 10 s after it resumes, gives a car that is full now its share. */
+/*! In A. A full car gets the least current only; if it resumes, the next round gives it its share. */
 double mostFor(const Thing *wallbox)
 {
     const State limit = limitOf(wallbox);

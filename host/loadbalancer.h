@@ -6,10 +6,10 @@
 
 #include "daemon.h"
 
-/*! A small energy manager: shares a power among the cars that charge or wait for it, by setting the currents of
-    their wallboxes every 10 s. A full car, which may want more at any time, gets the least current only. A car for
-    which less than that is left has to wait, and so has one that is plugged in until the next round: wallboxes
-    without a share are disabled. */
+/*! A small energy manager: shares the given power among the cars that charge or wait for it, by setting the
+    currents of their wallboxes every 10 s. A full car, which may want more at any time, gets the least current
+    only. A car for which less than that is left has to wait. A car that is plugged in waits for the next round,
+    because wallboxes without a share are disabled. */
 class LoadBalancer : public QObject
 {
     Q_OBJECT

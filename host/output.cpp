@@ -38,7 +38,7 @@ Output::Output(bool isJson, Prompt *prompt)
     , m_isTerminal(::isatty(STDOUT_FILENO))
     , m_prompt(prompt)
 {
-    // Otherwise the log does not get between what is printed here.
+    // Only a log on the same terminal can break the prompt or the table.
     if (m_isTerminal && ::isatty(STDERR_FILENO))
         setLogSink(this);
 }
@@ -85,7 +85,7 @@ void Output::draw(const WallboxTable &table)
     m_drawnSize = size;
 }
 
-/*! What the log reports while the table is shown, which its records would tear. */
+/*! The last warning of the log, whose records would break the table while it is shown. */
 QStringList Output::warningLines(int width) const
 {
     if (m_warningCount == 0)

@@ -47,7 +47,7 @@ void soakWithPolls(const QStringList &arguments)
 {
     // clang-format off
     CommandLine line("Polls the plugin as fast as the answers come, and checks what it does and holds.", {
-        {"polls", "How often to poll, at least.", "N", "200000"},
+        {"polls", "The least number of polls.", "N", "200000"},
         {"seed", "With the same number, the same random events occur.", "N", "1"},
     });
     // clang-format on

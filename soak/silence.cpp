@@ -74,7 +74,7 @@ void soakInSilence(const QStringList &arguments)
 {
     // clang-format off
     CommandLine line("Measures what polls cost while the backend accepts and never answers.", {
-        {"polls", "Polls without an answer; 1800, an hour's, at least.", "N", "1800"},
+        {"polls", "The number of polls without an answer, at least 1800 (an hour).", "N", "1800"},
         {"wallboxes", "Wallboxes, 32 at most.", "N", "4"},
     });
     // clang-format on

@@ -44,7 +44,7 @@ const bool hooksInstalled = installHooks();
 int openDescriptors()
 {
     const std::filesystem::directory_iterator entries("/proc/self/fd");
-    return int(std::distance(begin(entries), end(entries))) - 1; // one is for looking
+    return int(std::distance(begin(entries), end(entries))) - 1; // without the one that lists them
 }
 
 qint64 residentBytes()

@@ -73,11 +73,11 @@ QString compact(const QJsonObject &object)
 }
 
 #ifdef VELA_SANITIZED
-constexpr int slowness = 10;  // of a program with sanitizers
-constexpr int smallness = 50; // of its repetitions: allocating is slower still
+constexpr int timeFactor = 10;        // a program with sanitizers may take this many times as long
+constexpr int repetitionDivisor = 50; // and repeats as much less often: allocating is slower still
 #else
-constexpr int slowness = 1;
-constexpr int smallness = 1;
+constexpr int timeFactor = 1;
+constexpr int repetitionDivisor = 1;
 #endif
 
 /*! The bytes that the rest of \a words stands for: "<<3 x TEXT>>" is a repetition, in which # is the number; then
@@ -88,7 +88,7 @@ QByteArray takeBytes(QStringList &words)
     QString text = takeRest(words);
     for (auto match = repetition.match(text); match.hasMatch(); match = repetition.match(text)) {
         QString repeated;
-        for (int i = 0; i < match.captured(1).toInt() / smallness; ++i)
+        for (int i = 0; i < match.captured(1).toInt() / repetitionDivisor; ++i)
             repeated += match.captured(2).replace('#', QString::number(i));
         text.replace(match.capturedStart(), match.capturedLength(), repeated);
     }
@@ -311,7 +311,7 @@ void PluginConsole::addOtherCommands()
     m_commands["quiet"] = [](const Words &) { QLoggingCategory::setFilterRules("Vela.debug=false"); };
     m_commands["busy"] = [&](Words &words) {
         auto *application = static_cast<WatchedApplication *>(QCoreApplication::instance());
-        if (!words.isEmpty() && takeNumber(words) * slowness < application->longest)
+        if (!words.isEmpty() && takeNumber(words) * timeFactor < application->longest)
             print(QString("busy for %1 ms").arg(application->longest));
         application->longest = 0;
     };

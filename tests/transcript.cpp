@@ -85,7 +85,7 @@ QString TranscriptRunner::run(const QString &line)
         return {};
     const auto order = orders.find(name);
     if (order == orders.end())
-        return "there is no order \"" + name + '"';
+        return "no line begins with \"" + name + '"';
     if (order->second.needsProgram && !m_program)
         return "no program has been started";
     return (this->*order->second.run)(line.section(' ', 1));
