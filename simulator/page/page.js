@@ -513,6 +513,7 @@ async function poll() {
     }
     render();
     if (!stream) open();
+    clearTimeout(pollTimer); // of a poll that began before the stream came back and was lost again
     pollTimer = setTimeout(poll, pollMs);
 }
 
