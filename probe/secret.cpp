@@ -18,6 +18,7 @@
 namespace {
 
 constexpr char secretVariable[] = "VELA_SECRET";
+constexpr int endSignals[] = {SIGINT, SIGQUIT, SIGTERM};
 
 termios terminalBefore; // while the user is asked; global for the signal handler
 
@@ -56,8 +57,8 @@ QString askForSecret()
     if (isatty(STDIN_FILENO) == 0)
         endWithUsageError(QStringLiteral("no secret: name a file with --secret-file, or set VELA_SECRET"));
     tcgetattr(STDIN_FILENO, &terminalBefore);
-    std::signal(SIGINT, endInterrupted);
-    std::signal(SIGTERM, endInterrupted);
+    for (const int signal : endSignals)
+        std::signal(signal, endInterrupted);
     termios silent = terminalBefore;
     silent.c_lflag &= ~tcflag_t(ECHO);
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
@@ -66,8 +67,8 @@ QString askForSecret()
     std::getline(std::cin, line);
     std::fputc('\n', stderr); // the line break that the user has typed was not echoed
     restoreTerminal();
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
+    for (const int signal : endSignals)
+        std::signal(signal, SIG_DFL);
     return QString::fromLocal8Bit(line.data(), int(line.size()));
 }
 

@@ -36,12 +36,13 @@ constexpr Meaning httpMeanings[] = {
 };
 
 using Error = QNetworkReply::NetworkError;
+// %1 stands for Qt's own words.
 constexpr Meaning networkMeanings[] = {
-    {Error::ConnectionRefusedError, "unreachable",       "nothing is listening there: is the port right?"},
-    {Error::HostNotFoundError,      "unreachable",       "unknown host name: is it spelt right?"         },
-    {Error::TimeoutError,           "unreachable",       "nothing answers there: is the address right?"  },
-    {Error::ProtocolUnknownError,   "unusable-url",      "the URL is neither http nor https"             },
-    {Error::RemoteHostClosedError,  "connection-closed", "the backend closed the connection"             },
+    {Error::ConnectionRefusedError, "unreachable",       "nothing is listening there: is the port right? (%1)"},
+    {Error::HostNotFoundError,      "unreachable",       "unknown host name: is it spelt right? (%1)"         },
+    {Error::TimeoutError,           "unreachable",       "nothing answers there: is the address right? (%1)"  },
+    {Error::ProtocolUnknownError,   "unusable-url",      "the URL is neither http nor https (%1)"             },
+    {Error::RemoteHostClosedError,  "connection-closed", "the backend closed the connection (%1)"             },
 };
 
 template <std::size_t size> const Meaning *find(const Meaning (&meanings)[size], int number)
@@ -71,7 +72,7 @@ void judgeHttpError(Step &step)
 void judgeNetworkError(Step &step)
 {
     if (const Meaning *const meaning = find(networkMeanings, step.error))
-        step.problem(meaning->code, "%2 (%1)", {step.errorText, QLatin1String(meaning->text)});
+        step.problem(meaning->code, meaning->text, {step.errorText});
     else
         step.problem("network-error", "the request failed: %1", {step.errorText});
     const bool isCut = step.error == QNetworkReply::RemoteHostClosedError && step.status > 0;
