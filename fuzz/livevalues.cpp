@@ -26,25 +26,31 @@ Values valuesOf(const Thing *thing)
     return values;
 }
 
-void checkStatus(const Values &values)
+void checkStatus(const Values &values, const QString &status)
 {
     static const QStringList statuses{"Available",   "Preparing", "Charging",    "Finishing", "SuspendedEVSE",
                                       "SuspendedEV", "Reserved",  "Unavailable", "Faulted"};
-    const QString status = values["state"].toString();
-    require(statuses.contains(status), "the state is a status of OCPP");
+    const QString expected = statuses.contains(status) ? status : "Unavailable";
+    require(values["state"].toString() == expected, "the state is the record's status, if OCPP has it");
     const bool charging = values["charging"].toBool();
     require(charging == (status == "Charging"), "only \"Charging\" is charging");
     require(charging || values["currentPower"].toDouble() == 0.0, "power flows only while charging");
     require(values["pluggedIn"].toBool(), "a wallbox that reports counts as plugged in");
 }
 
-void checkCurrents(const Values &values)
+void checkCurrents(const Values &values, const QJsonObject &record)
 {
     double sum = 0;
     int phases = 0;
-    for (const char *phase : {"currentPhaseA", "currentPhaseB", "currentPhaseC"}) {
+    for (const auto &[phase, member] : {
+             std::pair{"currentPhaseA", "phase_1"},
+             std::pair{"currentPhaseB", "phase_2"},
+             std::pair{"currentPhaseC", "phase_3"},
+    }) {
         const double ampere = values[phase].toDouble();
-        require(ampere == 0.0 || ampere >= 1.0, "a current is none or at least 1 A");
+        const double measured = record.value(member).toDouble();
+        const bool isShown = values["charging"].toBool() && measured >= 1.0;
+        require(ampere == (isShown ? measured : 0.0), "a current is the record's, if it is at least 1 A");
         phases += ampere > 0 ? 1 : 0;
         sum += ampere;
     }
@@ -65,14 +71,19 @@ void checkTimestamp(const Values &before, const Values &after, const QString &te
     require(after["timestamp"].toInt() == expected.toInt(), "the time stamp is the record's");
 }
 
-void check(const Values &before, Values after, const QJsonObject &record)
+/*! \a record is undefined if the reply has none of the wallbox. */
+void check(const Values &before, Values after, const QJsonValue &record)
 {
+    require(after["connected"].toBool() == !record.isUndefined(), "a wallbox with a record is connected");
     require(after["totalEnergyConsumed"].toDouble() >= before["totalEnergyConsumed"].toDouble(),
             "the total does not fall");
     if (after["connected"].toBool()) {
-        checkStatus(after);
-        checkCurrents(after);
-        checkTimestamp(before, after, record.value("timestamp").toString());
+        const QJsonObject members = record.toObject();
+        checkStatus(after, members.value("status").toString());
+        checkCurrents(after, members);
+        checkTimestamp(before, after, members.value("timestamp").toString());
+        require(after["sessionEnergy"].toDouble() == members.value("meter_value").toDouble() / 1000.0,
+                "the energy of the session is the meter's");
     } else {
         after["connected"] = before["connected"];
         require(after == before, "an absent wallbox keeps its other states");
@@ -111,8 +122,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         for (int wallbox = 0; wallbox < before.size(); ++wallbox) {
             // By position: Qt lists a name without its leading byte order mark, but finds it only with the mark.
             const int index = infraIds.indexOf(wallboxes.at(wallbox)->name());
-            const QJsonValue record = index < 0 ? QJsonValue() : (values.constBegin() + index).value();
-            check(before.at(wallbox), valuesOf(wallboxes.at(wallbox)), record.toObject());
+            const QJsonValue record =
+                index < 0 ? QJsonValue(QJsonValue::Undefined) : (values.constBegin() + index).value();
+            check(before.at(wallbox), valuesOf(wallboxes.at(wallbox)), record);
         }
     }
     return 0;
