@@ -105,7 +105,7 @@ void KilledHosts::killOne()
     while (!end.hasExpired())
         next(int(end.remainingTime()));
     m_host->kill();
-    m_host->waitForFinished();
+    require(m_host->waitForFinished(), "The host does not end.");
     while (!next().isEmpty()) // what is still in the pipe has been reported, too
         continue;
     ++counts["killed after " + m_activity];

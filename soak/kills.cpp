@@ -15,7 +15,7 @@ void soakWithKills(const QStringList &arguments)
     CommandLine line("Kills the host at random moments, and checks what the next one finds.", {
         {"kills", "How often to kill.", "N", "200"},
         {"seed", "The same number gives the same moments, as far as possible.", "N", "1"},
-        {"nearly-full", "Use a file system of 64 kB that is nearly full for every other host. Needs root."},
+        {"nearly-full", "Use a file system of 64 kB that is nearly full for about half of the hosts. Needs root."},
     });
     // clang-format on
     line.read(arguments);

@@ -19,7 +19,7 @@ namespace {
 
 constexpr qint64 never = 1714564800; // s since the last action if there was none: since the epoch
 
-// Each makes the polls fail until the backend answers normally again.
+// Each makes the polls fail until the backend answers normally again, but the last only closes idle connections.
 void (*const faults[])(Backend &) = {
     [](Backend &backend) { backend.answer(Backend::Values, 503); },
     [](Backend &backend) { backend.hangUp(Backend::Values); },

@@ -21,6 +21,7 @@ void tabTo(WebDriver &browser, const QString &selector)
     const QString isThere = "document.activeElement.matches('" + selector + "')";
     for (int presses = 0; presses < 60 && !browser.value(isThere).toBool(); ++presses)
         browser.press(keysOf("Tab"));
+    browser.wait(isThere, "document.activeElement.outerHTML"); // holds already, unless it is never reached
 }
 
 /*! What is wrong with \a line; empty if it has been done. */

@@ -6,14 +6,14 @@
 
 #include <QCoreApplication>
 
-/*! Measures for how long single events block the event loop. */
+/*! Measures how much processor time single events take, which a busy machine does not change. */
 class WatchedApplication : public QCoreApplication
 {
 public:
     using QCoreApplication::QCoreApplication;
     bool notify(QObject *receiver, QEvent *event) override;
 
-    double longest = 0; //!< ms of the thread's own time that the longest event has taken
+    double longest = 0; //!< ms that the longest event has taken
 
 private:
     bool m_isBusy = false;
