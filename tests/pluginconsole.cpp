@@ -135,16 +135,9 @@ void PluginConsole::run(const QString &line)
     command(words);
     if (!words.isEmpty())
         qFatal("\"%s\" has too many words.", qPrintable(line));
-    waitUntilIdle();
+    settle();
     printFinishedJobs();
     flush();
-}
-
-void PluginConsole::waitUntilIdle() const
-{
-    // A large reply may be under way in the kernel alone.
-    if (!waitFor([this] { return settle() && m_site.backend.isAllSent(); }) || !settle())
-        qFatal("The program does not become idle.");
 }
 
 void PluginConsole::addBackendCommands()
@@ -213,7 +206,7 @@ void PluginConsole::addFaultCommands()
         backend.hold(ScriptedBackend::Values);
         for (int i = 0; i < connectionsOfQt; ++i)
             m_site.tick();
-        waitUntilIdle();
+        settle();
         backend.releaseAll(ScriptedBackend::Values);
         const Census census = Census::takeSettled();
         print(QString("%1 objects and %2 descriptors more")
@@ -305,7 +298,7 @@ void PluginConsole::addOtherCommands()
         const int count = words.isEmpty() ? 1 : takeNumber(words);
         for (int i = 0; i < count; ++i) {
             m_site.tick();
-            waitUntilIdle();
+            settle();
         }
     };
     m_commands["quiet"] = [](const Words &) { QLoggingCategory::setFilterRules("Vela.debug=false"); };

@@ -39,7 +39,6 @@ private:
 
     void print(const QString &line);
     void flush();
-    void waitUntilIdle() const;
     void show(const QString &kind, const QString &line);
     void printRequest(const ScriptedBackend::Request &request);
     void printAppeared(const ThingDescriptors &descriptors);

@@ -8,10 +8,7 @@
 #include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
-
-#include <linux/sockios.h>
 
 namespace {
 
@@ -214,16 +211,6 @@ bool ScriptedBackend::sendPart(Operation operation, const QByteArray &bytes)
 {
     const QPointer<QTcpSocket> socket = m_held.value(operation).value(0);
     return socket && socket->write(bytes) > 0;
-}
-
-bool ScriptedBackend::isAllSent() const
-{
-    const auto sockets = m_server.findChildren<QTcpSocket *>();
-    return std::all_of(sockets.cbegin(), sockets.cend(), [](const QTcpSocket *socket) {
-        int unacknowledged = 0;
-        ioctl(int(socket->socketDescriptor()), SIOCOUTQ, &unacknowledged);
-        return socket->bytesToWrite() == 0 && unacknowledged == 0;
-    });
 }
 
 QList<ScriptedBackend::Request> ScriptedBackend::requests(Operation operation) const

@@ -72,9 +72,6 @@ public:
     /*! Sends \a bytes in answer to the oldest held request of \a operation, and goes on holding it. */
     bool sendPart(Operation operation, const QByteArray &bytes);
 
-    /*! Whether everything that was sent has arrived at the other side. */
-    bool isAllSent() const;
-
     QList<Request> requests() const { return m_requests; }
     QList<Request> requests(Operation operation) const;
     /*! "limits" of each set-limits request, in order. */

@@ -12,7 +12,10 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <linux/sockios.h>
 #include <string>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
 
@@ -26,6 +29,20 @@ bool isIdle()
     const bool handled = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return !handled;
+}
+
+/*! Whether the system has delivered all that this program has sent, which takes a while if it is busy. */
+bool allIsDelivered()
+{
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return std::all_of(begin(descriptors), end(descriptors), [](const auto &entry) {
+        const int descriptor = std::stoi(entry.path().filename());
+        sockaddr peer;
+        socklen_t size = sizeof peer;
+        const bool isConnected = ::getpeername(descriptor, &peer, &size) == 0;
+        int unacknowledged = 0;
+        return !isConnected || ::ioctl(descriptor, SIOCOUTQ, &unacknowledged) != 0 || unacknowledged == 0;
+    });
 }
 
 /*! Whether no other thread of this program has anything to do at the moment. */
@@ -56,14 +73,13 @@ bool waitFor(const std::function<bool()> &condition)
     return true;
 }
 
-bool settle()
+void settle()
 {
     const QDeadlineTimer deadline(60s);
     // Once more at the end: another thread may have sent an event just before it went to sleep.
-    while (!isIdle() || !othersSleep() || !isIdle()) {
+    while (!isIdle() || !allIsDelivered() || !othersSleep() || !isIdle()) {
         if (deadline.hasExpired())
-            return false;
+            qFatal("The program does not become idle.");
         std::this_thread::yield();
     }
-    return true;
 }

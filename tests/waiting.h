@@ -10,9 +10,9 @@
     hold within a minute. */
 [[nodiscard]] bool waitFor(const std::function<bool()> &condition);
 
-/*! Handles events until nothing is left to do: no event is pending, and all other threads of the program
-    sleep, Qt's network thread among them. By then, a peer in this program has answered what it was sent, if it
-    answers at all. False when the program does not become idle within a minute. */
-[[nodiscard]] bool settle();
+/*! Handles events until nothing is left to do: no event is pending, all that was sent has been delivered, and
+    all other threads of the program sleep, Qt's network thread among them. By then, a peer in this program has
+    answered what it was sent, if it answers at all. Ends the program when that takes more than a minute. */
+void settle();
 
 #endif // WAITING_H
