@@ -13,6 +13,7 @@
 #include <chrono>
 #include <filesystem>
 #include <linux/sockios.h>
+#include <optional>
 #include <string>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -45,16 +46,31 @@ bool allIsDelivered()
     });
 }
 
-/*! Whether no other thread of this program has anything to do at the moment. */
-bool othersSleep()
+/*! How often each other thread of this program has gone to sleep so far; nothing if one of them does not sleep. */
+std::optional<QByteArray> sleepsOfOthers()
 {
-    const std::filesystem::directory_iterator threads("/proc/self/task");
-    return std::all_of(begin(threads), end(threads), [](const auto &thread) {
-        QFile file(QString::fromStdString(thread.path() / "stat"));
-        const bool isOther = thread.path().filename() != std::to_string(gettid());
-        const QByteArray stat = isOther && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        return stat.isEmpty() || stat.mid(stat.lastIndexOf(')') + 2).startsWith('S');
-    });
+    QByteArray sleeps;
+    for (const auto &thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        QFile file(QString::fromStdString(thread.path() / "status"));
+        if (thread.path().filename() == std::to_string(gettid()) || !file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray status = file.readAll();
+        if (!status.contains("\nState:\tS"))
+            return {};
+        sleeps +=
+            QFile::encodeName(file.fileName()) + status.mid(status.indexOf("\nvoluntary_ctxt_switches"));
+    }
+    return sleeps;
+}
+
+/*! Whether nothing is left to do. The threads are looked at one after the other: only if none has run in between, all
+    of them slept at the same time. */
+bool hasSettled()
+{
+    const auto before = sleepsOfOthers();
+    const bool isDelivered = allIsDelivered();
+    // Idle once more: deleting an object may have sent an event.
+    return isIdle() && isDelivered && before && before == sleepsOfOthers() && isIdle();
 }
 
 } // namespace
@@ -76,8 +92,7 @@ bool waitFor(const std::function<bool()> &condition)
 void settle()
 {
     const QDeadlineTimer deadline(60s);
-    // Once more at the end: another thread may have sent an event just before it went to sleep.
-    while (!isIdle() || !allIsDelivered() || !othersSleep() || !isIdle()) {
+    while (!hasSettled()) {
         if (deadline.hasExpired())
             qFatal("The program does not become idle.");
         std::this_thread::yield();
