@@ -19,15 +19,19 @@ namespace {
 struct Program
 {
     QProcess process;
-    bool skips = false; // "< ..." came before: lines may be left out
+    bool skips = false;     // "< ..." came before: lines may be left out
+    bool isChecked = false; // "status" came: its end is what the transcript says
 };
 
 constexpr int sanitizerStatus = 99; // of a program with sanitizers, set in CMakePresets.json
 
-/*! As a shell reports it: 128 and the signal that has ended \a process, if one has. */
-int exitStatus(const QProcess &process)
+/*! Whether \a process has ended in another way than by itself or by a signal that a transcript sends. */
+bool hasCrashed(const QProcess &process)
 {
-    return process.exitStatus() == QProcess::CrashExit ? 128 + process.exitCode() : process.exitCode();
+    static const QList<int> sentSignals{SIGHUP, SIGINT, SIGKILL, SIGTERM};
+    if (process.exitStatus() == QProcess::CrashExit)
+        return !sentSignals.contains(process.exitCode());
+    return process.exitCode() == sanitizerStatus;
 }
 
 /*! Runs one transcript; transcripts/README.md describes the language. Stops at the first difference. */
@@ -114,21 +118,15 @@ QString TranscriptRunner::finishCase()
     QString difference;
     for (const auto &[name, program] : m_programs) {
         QProcess &process = program->process;
-        const bool isRunning = process.state() != QProcess::NotRunning;
-        if (isRunning) {
+        if (process.state() != QProcess::NotRunning) {
             process.closeWriteChannel();
             process.terminate();
         }
-        if (!waitFor([&process] { return process.state() == QProcess::NotRunning; })) {
+        if (!waitFor([&process] { return process.state() == QProcess::NotRunning; }))
             difference = name + " does not end";
-            continue;
-        }
-        // A program that has ended by itself may have any status but that of a sanitizer.
-        const int status = exitStatus(process);
-        const bool isFine = isRunning ? status == 0 || status == 128 + SIGTERM : status != sanitizerStatus;
-        if (!isFine)
-            difference = QString("the status of %1 is %2; standard error: ").arg(name).arg(status)
-                + QString::fromUtf8(process.readAllStandardError());
+        else if (!program->isChecked && hasCrashed(process))
+            difference =
+                name + " has crashed; standard error: " + QString::fromUtf8(process.readAllStandardError());
     }
     m_program = nullptr;
     m_programs.clear();
@@ -235,10 +233,13 @@ QString TranscriptRunner::expectStatus(const QString &status)
     QProcess &process = m_program->process;
     if (!waitFor([&] { return process.state() == QProcess::NotRunning; }))
         return "the program does not end";
+    m_program->isChecked = true;
     const QByteArray rest = m_program->skips ? QByteArray() : process.readAllStandardOutput();
     if (!rest.isEmpty())
         return "it also printed\n  " + QString::fromUtf8(rest);
-    const int ended = exitStatus(process);
+    // A shell reports a program that a signal has ended in the same way.
+    const int ended =
+        process.exitStatus() == QProcess::CrashExit ? 128 + process.exitCode() : process.exitCode();
     return ended == status.toInt() ? QString()
                                    : QString("the status is %1; standard error: ").arg(ended)
             + QString::fromUtf8(process.readAllStandardError());
