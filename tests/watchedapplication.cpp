@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <unistd.h>
 
 namespace {
 
@@ -29,7 +30,8 @@ bool isBackend(const QObject *object)
 
 bool WatchedApplication::notify(QObject *receiver, QEvent *event)
 {
-    if (m_isBusy || isBackend(receiver))
+    // Qt's other threads, which outlive this object, deliver their events here as well.
+    if (gettid() != getpid() || m_isBusy || isBackend(receiver))
         return QCoreApplication::notify(receiver, event);
     m_isBusy = true;
     const double start = threadTime();
