@@ -13,9 +13,9 @@
 /*! An OCPP backend that answers as the test says and remembers every request.
 
     Without a script it accepts everything: it is online, answers with the wallboxes and values below and
-    takes all limits. It is strict about what it is sent: an unknown path, a method other than POST, or an unknown or
-    missing member of the body, ends the program with a message that names it. Connections are kept alive. It
-    listens on a free port of the loopback interface. */
+    takes all limits. It is strict about what it is sent: an unknown path, a method other than POST, or an
+    unknown or missing member of the body, ends the program with a message that names it. Connections are kept
+    alive. It listens on a free port of the loopback interface. */
 class ScriptedBackend : public QObject
 {
     Q_OBJECT

@@ -46,7 +46,8 @@ bool allIsDelivered()
     });
 }
 
-/*! How often each other thread of this program has gone to sleep so far; nothing if one of them does not sleep. */
+/*! How often each other thread of this program has gone to sleep so far; nothing if one of them does not
+    sleep. */
 std::optional<QByteArray> sleepsOfOthers()
 {
     QByteArray sleeps;
@@ -63,8 +64,8 @@ std::optional<QByteArray> sleepsOfOthers()
     return sleeps;
 }
 
-/*! Whether nothing is left to do. The threads are looked at one after the other: only if none has run in between, all
-    of them slept at the same time. */
+/*! Whether nothing is left to do. The threads are looked at one after the other: if none has run in between,
+    all of them have slept at the same time. */
 bool hasSettled()
 {
     const auto before = sleepsOfOthers();
